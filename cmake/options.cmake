@@ -1,0 +1,9 @@
+# One interface target that every target of ours links: warnings and sanitizers.
+add_library(hierfit_options INTERFACE)
+target_compile_options(hierfit_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  $<$<BOOL:${HIERFIT_WARNINGS_AS_ERRORS}>:-Werror>
+  $<$<BOOL:${HIERFIT_SANITIZE}>:-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer>)
+target_link_options(hierfit_options INTERFACE
+  $<$<BOOL:${HIERFIT_SANITIZE}>:-fsanitize=address,undefined>)
+target_include_directories(hierfit_options INTERFACE ${PROJECT_SOURCE_DIR})

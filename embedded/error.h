@@ -1,0 +1,43 @@
+// What the embedded host throws.
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+namespace hierfit {
+
+/// Where in a file something is wrong. Lines and columns count from 1; 0 is unknown.
+struct Location {
+  std::string file;
+  uint32_t line = 0;
+  uint32_t column = 0;
+
+  /// "file:line:column", without what is unknown.
+  std::string text() const;
+};
+
+/// A failure with its place. `what()` is the sentence without the place.
+class Error : public std::runtime_error {
+ public:
+  Error(Location where, const std::string& sentence)
+      : std::runtime_error(sentence), where_(std::move(where)) {}
+  const Location& where() const { return where_; }
+
+ private:
+  Location where_;
+};
+
+/// A document that cannot be read as a result of the procedure (exit status 1).
+class DocumentError : public Error {
+ public:
+  using Error::Error;
+};
+
+/// A file that cannot be read or written, or holds what an option does not allow (exit status 2).
+class FileError : public Error {
+ public:
+  using Error::Error;
+};
+
+}  // namespace hierfit

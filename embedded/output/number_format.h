@@ -1,0 +1,54 @@
+// How the output writes numbers.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace hierfit::output {
+
+/// The formats of statistics, and that of a value of a variable.
+enum class Format : uint8_t {
+  Coefficient,    ///< three decimals
+  CoefficientSE,  ///< three decimals
+  Count,          ///< no decimals
+  GeneralStat,    ///< three decimals
+  Percent,        ///< one decimal
+  Significance,   ///< three decimals, "<0.001" below that
+  SigDigit,       ///< as many decimals as the number needs
+  Fixed,          ///< the decimals of a variable's print format
+};
+inline constexpr int kFormats = 8;
+
+/// The name of a format, as the journal and the JSON form write it: "Coefficient", ...
+std::string_view format_name(Format format);
+
+/// The double that stands for a number that does not exist.
+inline constexpr double kSystemMissing = -1.7976931348623157e+308;
+
+/// A number and how it is to be shown.
+struct Number {
+  double value = kSystemMissing;
+  Format format = Format::GeneralStat;
+  uint8_t decimals = 0;  ///< of `Fixed`: digits behind the decimal mark
+
+  bool missing() const { return value == kSystemMissing; }
+  bool operator==(const Number&) const = default;
+};
+
+/// The marks of a language or a form of output.
+struct NumberStyle {
+  std::string decimal_mark = ".";
+  std::string minus = "-";    ///< U+2212 in forms that are typeset
+  std::string missing = ".";  ///< what a number that does not exist shows as
+
+  bool operator==(const NumberStyle&) const = default;
+};
+
+/// The number as a reader sees it. A number that is not 0 never shows as 0: below half a unit of
+/// the last decimal it goes to scientific form ("2.345E-5"), significance to "<0.001". "-0.000"
+/// never shows. From 1e10 on, and for infinities, the form is scientific or a word, never a broken
+/// column.
+std::string shown(const Number& number, const NumberStyle& style);
+
+}  // namespace hierfit::output

@@ -1,0 +1,67 @@
+// One run of a procedure on the embedded host.
+#pragma once
+
+#include <iosfwd>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/framework.h"
+#include "host/pivot.h"
+
+#include "embedded/error.h"
+#include "embedded/output/document.h"
+
+namespace hierfit {
+
+/// What a run starts from. Texts are whole documents, names are for messages.
+struct SessionInput {
+  std::string pmml_name;
+  std::string pmml;
+  std::string statxml_name;
+  std::string statxml;
+  std::string dictionary_name;
+  std::optional<std::string> dictionary;  ///< a Table Schema laid over the model's dictionary
+};
+
+/// How a run behaves.
+struct SessionOptions {
+  std::string language = "en";      ///< BCP 47 tag, or "C": every key stands for itself
+  std::string resource_directory;   ///< holds `locale/` and `template/`
+  std::ostream* journal = nullptr;  ///< where the host call journal goes; null: no journal
+};
+
+/// The state of the host for one run: dictionary, string table, output document, journal. The host
+/// calls of the thread that made a session belong to it until it is destroyed; one session a thread
+/// at a time, and sessions of several threads do not touch each other.
+class Session {
+ public:
+  /// Reads the dictionary from the model document and lays the overlay over it. Throws
+  /// `DocumentError` for a model document that is refused, `FileError` for a bad overlay.
+  Session(SessionInput input, SessionOptions options);
+  ~Session();
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  /// The session of this thread; there must be one.
+  static Session& current();
+
+  /// Sets the three base class members of a procedure.
+  void connect(CFProcCustom& procedure);
+  /// `connect`, then `GenerateOutput`, once. Throws `DocumentError` with what is wrong, and where,
+  /// when the procedure gives false.
+  void run(CFProcCustom& procedure);
+
+  /// What the run left; the session has an empty one then.
+  output::Document take_document();
+
+  struct State;
+  /// For the host's own parts.
+  State& state() { return *state_; }
+
+ private:
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace hierfit
