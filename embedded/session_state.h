@@ -10,13 +10,11 @@
 #include "host/string_table.h"
 
 #include "embedded/dictionary/data_dictionary.h"
+#include "embedded/journal/journal.h"
 #include "embedded/output/document.h"
+#include "embedded/pivot/heading.h"
 #include "embedded/session.h"
 #include "embedded/strings/string_table.h"
-
-namespace hierfit::journal {
-class Writer;
-}
 
 namespace hierfit {
 
@@ -36,22 +34,21 @@ struct Session::State {
   std::shared_ptr<PathFinder> paths;
   ReadFailure failure;
 
-  output::Document document;                 ///< under construction
-  std::shared_ptr<journal::Writer> journal;  ///< null: no journal is written
+  output::Document document;                  ///< under construction
+  std::unique_ptr<journal::Journal> journal;  ///< null: no journal is written
+  OpenSections open_sections;
   std::unique_ptr<BpProcedure> procedure;
   /// Copies of texts that wait for their `BpAnnotation`, by the handle that `Replicate` gave.
   std::unordered_map<long, RefCountPtr<BpCellText::Impl>> replicas;
   long next_replica = 1;
+
+  /// Where a message or a chart goes: under the heading that was opened last and is still open.
+  output::Section& open_section() {
+    return open_sections.empty() ? document.content : *open_sections.back();
+  }
 };
 
-}  // namespace hierfit
-
-namespace hierfit::journal {
-/// Starts the journal of a session.
-std::shared_ptr<Writer> make_writer(std::ostream& out);
-}  // namespace hierfit::journal
-
-namespace hierfit::pivot {
 /// The topmost heading, whose items go into the document of the session.
 std::unique_ptr<BpProcedure> make_procedure(Session::State& state);
-}  // namespace hierfit::pivot
+
+}  // namespace hierfit

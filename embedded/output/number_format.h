@@ -45,10 +45,13 @@ struct NumberStyle {
   bool operator==(const NumberStyle&) const = default;
 };
 
-/// The number as a reader sees it. A number that is not 0 never shows as 0: below half a unit of
-/// the last decimal it goes to scientific form ("2.345E-5"), significance to "<0.001". "-0.000"
-/// never shows. From 1e10 on, and for infinities, the form is scientific or a word, never a broken
-/// column.
+/// Appends the number as a reader sees it. A number that is not 0 never shows as 0: below half a
+/// unit of the last decimal it goes to scientific form ("2.345E-5"), a significance below 0.001 to
+/// "<0.001". "-0.000" never shows. From eleven digits ahead of the decimal mark on the form is
+/// scientific. A percentage has its sign behind it; infinities are U+221E.
+void append_shown(std::string& out, const Number& number, const NumberStyle& style);
+
+/// The same as a text of its own.
 std::string shown(const Number& number, const NumberStyle& style);
 
 }  // namespace hierfit::output

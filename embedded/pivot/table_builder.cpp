@@ -1,0 +1,203 @@
+#include "embedded/pivot/table_builder.h"
+
+#include <algorithm>
+
+namespace {
+
+using namespace hierfit;
+using output::kNone;
+
+constexpr int32_t kColumns = 1;
+
+/// One more coordinate a cell: cells that were written before the dimension came have none in it.
+void widen(output::Cells& cells) {
+  std::vector<uint32_t> coordinates;
+  coordinates.reserve(cells.size() * (cells.dimensions + 1));
+  for (size_t cell = 0; cell < cells.size(); ++cell) {
+    coordinates.insert(coordinates.end(), cells.at(cell), cells.at(cell) + cells.dimensions);
+    coordinates.push_back(kNone);
+  }
+  cells.coordinates = std::move(coordinates);
+  ++cells.dimensions;
+}
+
+journal::Id new_id(journal::Journal* journal, const char* class_name) {
+  return journal != nullptr ? journal->number(class_name) : journal::Id{class_name, 0};
+}
+
+}  // namespace
+
+BpPivotTable::Impl::Impl(output::Table& table_, journal::Journal* journal_)
+    : table(table_), journal(journal_), id(new_id(journal_, "BpPivotTable")) {}
+
+BpPivotTable::Impl::~Impl() {
+  settle_positions();
+  if (journal != nullptr) journal->line("release").on(id);
+}
+
+BpGroup::Impl& BpPivotTable::Impl::add_dimension(const BpCellText::Impl& title) {
+  const auto number = static_cast<uint32_t>(table.dimensions.size());
+  table.dimensions.emplace_back().title = pivot::shown_text(title);
+  states_.emplace_back();
+  widen(table.cells);
+  if (table.cells.size() > 0) index_.rebuild(table.cells);
+  return groups_.emplace_back(this, number, kNone, new_id(journal, "BpDimension"));
+}
+
+void BpPivotTable::Impl::position(
+    uint32_t dimension, int32_t place, int32_t level, bool hide_title, bool hide_labels) {
+  output::Dimension& target = table.dimensions[dimension];
+  target.place = place == kColumns ? output::Place::Columns : output::Place::Rows;
+  target.level = std::max(1, level);
+  target.title_shown = !hide_title;
+  target.labels_shown = !hide_labels;
+  states_[dimension].positioned = true;
+}
+
+/// Kind and parent in front, so that one map serves all groups of a dimension.
+const std::string& BpPivotTable::Impl::identity(char kind,
+                                                uint32_t parent,
+                                                const BpCellText::Impl& label) {
+  scratch_.assign(1, kind);
+  scratch_ += std::to_string(parent);
+  pivot::append_identity(scratch_, label);
+  return scratch_;
+}
+
+uint32_t BpPivotTable::Impl::add_node(const BpGroup::Impl& parent,
+                                      const BpCellText::Impl& label,
+                                      bool is_group) {
+  output::Dimension& dimension = table.dimensions[parent.dimension];
+  const auto number = static_cast<uint32_t>(dimension.nodes.size());
+  output::Node& node = dimension.nodes.emplace_back();
+  node.label = pivot::shown_text(label);
+  node.parent = parent.node;
+  if (is_group) return number;
+  node.leaf = static_cast<uint32_t>(dimension.leaves.size());
+  dimension.leaves.push_back(number);
+  return number;
+}
+
+BpGroup::Impl& BpPivotTable::Impl::group(const BpGroup::Impl& parent,
+                                         const BpCellText::Impl& title) {
+  const auto number = static_cast<uint32_t>(groups_.size());
+  const auto [entry, is_new] =
+      states_[parent.dimension].made.try_emplace(identity('g', parent.node, title), number);
+  if (!is_new) return groups_[entry->second];
+  const uint32_t node = add_node(parent, title, true);
+  return groups_.emplace_back(this, parent.dimension, node, new_id(journal, "BpGroup"));
+}
+
+BpCategory::Impl& BpPivotTable::Impl::category(const BpGroup::Impl& parent,
+                                               const BpCellText::Impl& label) {
+  DimensionState& state = states_[parent.dimension];
+  const auto number = static_cast<uint32_t>(categories_.size());
+  const auto [entry, is_new] = state.made.try_emplace(identity('c', parent.node, label), number);
+  if (is_new) {
+    const uint32_t node = add_node(parent, label, false);
+    categories_.emplace_back(this, parent.dimension, node, new_id(journal, "BpCategory"));
+  }
+  BpCategory::Impl& category = categories_[entry->second];
+  state.current = node_of(category).leaf;
+  return category;
+}
+
+output::Node& BpPivotTable::Impl::node_of(const BpCategory::Impl& category) {
+  return table.dimensions[category.dimension].nodes[category.node];
+}
+
+const std::vector<uint32_t>& BpPivotTable::Impl::crossing(const BpCategory::Impl& category) {
+  crossing_.clear();
+  for (const DimensionState& state : states_)
+    crossing_.push_back(state.current);
+  crossing_[category.dimension] = node_of(category).leaf;
+  return crossing_;
+}
+
+void BpPivotTable::Impl::write_cell(const BpCategory::Impl& category,
+                                    const BpCellText::Impl& value) {
+  output::Cells& cells = table.cells;
+  const uint32_t cell = index_.find_or_add(cells, crossing(category));
+  if (const auto number = pivot::as_number(value)) {
+    cells.values[cell] = *number;
+    return;
+  }
+  cells.values[cell] = static_cast<uint32_t>(table.texts.size());
+  table.texts.push_back(pivot::shown_text(value));
+}
+
+uint32_t BpPivotTable::Impl::note_number(const BpAnnotation::Impl& note) {
+  output::Text text = note.text != nullptr ? pivot::shown_text(*note.text) : output::Text();
+  const auto [entry, is_new] =
+      notes_.try_emplace(text.shown, static_cast<uint32_t>(table.notes.size()));
+  if (is_new) table.notes.push_back(std::move(text));
+  return entry->second;
+}
+
+void BpPivotTable::Impl::add_note(std::vector<uint32_t>& notes, const BpAnnotation::Impl& note) {
+  const uint32_t number = note_number(note);
+  if (std::ranges::find(notes, number) == notes.end()) notes.push_back(number);
+}
+
+void BpPivotTable::Impl::note_label(const BpCategory::Impl& category,
+                                    const BpAnnotation::Impl& note) {
+  add_note(node_of(category).notes, note);
+}
+
+void BpPivotTable::Impl::note_cell(const BpCategory::Impl& category,
+                                   const BpAnnotation::Impl& note) {
+  const uint32_t cell = index_.find(table.cells, crossing(category));
+  if (cell == kNone) return add_note(row_label(category).notes, note);
+  add_note(table.cells.notes[cell], note);
+}
+
+void BpPivotTable::Impl::note_table(const BpAnnotation::Impl& note) {
+  add_note(table.table_notes, note);
+}
+
+output::Node& BpPivotTable::Impl::row_label(const BpCategory::Impl& category) {
+  const auto is_row = [](const output::Dimension& d) { return d.place == output::Place::Rows; };
+  if (is_row(table.dimensions[category.dimension])) return node_of(category);
+  size_t innermost = kNone;
+  for (size_t d = 0; d < states_.size(); ++d) {
+    if (!is_row(table.dimensions[d]) || states_[d].current == kNone) continue;
+    if (innermost == kNone || table.dimensions[d].level < table.dimensions[innermost].level) {
+      innermost = d;
+    }
+  }
+  if (innermost == kNone) return node_of(category);
+  output::Dimension& dimension = table.dimensions[innermost];
+  return dimension.nodes[dimension.leaves[states_[innermost].current]];
+}
+
+/// Whether one of the dimensions ahead of `end` stands at this level of this place.
+bool BpPivotTable::Impl::is_taken(output::Place place, int level, size_t end) const {
+  for (size_t d = 0; d < end; ++d) {
+    const output::Dimension& other = table.dimensions[d];
+    if (states_[d].positioned && other.place == place && other.level == level) return true;
+  }
+  return false;
+}
+
+int BpPivotTable::Impl::free_level(output::Place place, int from) const {
+  int level = from;
+  while (is_taken(place, level, states_.size()))
+    ++level;
+  return level;
+}
+
+/// Of two dimensions that were sent to one level, the later one moves outwards; then a dimension
+/// without a place takes the innermost free level of the rows.
+void BpPivotTable::Impl::settle_positions() {
+  for (size_t d = 0; d < states_.size(); ++d) {
+    output::Dimension& dimension = table.dimensions[d];
+    if (states_[d].positioned && is_taken(dimension.place, dimension.level, d)) {
+      dimension.level = free_level(dimension.place, dimension.level);
+    }
+  }
+  for (size_t d = 0; d < states_.size(); ++d) {
+    if (states_[d].positioned) continue;
+    table.dimensions[d].level = free_level(output::Place::Rows, 1);
+    states_[d].positioned = true;
+  }
+}

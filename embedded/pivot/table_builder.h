@@ -1,0 +1,83 @@
+// A pivot table while the module writes it.
+#pragma once
+
+#include <deque>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "embedded/journal/journal.h"
+#include "embedded/pivot/cell_index.h"
+#include "embedded/pivot/cell_text.h"
+
+/// What a group handle refers to: a dimension as a whole, or a group node inside it.
+struct BpGroup::Impl {
+  BpPivotTable::Impl* table = nullptr;
+  uint32_t dimension = 0;
+  uint32_t node = hierfit::output::kNone;  ///< `kNone`: the dimension itself
+  hierfit::journal::Id id;
+};
+
+struct BpCategory::Impl {
+  BpPivotTable::Impl* table = nullptr;
+  uint32_t dimension = 0;
+  uint32_t node = 0;
+  hierfit::journal::Id id;
+};
+
+/// The state of an open table. It goes with the last handle to the table or into it, and then
+/// settles where the dimensions without a place stand.
+struct BpPivotTable::Impl {
+ public:
+  Impl(hierfit::output::Table& table, hierfit::journal::Journal* journal);
+  ~Impl();
+  Impl(const Impl&) = delete;
+  Impl& operator=(const Impl&) = delete;
+
+  BpGroup::Impl& add_dimension(const BpCellText::Impl& title);
+  void position(
+      uint32_t dimension, int32_t place, int32_t level, bool hide_title, bool hide_labels);
+  BpGroup::Impl& group(const BpGroup::Impl& parent, const BpCellText::Impl& title);
+  /// The category of this label; the next cells of the table cross it.
+  BpCategory::Impl& category(const BpGroup::Impl& parent, const BpCellText::Impl& label);
+
+  void write_cell(const BpCategory::Impl& category, const BpCellText::Impl& value);
+  void note_label(const BpCategory::Impl& category, const BpAnnotation::Impl& note);
+  /// On the cell where the category crosses those last asked for, or, when there is none yet, on
+  /// the label of its row.
+  void note_cell(const BpCategory::Impl& category, const BpAnnotation::Impl& note);
+  void note_table(const BpAnnotation::Impl& note);
+
+  hierfit::output::Table& table;
+  hierfit::journal::Journal* const journal;
+  const hierfit::journal::Id id;
+
+ private:
+  /// What the output model does not keep of a dimension.
+  struct DimensionState {
+    bool positioned = false;
+    uint32_t current = hierfit::output::kNone;  ///< leaf of the category last asked for
+    /// Groups and categories by kind, parent and label: their numbers in `groups_`, `categories_`.
+    std::unordered_map<std::string, uint32_t> made;
+  };
+
+  const std::string& identity(char kind, uint32_t parent, const BpCellText::Impl& label);
+  uint32_t add_node(const BpGroup::Impl& parent, const BpCellText::Impl& label, bool is_group);
+  const std::vector<uint32_t>& crossing(const BpCategory::Impl& category);
+  void add_note(std::vector<uint32_t>& notes, const BpAnnotation::Impl& note);
+  uint32_t note_number(const BpAnnotation::Impl& note);
+  hierfit::output::Node& row_label(const BpCategory::Impl& category);
+  hierfit::output::Node& node_of(const BpCategory::Impl& category);
+  void settle_positions();
+  bool is_taken(hierfit::output::Place place, int level, size_t end) const;
+  int free_level(hierfit::output::Place place, int from) const;
+
+  std::deque<DimensionState> states_;
+  std::deque<BpGroup::Impl> groups_;
+  std::deque<BpCategory::Impl> categories_;
+  std::unordered_map<std::string, uint32_t> notes_;
+  hierfit::pivot::CellIndex index_;
+  std::string scratch_;
+  std::vector<uint32_t> crossing_;
+};
