@@ -1,0 +1,43 @@
+# The front door. CMake does the work; see CMakePresets.json.
+#   make report   set up, build, write a report of a shipped example
+#   make check    set up, build, run all tests
+#   make build    set up, build
+#   make bench    set up, build, run the benchmarks
+#   make format   bring all sources into shape
+#   make install  into PREFIX (default /usr/local), below DESTDIR
+
+PREFIX ?= /usr/local
+EXAMPLE ?= sleepstudy
+example := examples/$(EXAMPLE)
+dictionary := $(wildcard $(example)/dictionary.json)
+
+.PHONY: report check build bench format install clean
+
+report: build
+	build/bin/hierfit $(example)/model.pmml $(example)/result.xml \
+	  $(if $(dictionary),--dictionary $(dictionary)) -o build/$(EXAMPLE).html
+	@echo "The report: build/$(EXAMPLE).html"
+
+build:
+	scripts/setup build
+	cmake --preset release -DHIERFIT_TESTS=OFF -DCMAKE_INSTALL_PREFIX=$(PREFIX)
+	cmake --build --preset release
+
+check:
+	scripts/setup build check
+	scripts/check
+
+bench:
+	scripts/setup build bench
+	cmake --preset release -DHIERFIT_TESTS=OFF -DHIERFIT_BENCH=ON
+	cmake --build --preset release
+	build/bin/hierfit_bench
+
+format:
+	git ls-files -z '*.h' '*.cpp' | xargs -0 clang-format-14 -i
+
+install: build
+	DESTDIR=$(DESTDIR) cmake --install build --prefix $(PREFIX)
+
+clean:
+	rm -rf build build-*
