@@ -1,3 +1,4 @@
+// Joins the fields of an effect.
 #include "backend/hierfit/store/EffectText.h"
 
 std::string JoinEffectFields(const EffectStruct& effect, const EffectFieldText& fieldText) {

@@ -1,3 +1,4 @@
+// The store: its life, the map of the variables and the look-up in the string maps.
 #include "backend/hierfit/store/HFITOutputStats.h"
 
 #include <algorithm>

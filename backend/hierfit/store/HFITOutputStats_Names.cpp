@@ -8,14 +8,8 @@ namespace {
 constexpr std::string_view kUnknownName = "Unknown";
 
 constexpr std::string_view kDistributionNames[] = {
-    "Binomial",  // kBinomial
-    "Gamma",     // kGamma
-    "Inverse Gaussian",
-    "Multinomial",  // kNominal
-    "Multinomial",  // kOrdinal
-    "Negative binomial",
-    "Normal",
-    "Poisson",
+    "Binomial",          "Gamma",  "Inverse Gaussian", "Multinomial", "Multinomial",
+    "Negative binomial", "Normal", "Poisson",
 };
 static_assert(std::size(kDistributionNames) == Distribution::kUnknown);
 

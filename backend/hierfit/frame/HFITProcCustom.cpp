@@ -1,0 +1,40 @@
+// The run of the procedure: read both documents, then write.
+#include "backend/hierfit/frame/HFITProcCustom.h"
+
+#include <new>
+
+#include "backend/hierfit/reader/HFITParseOutXML.h"
+#include "backend/hierfit/tables/HFITOutput.h"
+
+HFITProcCustom::HFITProcCustom() : fpHFITOutputStats(std::make_unique<HFITOutputStats>()) {}
+
+HFITProcCustom::HFITProcCustom(BpProcedure* procedure, ProcedureDataSource* dataSource)
+    : CFProcCustom(procedure, dataSource), fpHFITOutputStats(std::make_unique<HFITOutputStats>()) {}
+
+HFITProcCustom::~HFITProcCustom() = default;
+
+bool HFITProcCustom::GenerateOutput(const std::vector<std::string>& vPMMLStr,
+                                    const std::vector<StatXMLBlock>& vStatXMLBlocks,
+                                    const std::string& summaryXMLStr) {
+  if (!(vPMMLStr.size() == 1)) return false;
+  if (!(vStatXMLBlocks.size() == 1)) return false;
+  if (!(summaryXMLStr.empty())) return false;
+  return GenerateDocumentOutput(vPMMLStr[0], vStatXMLBlocks[0]);
+}
+
+bool HFITProcCustom::GenerateDocumentOutput(const std::string& pmmlStr,
+                                            const StatXMLBlock& statXMLBlock) {
+  if (!(fpHFITOutputStats != nullptr)) return false;
+  fpHFITOutputStats->SetMetaData(fpMetaData);
+
+  HFITParseOutXML reader(fpProcedure, fpDataSource, fpHFITOutputStats.get(), pmmlStr,
+                         statXMLBlock.fDocumentText);
+  const bool isRead = reader.ReadDocuments();
+  if (isRead) {
+    HFITOutput output(fpProcedure, fpDataSource, fpHFITOutputStats.get());
+    output.WriteAll();
+  }
+  return isRead;
+}
+
+CFProcCustom* GetCFProcCustom() { return new (std::nothrow) HFITProcCustom; }

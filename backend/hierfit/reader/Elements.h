@@ -1,0 +1,23 @@
+// Short forms of the element look-ups of the XML wrapper.
+#pragma once
+
+#include <string_view>
+
+#include "host/framework.h"
+
+/// The first element at a "/"-separated path below `parent`, or null when there is none.
+inline SDOMXMLWrapper* FirstElement(SDOMXMLWrapper& parent, std::string_view path) {
+  SDOMXMLWrapper* element = nullptr;
+  return parent.GetFirstElement(path, &element, true) ? element : nullptr;
+}
+
+/// A walk over the children of this name, or null when there are none.
+inline SDOMXMLIterator* Children(SDOMXMLWrapper& parent, std::string_view name) {
+  SDOMXMLIterator* iterator = nullptr;
+  return parent.GetElementIterator(name, &iterator, true) ? iterator : nullptr;
+}
+
+/// Steps a walk, which may be null, as one over no elements.
+inline bool Step(SDOMXMLIterator* iterator, SDOMXMLWrapper*& element) {
+  return iterator != nullptr && iterator->Next(&element);
+}
