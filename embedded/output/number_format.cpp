@@ -112,18 +112,12 @@ std::string_view format_name(Format format) { return rule_of(format).name; }
 void append_shown(std::string& out, const Number& number, const NumberStyle& style) {
   if (number.missing()) {
     out += style.missing;
-  } else if (std::isnan(number.value)) {
-    out += "NaN";
   } else if (too_small_a_significance(number)) {
     out += '<';
     append_magnitude(out, kSmallestShownSignificance, number, style);
   } else {
     if (number.value < 0) out += style.minus;
-    if (std::isinf(number.value)) {
-      out += "\u221E";
-    } else {
-      append_magnitude(out, std::fabs(number.value), number, style);
-    }
+    append_magnitude(out, std::fabs(number.value), number, style);
     if (number.format == Format::Percent) out += '%';
   }
 }

@@ -1,6 +1,7 @@
 // How the output writes numbers.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -32,7 +33,8 @@ struct Number {
   Format format = Format::GeneralStat;
   uint8_t decimals = 0;  ///< of `Fixed`: digits behind the decimal mark
 
-  bool missing() const { return value == kSystemMissing; }
+  /// A number that does not exist; so is what arithmetic made of one, which is not finite.
+  bool missing() const { return value == kSystemMissing || !std::isfinite(value); }
   bool operator==(const Number&) const = default;
 };
 
@@ -48,7 +50,7 @@ struct NumberStyle {
 /// Appends the number as a reader sees it. A number that is not 0 never shows as 0: below half a
 /// unit of the last decimal it goes to scientific form ("2.345E-5"), a significance below 0.001 to
 /// "<0.001". "-0.000" never shows. From eleven digits ahead of the decimal mark on the form is
-/// scientific. A percentage has its sign behind it; infinities are U+221E.
+/// scientific. A percentage has its sign behind it.
 void append_shown(std::string& out, const Number& number, const NumberStyle& style);
 
 /// The same as a text of its own.
