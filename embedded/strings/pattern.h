@@ -3,7 +3,7 @@
 // A pattern is text with places for arguments, which count from 1:
 //   ^n            argument n; a list joins its items with ", "
 //   \n            a line feed
-//   \:  \\  \^    the character behind the backslash
+//   \:            a colon
 //   [first:further:]n
 //                 repeats over list argument n. The first round fills `first`, each later round
 //                 `further`. Inside, "%k" is the k-th item of the first round and "^k" the k-th

@@ -7,9 +7,13 @@
 
 namespace hierfit {
 
-/// One language's catalogue, read once. The keys of several sessions do not touch each other.
+/// One language's catalogue, read once. Tables do not touch each other; one is used by one thread.
 class StringTable {
  public:
+  /// An empty table: each key stands for itself.
+  StringTable();
+  /// Reads one catalogue file; a file that does not exist gives an empty table.
+  explicit StringTable(const std::string& file);
   /// Reads `<directory>/<tag>.mo` of the first of the language's tags that has a file, from the
   /// full tag to its head: "pt-BR", then "pt". "C", and a language without a file, give an empty
   /// table. Throws `FileError` for a file that is no catalogue.

@@ -1,0 +1,108 @@
+#include "embedded/strings/string_table.h"
+
+#include <boost/locale/gnu_gettext.hpp>
+#include <boost/locale/message.hpp>
+#include <filesystem>
+#include <functional>
+#include <locale>
+#include <stdexcept>
+#include <unordered_map>
+
+#include "embedded/error.h"
+#include "embedded/files/whole_file.h"
+
+namespace hierfit {
+namespace {
+
+using Facet = boost::locale::message_format<char>;
+
+constexpr std::string_view kKeysAsTheyStand = "C";
+
+/// The first of the language's tags that has a catalogue, from the full tag to its head, or "C".
+std::string catalogue_tag(const std::string& directory, std::string_view language) {
+  // A tag names a file, so it has only what tags have.
+  const bool is_tag = std::ranges::all_of(
+      language, [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '-'; });
+  if (language == kKeysAsTheyStand || !is_tag) return std::string(kKeysAsTheyStand);
+  for (std::string tag(language); !tag.empty();) {
+    if (std::filesystem::exists(directory + "/" + tag + ".mo")) return tag;
+    const size_t dash = tag.rfind('-');
+    tag.resize(dash == std::string::npos ? 0 : dash);
+  }
+  return std::string(kKeysAsTheyStand);
+}
+
+std::locale open_catalogue(const std::string& file) {
+  boost::locale::gnu_gettext::messages_info catalogue;
+  catalogue.encoding = "UTF-8";
+  catalogue.paths = {""};
+  catalogue.domains.emplace_back("catalogue");
+  catalogue.callback = [&file](const std::string&, const std::string&) {
+    const std::string bytes = read_whole_file(file);
+    return std::vector<char>(bytes.begin(), bytes.end());
+  };
+  try {
+    return std::locale(std::locale::classic(),
+                       boost::locale::gnu_gettext::create_messages_facet<char>(catalogue));
+  } catch (const std::runtime_error&) {
+    throw FileError({file, 0, 0}, "is no message catalogue");
+  }
+}
+
+struct KeyHash {
+  using is_transparent = void;
+  size_t operator()(std::string_view key) const { return std::hash<std::string_view>{}(key); }
+};
+
+}  // namespace
+
+struct StringTable::Impl {
+  std::string language{kKeysAsTheyStand};
+  std::locale catalogue;  ///< owns the facet
+  const Facet* facet = nullptr;
+  /// Keys that were asked for, with their texts; null for those that the catalogue does not hold.
+  std::unordered_map<std::string, const char*, KeyHash, std::equal_to<>> known;
+
+  void open(const std::string& file) {
+    catalogue = open_catalogue(file);
+    facet = &std::use_facet<Facet>(catalogue);
+  }
+
+  const char* find(std::string_view key) {
+    if (facet == nullptr || key.empty()) return nullptr;
+    if (const auto found = known.find(key); found != known.end()) return found->second;
+    std::string owned(key);
+    const char* text = facet->get(0, nullptr, owned.c_str());
+    // Keys from documents are without number and mostly unknown: they are not worth remembering.
+    if (text != nullptr) known.emplace(std::move(owned), text);
+    return text;
+  }
+};
+
+StringTable::StringTable() : impl_(std::make_unique<Impl>()) {}
+
+StringTable::StringTable(const std::string& directory, std::string_view language) : StringTable() {
+  impl_->language = catalogue_tag(directory, language);
+  if (impl_->language != kKeysAsTheyStand) impl_->open(directory + "/" + impl_->language + ".mo");
+}
+
+StringTable::StringTable(const std::string& file) : StringTable() {
+  if (!std::filesystem::exists(file)) return;
+  impl_->language = std::filesystem::path(file).stem().string();
+  impl_->open(file);
+}
+
+StringTable::~StringTable() = default;
+StringTable::StringTable(StringTable&&) noexcept = default;
+StringTable& StringTable::operator=(StringTable&&) noexcept = default;
+
+std::string_view StringTable::text(std::string_view key) const {
+  const char* text = impl_->find(key);
+  return text == nullptr ? key : std::string_view(text);
+}
+
+bool StringTable::holds(std::string_view key) const { return impl_->find(key) != nullptr; }
+
+const std::string& StringTable::language() const { return impl_->language; }
+
+}  // namespace hierfit
