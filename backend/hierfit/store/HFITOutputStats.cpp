@@ -51,7 +51,7 @@ VarMapInfo* HFITOutputStats::BuildVarMap() {
 }
 
 bool HFITOutputStats::HasWarning(std::string_view key) const {
-  return std::ranges::find(fvWarningList, key, &WarningData::fPattern) != fvWarningList.end();
+  return ::HasWarning(fvWarningList, key);
 }
 
 StringMapCollect* HFITOutputStats::NewStringMapCollect() {

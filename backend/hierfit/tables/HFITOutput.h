@@ -17,6 +17,10 @@ class HFITOutput {
   void WriteAll();
   /// Target, distribution, link and information criteria; needs the model diagnostics.
   void ModelSummaryOutput();
+  /// The records of the first subject; needs subject fields.
+  void DataStructureOutput();
+  /// Observed by predicted categories; needs the classification matrix.
+  void ClassificationOutput();
 
  private:
   double fMissingValue = kSystemMissing;

@@ -19,7 +19,7 @@ const char* MeasurementLevelKey(int32_t distribution) {
 void WriteEventRows(BpDimension& content,
                     const BuildSettingsStruct& settings,
                     const VELT_DataSource& dataSource) {
-  BpGroup target = content.Group(Key("Target"), true, kInOrderOfAppearance);
+  BpGroup target = GroupOf(content, Key("Target"));
   target.Category(Key("Events"))
       .Cell(BpVariable(dataSource.GetVariable(settings.fTargetIndex), kVariableInCell));
   BpCategory trials = target.Category(Key("Trials"));
@@ -65,10 +65,9 @@ void WriteModelRows(BpDimension& content,
 }
 
 void WriteCriterionRows(BpDimension& content, const ModelDiagnostics& diagnostics) {
-  BpGroup criteria = content.Group(Key("Information Criterion"), true, kInOrderOfAppearance);
-  criteria.Category(Key("Akaike Corrected"))
-      .Cell(BpNumber(diagnostics.fAICC, BpProcedure::GeneralStat()));
-  criteria.Category(Key("Bayesian")).Cell(BpNumber(diagnostics.fBIC, BpProcedure::GeneralStat()));
+  BpGroup criteria = GroupOf(content, Key("Information Criterion"));
+  WriteStatistic(criteria, {"Akaike Corrected", BpProcedure::GeneralStat}, diagnostics.fAICC);
+  WriteStatistic(criteria, {"Bayesian", BpProcedure::GeneralStat}, diagnostics.fBIC);
 }
 
 }  // namespace
@@ -80,8 +79,7 @@ void HFITOutput::ModelSummaryOutput() {
 
   BpPivotTable table = fpProcedure->PivotTable(Key("Model Summary"), Text("ModelSummary"), false);
   table.MinDataColumnWidth(kSummaryColumnWidth);
-  BpDimension content = table.Dimension(Key("Content"), kInOrderOfAppearance);
-  content.Position(kRows, 1, kHidden, kShown);
+  BpDimension content = AddDimension(table, Key("Content"), kRows, 1, Shown::LabelsAlone);
   WriteTargetRows(content, *fpBuildSettings, *fpDataSource);
   WriteModelRows(content, *fpBuildSettings, *fpHFITOutputStats);
   WriteCriterionRows(content, *diagnostics);

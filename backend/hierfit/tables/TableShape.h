@@ -1,7 +1,12 @@
-// The bare values that the operations of a pivot table take.
+// What every table is made of: dimensions in their places, numbers in columns, and the bare values
+// that the operations of a pivot table take.
 #pragma once
 
 #include <cstdint>
+
+#include "host/pivot.h"
+
+#include "backend/hierfit/tables/CellText.h"
 
 /// Places of a dimension.
 inline constexpr int32_t kRows = 0;
@@ -10,9 +15,44 @@ inline constexpr int32_t kColumns = 1;
 /// Sort value of dimensions and groups: categories stand in the order of their first appearance.
 inline constexpr int32_t kInOrderOfAppearance = 2;
 
-/// Show value of a variable in a label or a cell.
+/// Show values of a variable: its name, and its label in a note or title and in a label or cell.
+inline constexpr int32_t kVariableName = 0;
+inline constexpr int32_t kVariableInNote = 1;
 inline constexpr int32_t kVariableInCell = 2;
 
-/// What hides the title of a dimension, or its category labels.
-inline constexpr bool kHidden = true;
-inline constexpr bool kShown = false;
+/// Preference values of a data value.
+inline constexpr int32_t kValueAlone = 0;
+inline constexpr int32_t kPreferLabel = 2;
+
+/// Where the messages of the tables go, and how grave they are.
+inline constexpr BpErrorShow kShowInOutput{2};
+inline constexpr BpErrorLevel kWarningLevel{2};
+
+/// What a dimension shows of itself.
+enum class Shown { TitleAndLabels, LabelsAlone, Nothing };
+
+/// A new dimension in its place.
+inline BpDimension AddDimension(
+    BpPivotTable& table, const BpCellText& title, int32_t place, int32_t level, Shown shown) {
+  BpDimension dimension = table.Dimension(title, kInOrderOfAppearance);
+  dimension.Position(place, level, shown != Shown::TitleAndLabels, shown == Shown::Nothing);
+  return dimension;
+}
+
+/// The group of this title, which is made when it is first asked for.
+inline BpGroup GroupOf(BpGroup& parent, const BpCellText& title) {
+  return parent.Group(title, true, kInOrderOfAppearance);
+}
+
+/// One column of statistics: the key of its label, and the format of its numbers.
+struct StatisticColumn {
+  const char* key;
+  BpFormatSpec (*format)();
+};
+
+/// Writes a number into the column, in the row last asked for, and gives the column's category.
+inline BpCategory WriteStatistic(BpGroup& columns, const StatisticColumn& column, double value) {
+  BpCategory category = columns.Category(Key(column.key));
+  category.Cell(BpNumber(value, column.format()));
+  return category;
+}

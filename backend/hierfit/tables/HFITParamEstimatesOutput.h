@@ -1,0 +1,77 @@
+// Writes the tables of the fixed effects, the coefficients and the covariance parameters.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/framework.h"
+#include "host/pivot.h"
+
+#include "backend/hierfit/store/HFITOutputStats.h"
+
+/// A table whose data are absent or contradict each other stays away. Owns nothing that it is
+/// given.
+class HFITParamEstimatesOutput {
+ public:
+  HFITParamEstimatesOutput(BpProcedure* procedure,
+                           ProcedureDataSource* dataSource,
+                           HFITOutputStats* outputStats);
+
+  /// The F tests: the corrected model, then each fixed effect.
+  void FixedEffectsOutput();
+  /// The fixed coefficients; of a nominal target by its categories, of an ordinal one with the
+  /// thresholds in a group.
+  void FixedCoefficientsOutput();
+  /// Under a heading, the covariance matrices of each block of random effects.
+  void RandomEffectCovariancesOutput();
+  /// Under a heading, a summary and the covariance parameters of the residual and of each block.
+  void CovarianceParametersOutput();
+
+ private:
+  /// The block number of the residual effect.
+  static constexpr int32_t kResidualBlock = -1;
+
+  void EffectNames(const std::vector<EffectStruct>& effectList, std::vector<std::string>& names);
+  void NominalCoefficients(const std::vector<ParamEstimData>& categories);
+  void SingleCoefficients(const ParamEstimData& estimates);
+  void CoefficientRow(BpDimension& statistics, const ParamStatData& row);
+  BpCategory TermCategory(BpDimension& terms, const ParamStatData& row);
+  BpCategory ThresholdCategory(BpDimension& terms, const ParamStatData& row);
+
+  void CovarianceSummary(BpPivotTable& table, const ModelDiagnostics& diagnostics);
+  void RandomEffectBlockOutput(BpHeading& heading,
+                               const RandEffCovarsData& randEffCovars,
+                               std::size_t block);
+  void ResidualEffectOutput(BpHeading& heading, const std::vector<ParamEstimData>& paramEstimVect);
+  void RandomEffectOutput(BpHeading& heading,
+                          const std::vector<ParamEstimData>& paramEstimVect,
+                          int32_t block,
+                          std::size_t blockCount);
+  void CovarianceRows(BpDimension& rows,
+                      BpDimension& columns,
+                      const ParamEstimData& paramEstimData,
+                      int32_t block);
+  /// How the rows of a covariance table are laid out.
+  enum class Layout { Plain, ByGroup, ByTarget };
+
+  const RandomSpec* SpecOf(int64_t block) const;
+  Layout LayoutOf(const std::vector<std::string>& groupSpec) const;
+  static bool Fits(Layout layout, const SegmentInfoData& segment);
+  BpDimension AddOuterDimension(BpPivotTable& table, Layout layout) const;
+  void OuterCategory(BpDimension& dimension, Layout layout, const SegmentInfoData& segment) const;
+  std::string SubjectText(const EffectStruct& subjectSpec);
+  BpComposite OpenCovarianceCaption(int32_t covarianceType, const EffectStruct* subjectSpec);
+  BpComposite GroupLabel(const SegmentInfoData& segment) const;
+  BpDataValue TargetValue(const CFStatVariableValue& value) const;
+  const VELT_Variable* Target() const;
+  bool HasNoSubjects() const;
+  void AddWarningList(BpComposite& caption) const;
+
+  double fMissingValue = kSystemMissing;
+  BpProcedure* fpProcedure;
+  ProcedureDataSource* fpDataSource;
+  HFITOutputStats* fpHFITOutputStats;
+  BuildSettingsStruct* fpBuildSettings;
+  std::vector<std::string> fvEffectNames;
+};

@@ -1,0 +1,50 @@
+// The F tests of the model and its fixed effects.
+#include "backend/hierfit/tables/CellText.h"
+#include "backend/hierfit/tables/HFITParamEstimatesOutput.h"
+#include "backend/hierfit/tables/TableShape.h"
+#include "backend/hierfit/tables/TableText.h"
+
+namespace {
+
+struct TestColumn {
+  StatisticColumn column;
+  double EffectTestData::*value;
+};
+
+constexpr TestColumn kTestColumns[] = {
+    {{"F", BpProcedure::GeneralStat}, &EffectTestData::fFStatistic},
+    {{"df1", BpProcedure::Count}, &EffectTestData::fDf1},
+    {{"df2", BpProcedure::Count}, &EffectTestData::fDf2},
+    {{"Sig.", BpProcedure::Significance}, &EffectTestData::fSig},
+};
+
+void WriteTest(BpDimension& statistics, const EffectTestData& test) {
+  for (const TestColumn& column : kTestColumns) {
+    WriteStatistic(statistics, column.column, test.*column.value);
+  }
+}
+
+}  // namespace
+
+void HFITParamEstimatesOutput::FixedEffectsOutput() {
+  const EffectStatData* pEffectStatData = fpHFITOutputStats->GetEffectStatData();
+  if (pEffectStatData == nullptr) return;
+  const std::size_t nEffects = pEffectStatData->fvFixedEffectTests.size();
+  if (!(nEffects == fpBuildSettings->fvFixedEffectList.size())) return;
+  if (nEffects == 0 && !fpBuildSettings->fIntercept) return;
+
+  BpPivotTable table = fpProcedure->PivotTable(Key("Fixed Effects"), Text("FixedEffects"), true);
+  table.Note(Footnote(TargetNote(*fpBuildSettings, *fpDataSource)));
+  table.Caption(DistributionCaption(*fpHFITOutputStats, false));
+  BpDimension source = AddDimension(table, Key("Source"), kRows, 1, Shown::TitleAndLabels);
+  BpDimension statistics = AddDimension(table, Key("Statistics"), kColumns, 1, Shown::LabelsAlone);
+  EffectNames(fpBuildSettings->fvFixedEffectList, fvEffectNames);
+
+  BpCategory model = source.Category(Key("Corrected Model"));
+  if (nEffects == 0) model.Note(Footnote(Key("Fixed effects intercept only ...")));
+  WriteTest(statistics, pEffectStatData->fCorrectedModel);
+  for (std::size_t i = 0; i < nEffects; ++i) {
+    source.Category(Text(fvEffectNames[i]));
+    WriteTest(statistics, pEffectStatData->fvFixedEffectTests[i]);
+  }
+}
