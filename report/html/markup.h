@@ -1,0 +1,18 @@
+// Appends HTML to a text. The one place where text becomes markup.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "embedded/output/document.h"
+
+namespace hierfit::report::html {
+
+/// Text for element content and for attributes in double quotes. Control characters, which HTML
+/// does not allow, become U+FFFD; line feeds and tabs stay.
+void append_escaped(std::string& out, std::string_view text);
+
+/// A text with its lines divided by `<br>` and its numbers in `style`.
+void append_text(std::string& out, const output::Text& text, const output::NumberStyle& style);
+
+}  // namespace hierfit::report::html

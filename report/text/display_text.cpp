@@ -1,0 +1,147 @@
+// Text measured and wrapped in the columns of a terminal.
+#include "report/text/display_text.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utf8proc.h>
+
+namespace hierfit::report::text {
+
+namespace {
+
+struct Character {
+  int32_t code = 0;
+  size_t bytes = 1;
+  size_t width = 1;
+};
+
+/// The character at the head of a text that is not empty.
+Character first_character(std::string_view text) {
+  const auto byte = static_cast<unsigned char>(text[0]);
+  if (byte < 0x80) return {.code = byte, .bytes = 1, .width = byte < 0x20 ? 0U : 1U};
+  utf8proc_int32_t code = 0;
+  const auto bytes = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                                      static_cast<utf8proc_ssize_t>(text.size()), &code);
+  if (bytes < 1) return {};
+  return {.code = code,
+          .bytes = static_cast<size_t>(bytes),
+          .width = static_cast<size_t>(std::max(0, utf8proc_charwidth(code)))};
+}
+
+bool reorders(int32_t code) {
+  return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+}
+
+/// Calls `visit` with each stretch of the text between two dividers.
+template <class Visit>
+void split(std::string_view text, char divider, Visit visit) {
+  for (;;) {
+    const size_t end = text.find(divider);
+    visit(text.substr(0, end));
+    if (end == std::string_view::npos) return;
+    text.remove_prefix(end + 1);
+  }
+}
+
+/// Fills lines with words.
+class Wrapper {
+ public:
+  explicit Wrapper(size_t width) : width_(std::max<size_t>(width, 2)) {}
+
+  void add_paragraph(std::string_view paragraph) {
+    split(paragraph, ' ', [this](std::string_view word) { add_word(word); });
+    end_line();
+  }
+  std::vector<std::string> lines() && { return std::move(lines_); }
+
+ private:
+  void add_word(std::string_view word) {
+    const size_t width = display_width(word);
+    const size_t gap = line_.empty() ? 0 : 1;
+    if (used_ + gap + width <= width_) return append(gap, word, width);
+    if (!line_.empty()) end_line();
+    if (width <= width_) return append(0, word, width);
+    break_word(word);
+  }
+
+  void append(size_t gap, std::string_view word, size_t width) {
+    line_.append(gap, ' ').append(word);
+    used_ += gap + width;
+  }
+
+  void break_word(std::string_view word) {
+    while (!word.empty()) {
+      const Character next = first_character(word);
+      if (used_ + next.width > width_) end_line();
+      line_.append(word.substr(0, next.bytes));
+      used_ += next.width;
+      word.remove_prefix(next.bytes);
+    }
+  }
+
+  void end_line() {
+    lines_.push_back(std::move(line_));
+    line_.clear();
+    used_ = 0;
+  }
+
+  size_t width_;
+  std::vector<std::string> lines_;
+  std::string line_;
+  size_t used_ = 0;
+};
+
+template <class Measure>
+size_t longest(std::string_view text, Measure measure) {
+  size_t width = 0;
+  split(text, '\n', [&](std::string_view line) { width = std::max(width, measure(line)); });
+  return width;
+}
+
+}  // namespace
+
+size_t display_width(std::string_view line) {
+  size_t width = 0;
+  while (!line.empty()) {
+    const Character next = first_character(line);
+    width += next.width;
+    line.remove_prefix(next.bytes);
+  }
+  return width;
+}
+
+std::string printable(std::string_view text) {
+  std::string safe;
+  safe.reserve(text.size());
+  while (!text.empty()) {
+    const Character next = first_character(text);
+    const bool control = next.code < 0x20 || (next.code >= 0x7F && next.code < 0xA0);
+    if (next.code == '\t') {
+      safe += ' ';
+    } else if (control && next.code != '\n') {
+      safe += "\uFFFD";
+    } else if (!reorders(next.code)) {
+      safe.append(text.substr(0, next.bytes));
+    }
+    text.remove_prefix(next.bytes);
+  }
+  return safe;
+}
+
+std::vector<std::string> wrapped(std::string_view text, size_t width) {
+  Wrapper wrapper(width);
+  split(text, '\n', [&](std::string_view paragraph) { wrapper.add_paragraph(paragraph); });
+  return std::move(wrapper).lines();
+}
+
+size_t longest_word(std::string_view text) {
+  return longest(text, [](std::string_view line) {
+    size_t width = 0;
+    split(line, ' ', [&](std::string_view word) { width = std::max(width, display_width(word)); });
+    return width;
+  });
+}
+
+size_t longest_line(std::string_view text) { return longest(text, display_width); }
+
+}  // namespace hierfit::report::text

@@ -1,0 +1,16 @@
+// The report's own short texts: table numbers and note marks.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace hierfit::report {
+
+/// `pattern` with each "^1" replaced by `argument`.
+std::string filled(std::string_view pattern, std::string_view argument);
+
+/// The letters of a note's number, from 0: "a" ... "z", "aa", "ab", ...
+std::string mark_letters(uint32_t number);
+
+}  // namespace hierfit::report
