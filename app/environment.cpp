@@ -1,0 +1,45 @@
+#include "app/environment.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace hierfit::app {
+namespace {
+
+constexpr const char* kEnglish = "en";
+
+/// A variable of the environment; empty when it is not set.
+std::string variable(const char* name) {
+  const char* value = std::getenv(name);
+  return value == nullptr ? std::string() : std::string(value);
+}
+
+}  // namespace
+
+std::string language_of_environment() {
+  for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+    std::string locale = variable(name);
+    if (locale.empty()) continue;
+    locale.resize(std::min(locale.find_first_of(".@"), locale.size()));
+    if (locale == "C" || locale == "POSIX") return kEnglish;
+    std::ranges::replace(locale, '_', '-');
+    return locale;
+  }
+  return kEnglish;
+}
+
+bool uses_colour(std::string_view option, int descriptor) {
+  if (option != "auto") return option == "always";
+  return ::isatty(descriptor) == 1 && variable("NO_COLOR").empty() && variable("TERM") != "dumb";
+}
+
+size_t display_width(int descriptor) {
+  constexpr size_t kWithoutTerminal = 80;
+  winsize size{};
+  if (::ioctl(descriptor, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kWithoutTerminal;
+  return size.ws_col;
+}
+
+}  // namespace hierfit::app

@@ -1,0 +1,42 @@
+#include "app/progress.h"
+
+#include <chrono>
+#include <iostream>
+#include <unistd.h>
+#include <utility>
+
+#include "app/environment.h"
+
+namespace hierfit::app {
+
+namespace {
+constexpr auto kPatience = std::chrono::seconds(1);
+constexpr const char* kEraseLine = "\r\033[K";
+}  // namespace
+
+Progress::Progress(bool wanted, std::string line) : line_(std::move(line)) {
+  // The line is taken away by an escape sequence, so the same terminals are fit for it as for
+  // colour.
+  if (wanted && uses_colour("auto", STDERR_FILENO))
+    thread_ = std::thread([this] { wait_and_show(); });
+}
+
+Progress::~Progress() {
+  if (!thread_.joinable()) return;
+  {
+    const std::lock_guard lock(mutex_);
+    over_ = true;
+  }
+  over_changed_.notify_one();
+  thread_.join();
+}
+
+void Progress::wait_and_show() {
+  std::unique_lock lock(mutex_);
+  if (over_changed_.wait_for(lock, kPatience, [this] { return over_; })) return;
+  std::cerr << line_ << std::flush;
+  over_changed_.wait(lock, [this] { return over_; });
+  std::cerr << kEraseLine << std::flush;
+}
+
+}  // namespace hierfit::app
