@@ -150,6 +150,8 @@ class HFITOutputStats {
     return member.get();
   }
 
+  /// The text of an effect of a random block, by numbers that a document gives. False without it.
+  bool GetBlockEffectText(const std::string& effectNumber, int32_t block, std::string& text) const;
   std::string NameText(std::string_view key, bool translate) const;
   void IndexStringMaps() const;
   int32_t FindTerm(int32_t mapId,
