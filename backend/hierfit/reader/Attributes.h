@@ -70,6 +70,21 @@ void StoreNamed(const AttributeBinding<Record> (&bindings)[N],
   }
 }
 
+/// Fills the field of one binding; an absent attribute reads as an empty text. Gives whether it is
+/// there. `scratch` is room for a text.
+template <class Record>
+bool ReadAttribute(SDOMXMLWrapper& element,
+                   const AttributeBinding<Record>& binding,
+                   std::string& scratch,
+                   Record& record) {
+  if (auto field = std::get_if<std::string Record::*>(&binding.field)) {
+    return element.GetAttribute(binding.name, record.**field);
+  }
+  const bool isThere = element.GetAttribute(binding.name, scratch);
+  StoreText(binding, scratch, record);
+  return isThere;
+}
+
 /// Fills `record` in the order of the bindings. False at the first required attribute that is
 /// absent; its field then has the value of an empty text, as that of an optional one that is
 /// absent.
@@ -77,29 +92,30 @@ template <class Record, std::size_t N>
 [[nodiscard]] bool ReadAttributes(SDOMXMLWrapper& element,
                                   const AttributeBinding<Record> (&bindings)[N],
                                   Record& record) {
-  std::string text;
+  std::string scratch;
   for (const AttributeBinding<Record>& binding : bindings) {
-    bool isThere = false;
-    if (auto field = std::get_if<std::string Record::*>(&binding.field)) {
-      isThere = element.GetAttribute(binding.name, record.**field);
-    } else {
-      isThere = element.GetAttribute(binding.name, text);
-      StoreText(binding, text, record);
-    }
+    const bool isThere = ReadAttribute(element, binding, scratch, record);
     if (!isThere && binding.need == Need::Required) return false;
   }
   return true;
 }
 
-/// Fills `record` from an element that may be null; absent attributes read as empty texts.
+/// Fills `record` in the order of the bindings; absent attributes read as empty texts.
 template <class Record, std::size_t N>
-void ReadAttributesUntested(SDOMXMLWrapper* element,
+void ReadAttributesUntested(SDOMXMLWrapper& element,
                             const AttributeBinding<Record> (&bindings)[N],
                             Record& record) {
-  std::string text;
+  std::string scratch;
   for (const AttributeBinding<Record>& binding : bindings) {
-    text.clear();
-    if (element != nullptr) element->GetAttribute(binding.name, text);
+    ReadAttribute(element, binding, scratch, record);
+  }
+}
+
+/// Gives the fields of the bindings the values that empty texts stand for.
+template <class Record, std::size_t N>
+void StoreEmptyTexts(const AttributeBinding<Record> (&bindings)[N], Record& record) {
+  const std::string text;
+  for (const AttributeBinding<Record>& binding : bindings) {
     StoreText(binding, text, record);
   }
 }

@@ -171,7 +171,7 @@ bool HFITParseOutXML::ReadTargetDistribution(SDOMXMLIterator* targetDistDataElmI
     if (targetDistData.fDescription != "TargetDistribution") continue;
 
     if (SDOMXMLWrapper* countsElm = FirstElement(*targetDistElm, "Counts")) {
-      ReadAttributesUntested(countsElm, kTargetCounts, targetDistData);
+      ReadAttributesUntested(*countsElm, kTargetCounts, targetDistData);
     }
     SDOMXMLIterator* statisticIter = Children(*targetDistElm, "Statistic");
     ReadDistributionStatistics(statisticIter, targetDistData);
@@ -195,7 +195,7 @@ bool HFITParseOutXML::ReadPredByObserved(SDOMXMLIterator* predByObservDataElmIte
   } while (predByObservData.fDescription != "observedByPredicted");
 
   if (SDOMXMLWrapper* countsElm = FirstElement(*predByObservDataElm, "Counts")) {
-    ReadAttributesUntested(countsElm, kPredByObservedCounts, predByObservData);
+    ReadAttributesUntested(*countsElm, kPredByObservedCounts, predByObservData);
   }
   SDOMXMLIterator* coordinatesIter = Children(*predByObservDataElm, "Coordinates");
   if (coordinatesIter == nullptr) return false;
@@ -216,8 +216,11 @@ bool HFITParseOutXML::ReadModelTestStats(SDOMXMLIterator* effectTestDataElmIter,
   for (SDOMXMLWrapper* testElm = nullptr; Step(effectTestDataElmIter, testElm);) {
     testElm->GetAttribute("description", description);
     EffectTestData test;
-    ReadAttributesUntested(testElm, kTestAttributes, test);
-    ReadAttributesUntested(FirstElement(*testElm, "FTest"), kFTestAttributes, test);
+    ReadAttributesUntested(*testElm, kTestAttributes, test);
+    StoreEmptyTexts(kFTestAttributes, test);
+    if (SDOMXMLWrapper* fTestElm = FirstElement(*testElm, "FTest")) {
+      ReadAttributesUntested(*fTestElm, kFTestAttributes, test);
+    }
     if (description == "correctedModel") {
       test.fTestID = effectStatData.fCorrectedModel.fTestID;
       effectStatData.fCorrectedModel = test;
