@@ -1,0 +1,68 @@
+// Reads the covariance matrices of a random block.
+#include <utility>
+
+#include "backend/hierfit/reader/Elements.h"
+#include "backend/hierfit/reader/HFITParseOutXML.h"
+
+namespace {
+
+/// The most bytes of the labels of all matrices together: one short list can stand for a long term.
+constexpr std::size_t kMaxEffectLabelBytes = std::size_t{1} << 26;
+
+}  // namespace
+
+bool HFITParseOutXML::ReadRandEffCovars(SDOMXMLWrapper* randEffCovarMatElm,
+                                        RandEffCovarsData& randEffCovars) {
+  if (!(randEffCovarMatElm != nullptr)) return false;
+  SDOMXMLWrapper* statisticElm = FirstElement(*randEffCovarMatElm, "Statistic");
+  if (!ReadNumericStatistic(statisticElm, randEffCovars.fStatName, randEffCovars.fStatValue)) {
+    return false;
+  }
+  SDOMXMLWrapper* labelsElm = FirstElement(*randEffCovarMatElm, "MatrixLabels/RowColLabels");
+  if (labelsElm == nullptr) return false;
+  if (!ReadEffectLabels(Children(*labelsElm, "Label"), randEffCovars.fvEffectLabels)) return false;
+
+  SDOMXMLIterator* segmentDataIter = Children(*randEffCovarMatElm, "SegmentData");
+  if (segmentDataIter == nullptr) return false;
+  for (SDOMXMLWrapper* segmentDataElm = nullptr; segmentDataIter->Next(&segmentDataElm);) {
+    if (!ReadSegmentMatrix(*segmentDataElm, randEffCovars)) return false;
+  }
+  return true;
+}
+
+bool HFITParseOutXML::ReadEffectLabels(SDOMXMLIterator* labelIter,
+                                       std::vector<std::string>& vEffectLabels) {
+  bool isRead = false;
+  for (SDOMXMLWrapper* labelElm = nullptr; Step(labelIter, labelElm);) {
+    PrintableListData printableList;
+    isRead = ReadPrintableList(FirstElement(*labelElm, "PrintableList"), printableList);
+    if (!isRead) continue;
+    std::string& label = vEffectLabels.emplace_back();
+    fpHFITOutputStats->GetPrintableText(printableList, label);
+    fEffectLabelBytes += label.size();
+    if (fEffectLabelBytes > kMaxEffectLabelBytes) return false;
+  }
+  return isRead;
+}
+
+bool HFITParseOutXML::ReadSegmentMatrix(SDOMXMLWrapper& segmentDataElm,
+                                        RandEffCovarsData& randEffCovars) {
+  SegmentInfoData segmentInfo;
+  if (!ReadSegmentInfo(FirstElement(segmentDataElm, "SegmentInfo"), segmentInfo)) return false;
+  randEffCovars.fSimpleSubjects.push_back(std::move(segmentInfo));
+
+  MatrixData matrix;
+  if (!ReadMatrix(FirstElement(segmentDataElm, "Matrix"), matrix)) return false;
+  randEffCovars.fMatrixValues.push_back(std::move(matrix));
+  return true;
+}
+
+bool HFITParseOutXML::ReadNumericStatistic(SDOMXMLWrapper* statisticElm,
+                                           std::string& name,
+                                           double& value) {
+  if (!(statisticElm != nullptr)) return false;
+  std::string text;
+  statisticElm->GetAttribute("value", text);
+  value = text.empty() ? fMissingValue : String2Double(text);
+  return statisticElm->GetAttribute("name", name);
+}
