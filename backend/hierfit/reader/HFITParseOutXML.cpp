@@ -78,8 +78,8 @@ bool HFITParseOutXML::ReadStatXMLDocument(const std::string& statXMLStr) {
   fpBuildSettings = fpHFITOutputStats->NewBuildSettings();
   if (fpBuildSettings == nullptr || documentElm == nullptr) return false;
 
-  return ReadSettings(*documentElm) && ReadDiagnostics(*documentElm) &&
-         ReadTrainingSummary(*documentElm);
+  return ReadSettings(*documentElm) && ReadLabelMaps(*documentElm) &&
+         ReadDiagnostics(*documentElm) && ReadTrainingSummary(*documentElm);
 }
 
 bool HFITParseOutXML::ReadSettings(SDOMXMLWrapper& documentElm) {
@@ -96,19 +96,83 @@ bool HFITParseOutXML::ReadSettings(SDOMXMLWrapper& documentElm) {
   return false;
 }
 
+bool HFITParseOutXML::ReadLabelMaps(SDOMXMLWrapper& documentElm) {
+  StringMapCollect* pStringMapCollect = fpHFITOutputStats->NewStringMapCollect();
+  if (!(pStringMapCollect != nullptr)) return false;
+  SDOMXMLWrapper* modelElm = FirstElement(documentElm, "PMMLModel");
+  if (modelElm == nullptr) return false;
+  return ReadStringMaps(Children(*modelElm, "StringMap"), *pStringMapCollect);
+}
+
 bool HFITParseOutXML::ReadDiagnostics(SDOMXMLWrapper& documentElm) {
   ModelDiagnostics* pModelDiagnostics = fpHFITOutputStats->NewModelDiagnostics();
-  if (pModelDiagnostics == nullptr) return false;
+  if (!(pModelDiagnostics != nullptr)) return false;
   SDOMXMLWrapper* diagnosticsElm = FirstElement(documentElm, "PMMLModel/ModelDiagnostics");
-  return diagnosticsElm != nullptr && ReadModelDiagnostics(diagnosticsElm, *pModelDiagnostics);
+  if (diagnosticsElm == nullptr) return false;
+  if (!ReadModelDiagnostics(diagnosticsElm, *pModelDiagnostics)) return false;
+
+  if (!ReadStructuredData(*diagnosticsElm)) return false;
+  if (!ReadClassification(*diagnosticsElm)) return false;
+  SDOMXMLIterator* dataGroupIter = Children(*diagnosticsElm, "DataGroup");
+  return dataGroupIter == nullptr || ReadDataGroups(dataGroupIter);
+}
+
+bool HFITParseOutXML::ReadStructuredData(SDOMXMLWrapper& modelDiagnosticsElm) {
+  SDOMXMLIterator* structuredDataIter = Children(modelDiagnosticsElm, "StructuredData");
+  if (structuredDataIter == nullptr) return true;
+  StructuredData* pStructuredData = fpHFITOutputStats->NewStructuredData();
+  if (!(pStructuredData != nullptr)) return false;
+
+  for (SDOMXMLWrapper* structuredDataElm = nullptr; structuredDataIter->Next(&structuredDataElm);) {
+    if (!ReadStructuredDataElement(*structuredDataElm, *pStructuredData)) return false;
+  }
+  return true;
+}
+
+bool HFITParseOutXML::ReadStructuredDataElement(SDOMXMLWrapper& structuredDataElm,
+                                                StructuredData& structuredData) {
+  std::string description;
+  if (!structuredDataElm.GetAttribute("description", description)) return false;
+  if (description == "firstSubjectRecordsForDataStructure") {
+    return ReadFirstSubjectRecords(&structuredDataElm, structuredData);
+  }
+  if (description != "randomEffectCovariances") return true;
+  RandEffCovarsData randEffCovars;
+  if (!ReadRandEffCovars(&structuredDataElm, randEffCovars)) return false;
+  structuredData.fvRandEffCovars.push_back(std::move(randEffCovars));
+  return true;
+}
+
+bool HFITParseOutXML::ReadClassification(SDOMXMLWrapper& modelDiagnosticsElm) {
+  SDOMXMLWrapper* classifMatrixElm = FirstElement(modelDiagnosticsElm, "Matrix");
+  if (classifMatrixElm == nullptr) return true;
+  std::string description;
+  classifMatrixElm->GetAttribute("description", description);
+  if (description != "classificationTable") return true;
+  ClassifMatrixData* pClassifMatrixData = fpHFITOutputStats->NewClassifMatrixData();
+  if (!(pClassifMatrixData != nullptr)) return false;
+  return ReadMatrix(classifMatrixElm, *pClassifMatrixData);
 }
 
 bool HFITParseOutXML::ReadTrainingSummary(SDOMXMLWrapper& documentElm) {
+  ParamCollect* pParamCollect = fpHFITOutputStats->NewParamCollect();
+  if (!(pParamCollect != nullptr)) return false;
   SDOMXMLWrapper* trainingSummaryElm = FirstElement(documentElm, "PMMLModel/TrainingSummary");
+  const bool hasEstimates =
+      trainingSummaryElm != nullptr && ReadEstimates(*trainingSummaryElm, *pParamCollect);
+  if (!hasEstimates) fpHFITOutputStats->ClearParamCollect();
   if (trainingSummaryElm == nullptr) return false;
+
+  // A fit without estimates is still a result when the engine says why.
   SDOMXMLIterator* messageIter = Children(*trainingSummaryElm, "Message");
-  return messageIter == nullptr ||
-         ReadWarningMessages(messageIter, *fpHFITOutputStats->GetWarningList());
+  if (messageIter == nullptr) return hasEstimates;
+  return ReadWarningMessages(messageIter, *fpHFITOutputStats->GetWarningList());
+}
+
+bool HFITParseOutXML::ReadEstimates(SDOMXMLWrapper& trainingSummaryElm,
+                                    ParamCollect& paramCollect) {
+  SDOMXMLIterator* paramEstimIter = Children(trainingSummaryElm, "ParameterEstimates");
+  return paramEstimIter != nullptr && ReadParameterEstimates(paramEstimIter, paramCollect);
 }
 
 bool HFITParseOutXML::ReadWarningMessages(SDOMXMLIterator* warningMsgElmIter,
@@ -124,6 +188,35 @@ bool HFITParseOutXML::ReadWarningMessages(SDOMXMLIterator* warningMsgElmIter,
     const bool isWhole = ReadWarningParameters(*printListElm, warning.fWarningParameters);
     vWarnings.push_back(std::move(warning));
     if (!isWhole) return false;
+  }
+  return true;
+}
+
+const VELT_Variable* HFITParseOutXML::TargetVariable() const {
+  if (fpBuildSettings == nullptr) return nullptr;
+  return fpDataSource->GetVariable(fpBuildSettings->fTargetIndex);
+}
+
+std::optional<std::size_t> HFITParseOutXML::ModelVariable(int32_t index) const {
+  const VarMapInfo* pVarMapInfo = fpHFITOutputStats->GetVarMapInfo();
+  if (!(pVarMapInfo != nullptr)) return {};
+  const auto field = static_cast<std::size_t>(index);
+  if (index < 0 || field >= pVarMapInfo->fvFieldToVar.size()) return {};
+  const int32_t variable = pVarMapInfo->fvFieldToVar[field];
+  if (variable < 0) return {};
+  return static_cast<std::size_t>(variable);
+}
+
+bool HFITParseOutXML::ReadValues(SDOMXMLWrapper& arrayElm,
+                                 const VELT_Variable* variable,
+                                 std::vector<CFStatVariableValue>& vValues) {
+  std::vector<std::string> vItems;
+  if (!arrayElm.GetSimpleArray(vItems)) return false;
+  vValues.reserve(vValues.size() + vItems.size());
+  for (std::string& item : vItems) {
+    CFStatVariableValue value(std::move(item));
+    if (!value.LoadObsValue(variable, 0)) return false;
+    vValues.push_back(std::move(value));
   }
   return true;
 }
