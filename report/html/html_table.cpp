@@ -37,6 +37,9 @@ constexpr uint32_t kManyColumns = 6;
 constexpr int kMostLeftSteps = 24;
 constexpr int kMostRightSteps = 48;
 
+/// The deepest indent that the style sheet knows.
+constexpr uint32_t kDeepestIndent = 4;
+
 /// A CSS pixel in thousandths of a point.
 constexpr int kMilliPointsPerPixel = 750;
 
@@ -89,7 +92,7 @@ class HtmlTable {
   }
 
   void write() {
-    (out_ += "<div class=\"scroll") += layout_.lines.size() >= kManyLines ? " many" : "";
+    out_ += is_long() ? "<div class=\"scroll many" : "<div class=\"scroll";
     out_ += "\" tabindex=\"0\" role=\"region\" aria-labelledby=\"";
     append_id();
     out_ += "\">\n<table";
@@ -101,12 +104,14 @@ class HtmlTable {
     write_body();
     write_foot();
     out_ += "</table>\n</div>\n";
+    if (is_long()) out_ += "<div class=\"end\"></div>\n";
   }
 
  private:
   uint32_t all_columns() const {
     return static_cast<uint32_t>(layout_.stubs.size()) + std::max(layout_.columns, 1U);
   }
+  bool is_long() const { return layout_.lines.size() >= kManyLines; }
   bool has_stub_titles() const {
     return std::ranges::any_of(layout_.stubs, [this](uint32_t d) { return titled(d); });
   }
@@ -197,7 +202,7 @@ class HtmlTable {
       for (; head != layout_.column_heads.end() && head->level == level; ++head) {
         write_column_head(*head);
       }
-      if (layout_.head_rows == 0) write_blank(layout_.columns, 1);
+      if (layout_.head_rows == 0) write_blank(std::max(layout_.columns, 1U), 1);
       out_ += "</tr>\n";
     }
     out_ += "</thead>\n";
@@ -211,7 +216,8 @@ class HtmlTable {
         write_blank(1, rows);
         continue;
       }
-      out_ += "<th scope=\"col\" class=\"s\"";
+      out_ += dimension == layout_.stubs.front() ? "<th scope=\"col\" class=\"s\""
+                                                 : "<th scope=\"col\" class=\"s n\"";
       append_span(out_, "rowspan", rows);
       out_ += '>';
       append_text(out_, table_.dimensions[dimension].title, style_);
@@ -236,9 +242,10 @@ class HtmlTable {
       const uint32_t columns = std::min(head.span - done, kMostColumns);
       const bool over_heads = head.level + head.depth < layout_.head_rows;
       out_ += columns > 1 || over_heads ? "<th scope=\"colgroup\"" : "<th scope=\"col\"";
+      const bool at_start = head.span == 1 && is_text_column(head.first);
       if (over_heads) {
-        out_ += " class=\"g\"";
-      } else if (is_text_column(head.first)) {
+        out_ += at_start ? " class=\"g t\"" : " class=\"g\"";
+      } else if (at_start) {
         out_ += " class=\"t\"";
       }
       append_span(out_, "colspan", columns);
@@ -312,11 +319,7 @@ class HtmlTable {
       return;
     }
     out_ += group || head.span > 1 ? "<th scope=\"rowgroup\"" : "<th scope=\"row\"";
-    if (head.indent > 0) {
-      out_ += " class=\"i";
-      append_number(out_, std::min(head.indent, 4U));
-      out_ += '"';
-    }
+    write_row_head_class(head);
     if (group) append_span(out_, "colspan", std::min(all_columns() - head.level, kMostColumns));
     append_span(out_, "rowspan", std::min(head.span, kMostRows));
     if (named_) {
@@ -328,6 +331,17 @@ class HtmlTable {
     if (label != nullptr) append_text(out_, *label, style_);
     write_node_marks(head);
     out_ += "</th>";
+  }
+
+  /// "i" and the depth of the indent; "n" in a stub column inside another.
+  void write_row_head_class(const Head& head) {
+    if (head.indent > 0) {
+      out_ += " class=\"i";
+      append_number(out_, std::min(head.indent, kDeepestIndent));
+      out_ += '"';
+    } else if (head.level > 0) {
+      out_ += " class=\"n\"";
+    }
   }
 
   /// A head that covers more lines than HTML allows is written again where its cell ends.

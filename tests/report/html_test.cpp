@@ -1,0 +1,104 @@
+// The HTML form, tag by tag. tests/report/check_html.py checks whole pages.
+#include <doctest/doctest.h>
+
+#include "report/report.h"
+#include "tests/report/sample_documents.h"
+#include "tests/report/table_builder.h"
+
+namespace hierfit::tests {
+
+namespace {
+
+output::Document with_table(TableBuilder builder) {
+  output::Document document;
+  document.content.items.emplace_back(builder.take());
+  return document;
+}
+
+std::string page_of(TableBuilder builder) {
+  return report::render_html(with_table(std::move(builder)), {});
+}
+
+bool has(const std::string& page, std::string_view piece) {
+  return page.find(piece) != std::string::npos;
+}
+
+size_t occurrences(const std::string& page, std::string_view piece) {
+  size_t count = 0;
+  for (size_t at = page.find(piece); at != std::string::npos; at = page.find(piece, at + 1))
+    ++count;
+  return count;
+}
+
+}  // namespace
+
+TEST_CASE("cells of a page") {
+  TableBuilder builder("t");
+  builder.rows("r");
+  SUBCASE("carry the whole number, show a true minus and line up on the decimal mark") {
+    builder.cell({{"a"}}, coefficient(-1.00049)).cell({{"b"}}, count(12));
+    const std::string page = page_of(std::move(builder));
+    CHECK(has(page, "<td data-value=\"-1.00049\">\u22121.000</td>"));
+    // The mark and three digits are seven half digits.
+    CHECK(has(page, "<td class=\"r7\" data-value=\"12\">12</td>"));
+  }
+  SUBCASE("make room for an exponent") {
+    builder.cell({{"a"}}, coefficient(2.5e-5)).cell({{"b"}}, coefficient(1));
+    const std::string page = page_of(std::move(builder));
+    CHECK(has(page, ">2.500<span class=\"e3\">E\u22125</span></td>"));
+    CHECK(has(page, "<td class=\"r7\" data-value=\"1\">1.000</td>"));
+  }
+  SUBCASE("that are missing are empty to the eye and spoken") {
+    output::Document document = with_table(std::move(builder.cell({{"a"}}, missing())));
+    document.words["missing"] = "fehlt";
+    CHECK(has(report::render_html(document, {}), "<td><span class=\"v\">fehlt</span></td>"));
+  }
+  SUBCASE("name their heads where there are two rows of them") {
+    builder.columns("c").hide_title();
+    builder.cell({{"a"}, {"G", "x"}}, count(1)).cell({{"a"}, {"y"}}, count(2));
+    const std::string page = page_of(std::move(builder));
+    CHECK(has(page, "<th scope=\"colgroup\" class=\"g\" id=\"t1c0\"><span>G</span></th>"));
+    CHECK(has(page, "<th scope=\"col\" rowspan=\"2\" id=\"t1c1\">y</th>"));
+    CHECK(has(page, "<td headers=\"t1r0 t1c0 t1c2\" data-value=\"1\">1</td>"));
+  }
+}
+
+TEST_CASE("texts of a page are data") {
+  const std::string hostile = "</title><script>\"'&\x01";
+  TableBuilder builder(hostile);
+  builder.rows(hostile).columns(hostile);
+  builder.cell({{hostile}, {hostile}}, hostile).cell_note(hostile).caption({hostile, {}});
+  output::Document document = with_table(std::move(builder));
+  document.title = document.language = hostile;
+  document.words["Contents"] = document.words["Theme: light"] = hostile;
+  const std::string page = report::render_html(document, {});
+  CHECK(occurrences(page, "<script") == 1);
+  CHECK(occurrences(page, "</title>") == 1);
+  CHECK(occurrences(page, "&lt;/title&gt;&lt;script&gt;&quot;&#39;&amp;\uFFFD") >= 9);
+}
+
+TEST_CASE("note marks link to their notes and back, once") {
+  TableBuilder builder("t");
+  builder.rows("r").cell({{"a"}}, count(1)).cell_note("n").cell({{"b"}}, count(2)).cell_note("n");
+  const std::string page = page_of(std::move(builder));
+  CHECK(occurrences(page, "href=\"#t1n0\"") == 2);
+  CHECK(occurrences(page, "id=\"t1m0\"") == 1);
+  CHECK(occurrences(page, "id=\"t1n0\" href=\"#t1m0\"") == 1);
+}
+
+TEST_CASE("a head that covers more rows than HTML allows is written again") {
+  TableBuilder builder("t");
+  builder.rows("Outer", 2).rows("Inner", 1);
+  for (int row = 0; row < 70000; ++row)
+    builder.cell({{"A"}, {std::to_string(row)}}, count(row));
+  const std::string page = page_of(std::move(builder));
+  CHECK(has(page, "rowspan=\"65534\">A</th>"));
+  CHECK(has(page, "rowspan=\"4466\">A</th>"));
+}
+
+TEST_CASE("the same document gives the same bytes") {
+  CHECK(report::render_html(procedure_document(), {}) ==
+        report::render_html(procedure_document(), {}));
+}
+
+}  // namespace hierfit::tests

@@ -1,0 +1,92 @@
+// The text form.
+#include <algorithm>
+#include <doctest/doctest.h>
+#include <sstream>
+
+#include "report/report.h"
+#include "report/text/display_text.h"
+#include "tests/report/sample_documents.h"
+#include "tests/report/table_builder.h"
+
+namespace hierfit::tests {
+
+namespace {
+
+std::string text_of(TableBuilder builder, size_t width) {
+  output::Document document;
+  document.content.items.emplace_back(builder.take());
+  return report::render_text(document, {.width = width});
+}
+
+size_t widest_line(const std::string& text) { return report::text::longest_line(text); }
+
+}  // namespace
+
+TEST_CASE("text tables") {
+  TableBuilder builder("t");
+  builder.rows("Row").columns("c").hide_title();
+  SUBCASE("line numbers up on their decimal marks, whatever their form") {
+    builder.cell({{"a"}, {"x"}}, coefficient(-12.5)).cell({{"b"}, {"x"}}, count(3)).cell_note("n");
+    builder.cell({{"c"}, {"x"}}, coefficient(2.5e-5)).cell({{"d"}, {"x"}}, missing());
+    builder.cell({{"e"}, {"x"}}, significance(1e-9));
+    CHECK(text_of(std::move(builder), 80) ==
+          "Table 1\nt\n"
+          "━━━━━━━━━━━━━━━━━━━━━━━━\n"
+          "Row       x\n"
+          "────────────────────────\n"
+          "a    -12.500\n"
+          "b      3ᵃ\n"
+          "c      2.500E-5\n"
+          "d       .\n"
+          "e     <0.001\n"
+          "━━━━━━━━━━━━━━━━━━━━━━━━\n"
+          "ᵃ n\n");
+  }
+  SUBCASE("that do not fit are folded by columns and repeat the row heads") {
+    for (int column = 0; column < 12; ++column) {
+      builder.cell({{"row"}, {"G", "c" + std::to_string(column)}}, coefficient(column));
+    }
+    const std::string text = text_of(std::move(builder), 40);
+    CHECK(widest_line(text) <= 40);
+    CHECK(text.find("Table 1 (continued)") != std::string::npos);
+    size_t rows = 0;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+      rows += line.starts_with("row") ? 1 : 0;
+    CHECK(rows == 3);
+  }
+  SUBCASE("give long labels further lines") {
+    builder.cell({{"a label of several words"}, {"x"}}, count(1)).cell({{"b"}, {"x"}}, count(2));
+    const std::string text = text_of(std::move(builder), 30);
+    CHECK(text.find("a label of    1\nseveral\nwords\nb             2\n") != std::string::npos);
+  }
+}
+
+TEST_CASE("the awkward document keeps to the width that is given") {
+  for (size_t width : {40, 80, 120}) {
+    CAPTURE(width);
+    CHECK(widest_line(report::render_text(awkward_document(), {.width = width})) <= width);
+  }
+  CHECK(widest_line(report::render_text(awkward_document(), {.width = 0})) > 300);
+}
+
+TEST_CASE("text for a terminal") {
+  using namespace report::text;
+  SUBCASE("wide characters take two columns, combining ones none") {
+    CHECK(display_width("日本") == 4);
+    CHECK(display_width("e\u0301") == 1);
+    CHECK(wrapped("日本語", 4) == std::vector<std::string>{"日本", "語"});
+    CHECK(wrapped("e\u0301e\u0301e\u0301", 2) ==
+          std::vector<std::string>{"e\u0301e\u0301", "e\u0301"});
+  }
+  SUBCASE("lines break at feeds, then at blanks, then in words") {
+    CHECK(wrapped("a\nbc def ghijkl", 4) ==
+          std::vector<std::string>{"a", "bc", "def", "ghij", "kl"});
+    CHECK(wrapped("", 4) == std::vector<std::string>{""});
+  }
+  SUBCASE("nothing steers the terminal") {
+    CHECK(printable("\x1b[31m\x07\u009b\ta\nb\u202e") == "\uFFFD[31m\uFFFD\uFFFD a\nb");
+  }
+}
+
+}  // namespace hierfit::tests
