@@ -7,14 +7,16 @@ namespace {
 
 constexpr size_t kFirstSlots = 64;
 
-/// Multiply and rotate: neighbouring coordinates land far apart.
+/// All coordinates but the last are mixed, the last is added: the cells of one row, which a table
+/// writes one after another, lie side by side in memory.
 uint64_t hash_of(std::span<const uint32_t> coordinates) {
+  if (coordinates.empty()) return 0;
   uint64_t hash = 0x9E3779B97F4A7C15u;
-  for (const uint32_t coordinate : coordinates) {
+  for (const uint32_t coordinate : coordinates.first(coordinates.size() - 1)) {
     hash = (hash ^ coordinate) * 0xFF51AFD7ED558CCDu;
     hash ^= hash >> 32;
   }
-  return hash;
+  return hash + coordinates.back();
 }
 
 std::span<const uint32_t> coordinates_of(const output::Cells& cells, uint32_t cell) {

@@ -290,7 +290,7 @@ BpComposite::BpComposite(std::string pattern, bool isKey)
 void BpComposite::Add(const BpCellText& argument) {
   auto& part = std::get<CompositeText>(impl_->part);
   if (!part.list_is_open) part.arguments.push_back({false, {}});
-  part.arguments.back().items.push_back(std::make_shared<Impl>(argument.impl()));
+  part.arguments.back().items.push_back(argument.impl_);
 }
 
 void BpComposite::Sublist() {

@@ -7,7 +7,13 @@ namespace hierfit {
 
 /// What a renderer asks `output::Document::word` for.
 inline constexpr std::string_view kReportWords[] = {
-    "Contents", "Table ^1", "Note", "missing", "Warning", "Error", "Skip to content",
+    "Contents",         "Error",
+    "No entries",       "Note.",
+    "Report",           "Skip to the results",
+    "Table ^1",         "Table ^1 (continued)",
+    "Theme: automatic", "Theme: dark",
+    "Theme: light",     "Warning",
+    "missing",
 };
 
 }  // namespace hierfit

@@ -33,19 +33,21 @@ std::string catalogue_tag(const std::string& directory, std::string_view languag
 }
 
 std::locale open_catalogue(const std::string& file) {
+  const std::string bytes = read_whole_file(file);
   boost::locale::gnu_gettext::messages_info catalogue;
   catalogue.encoding = "UTF-8";
   catalogue.paths = {""};
   catalogue.domains.emplace_back("catalogue");
-  catalogue.callback = [&file](const std::string&, const std::string&) {
-    const std::string bytes = read_whole_file(file);
+  catalogue.callback = [&bytes](const std::string&, const std::string&) {
     return std::vector<char>(bytes.begin(), bytes.end());
   };
+  const FileError no_catalogue({file, 0, 0}, "is no message catalogue");
+  if (bytes.empty()) throw no_catalogue;  // the library takes it for a file that is not there
   try {
     return std::locale(std::locale::classic(),
                        boost::locale::gnu_gettext::create_messages_facet<char>(catalogue));
   } catch (const std::runtime_error&) {
-    throw FileError({file, 0, 0}, "is no message catalogue");
+    throw no_catalogue;
   }
 }
 

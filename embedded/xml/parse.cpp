@@ -102,7 +102,7 @@ class TreeBuilder {
   /// send an event or two after it was told to stop.
   template <class Event>
   static void guarded(void* user, Event event) noexcept {
-    if (self(user).stop_sentence_ != nullptr) return;
+    if (self(user).stopped_ != nullptr) return;
     try {
       event(self(user));
     } catch (...) {
@@ -141,8 +141,8 @@ class TreeBuilder {
   }
 
   void stop(const char* sentence) {
-    if (stop_sentence_ == nullptr) {
-      stop_sentence_ = std::make_unique<std::string>(sentence);
+    if (stopped_ == nullptr) {
+      stopped_ = std::make_unique<ParseFailure>(failure_here(sentence));
       XML_StopParser(parser_.get(), XML_FALSE);
     }
   }
@@ -202,8 +202,11 @@ class TreeBuilder {
   }
 
   ParseFailure failure() const {
-    return {stop_sentence_ ? *stop_sentence_ : sentence_of(XML_GetErrorCode(parser_.get())),
-            static_cast<uint32_t>(XML_GetCurrentLineNumber(parser_.get())),
+    return stopped_ ? *stopped_ : failure_here(sentence_of(XML_GetErrorCode(parser_.get())));
+  }
+
+  ParseFailure failure_here(std::string sentence) const {
+    return {std::move(sentence), static_cast<uint32_t>(XML_GetCurrentLineNumber(parser_.get())),
             static_cast<uint32_t>(XML_GetCurrentColumnNumber(parser_.get()) + 1)};
   }
 
@@ -215,7 +218,7 @@ class TreeBuilder {
   uint32_t used_ = 0;     ///< bytes of `Tree::characters_`
   uint32_t pending_ = 0;  ///< bytes at their end that are text not yet in a run
   bool has_doctype_ = false;
-  std::unique_ptr<std::string> stop_sentence_;
+  std::unique_ptr<ParseFailure> stopped_;  ///< why and where the parser was told to stop
   std::exception_ptr thrown_;
 };
 
