@@ -41,6 +41,7 @@ class BpCellText {
   const Impl& impl() const { return *impl_; }
 
  protected:
+  friend class BpComposite;
   explicit BpCellText(RefCountPtr<Impl> impl) : impl_(std::move(impl)) {}
   RefCountPtr<Impl> impl_;
 };
