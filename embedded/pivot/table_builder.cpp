@@ -1,6 +1,7 @@
 #include "embedded/pivot/table_builder.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -54,14 +55,22 @@ void BpPivotTable::Impl::position(
   states_[dimension].positioned = true;
 }
 
-/// Kind and parent in front, so that one map serves all groups of a dimension.
-const std::string& BpPivotTable::Impl::identity(char kind,
-                                                uint32_t parent,
-                                                const BpCellText::Impl& label) {
+/// Kind and parent stand in front of the label's identity, so that one map serves all groups of a
+/// dimension. The key is the hash alone, which a standard map of few entries does not search
+/// through.
+uint32_t BpPivotTable::Impl::number_of(
+    DimensionState& state, char kind, uint32_t parent, const BpCellText::Impl& label, size_t next) {
   scratch_.assign(1, kind);
-  scratch_ += std::to_string(parent);
+  scratch_.append(reinterpret_cast<const char*>(&parent), sizeof parent);
   pivot::append_identity(scratch_, label);
-  return scratch_;
+  const size_t hash = std::hash<std::string>()(scratch_);
+  const auto [begin, end] = state.made.equal_range(hash);
+  for (auto made = begin; made != end; ++made) {
+    if (made->second.identity == scratch_) return made->second.number;
+  }
+  const auto number = static_cast<uint32_t>(next);
+  state.made.emplace(hash, Made{scratch_, number});
+  return number;
 }
 
 uint32_t BpPivotTable::Impl::add_node(const BpGroup::Impl& parent,
@@ -80,10 +89,9 @@ uint32_t BpPivotTable::Impl::add_node(const BpGroup::Impl& parent,
 
 BpGroup::Impl& BpPivotTable::Impl::group(const BpGroup::Impl& parent,
                                          const BpCellText::Impl& title) {
-  const auto number = static_cast<uint32_t>(groups_.size());
-  const auto [entry, is_new] =
-      states_[parent.dimension].made.try_emplace(identity('g', parent.node, title), number);
-  if (!is_new) return groups_[entry->second];
+  const uint32_t number =
+      number_of(states_[parent.dimension], 'g', parent.node, title, groups_.size());
+  if (number < groups_.size()) return groups_[number];
   const uint32_t node = add_node(parent, title, true);
   return groups_.emplace_back(this, parent.dimension, node, new_id(journal, "BpGroup"));
 }
@@ -91,13 +99,12 @@ BpGroup::Impl& BpPivotTable::Impl::group(const BpGroup::Impl& parent,
 BpCategory::Impl& BpPivotTable::Impl::category(const BpGroup::Impl& parent,
                                                const BpCellText::Impl& label) {
   DimensionState& state = states_[parent.dimension];
-  const auto number = static_cast<uint32_t>(categories_.size());
-  const auto [entry, is_new] = state.made.try_emplace(identity('c', parent.node, label), number);
-  if (is_new) {
+  const uint32_t number = number_of(state, 'c', parent.node, label, categories_.size());
+  if (number == categories_.size()) {
     const uint32_t node = add_node(parent, label, false);
     categories_.emplace_back(this, parent.dimension, node, new_id(journal, "BpCategory"));
   }
-  BpCategory::Impl& category = categories_[entry->second];
+  BpCategory::Impl& category = categories_[number];
   state.current = node_of(category).leaf;
   return category;
 }

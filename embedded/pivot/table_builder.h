@@ -54,15 +54,27 @@ struct BpPivotTable::Impl {
   const hierfit::journal::Id id;
 
  private:
+  /// A group or category that was asked for: what it is, and its number in `groups_`,
+  /// `categories_`.
+  struct Made {
+    std::string identity;
+    uint32_t number;
+  };
+
   /// What the output model does not keep of a dimension.
   struct DimensionState {
     bool positioned = false;
     uint32_t current = hierfit::output::kNone;  ///< leaf of the category last asked for
-    /// Groups and categories by kind, parent and label: their numbers in `groups_`, `categories_`.
-    std::unordered_map<std::string, uint32_t> made;
+    /// Groups and categories by the hash of kind, parent and label.
+    std::unordered_multimap<size_t, Made> made;
   };
 
-  const std::string& identity(char kind, uint32_t parent, const BpCellText::Impl& label);
+  /// The number of what is asked for; `next`, the number that it then gets, when it is new.
+  uint32_t number_of(DimensionState& state,
+                     char kind,
+                     uint32_t parent,
+                     const BpCellText::Impl& label,
+                     size_t next);
   uint32_t add_node(const BpGroup::Impl& parent, const BpCellText::Impl& label, bool is_group);
   const std::vector<uint32_t>& crossing(const BpCategory::Impl& category);
   void add_note(std::vector<uint32_t>& notes, const BpAnnotation::Impl& note);

@@ -62,7 +62,7 @@ void HFITEmmeansOutput::GrandMeansOutput() {
   }
   BpDimension statistics = AddDimension(table, Key("Statistics"), kColumns, 1, Shown::LabelsAlone);
   WriteColumns(statistics, kMeanColumns, *diagnostics);
-  BpGroup interval = ConfidenceGroup(statistics, kConfidenceInterval, *fpBuildSettings);
+  BpGroup interval = GroupOf(statistics, ConfidenceHeading(kConfidenceInterval, *fpBuildSettings));
   WriteColumns(interval, kMeanBounds, *diagnostics);
 }
 

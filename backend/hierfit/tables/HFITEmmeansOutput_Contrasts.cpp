@@ -151,13 +151,14 @@ void HFITEmmeansOutput::ContrastsOutput(BpHeading& heading, const EmmeansData& e
       kInOrderOfAppearance);
   BpDimension statistics = AddDimension(table, Key("Statistics"), kColumns, 1, Shown::LabelsAlone);
 
+  const BpComposite intervalTitle = ConfidenceHeading(kConfidenceInterval, *fpBuildSettings);
   for (std::size_t row = 0; row < contrasts.fvCoordinates.front().fvValues.size(); ++row) {
     for (std::size_t k = 0; k < others.size(); ++k) {
       factors[k].Category(CoordinateValue(contrasts.fvCoordinates[k].fvValues[row], others[k]));
     }
     pairs.Category(ContrastLabel(contrasts, compared, row));
     WriteColumns(statistics, kContrastColumns, contrasts, row);
-    BpGroup interval = ConfidenceGroup(statistics, kConfidenceInterval, *fpBuildSettings);
+    BpGroup interval = GroupOf(statistics, intervalTitle);
     WriteColumns(interval, kBounds, contrasts, row);
   }
 }

@@ -72,12 +72,13 @@ void HFITEmmeansOutput::EstimatesOutput(BpHeading& heading, const EmmeansData& e
   }
   BpDimension statistics = AddDimension(table, Key("Statistics"), kColumns, 1, Shown::LabelsAlone);
 
+  const BpComposite intervalTitle = ConfidenceHeading(kConfidenceInterval, *fpBuildSettings);
   for (std::size_t row = 0; row < estimates.fvCoordinates.front().fvValues.size(); ++row) {
     for (std::size_t i = 0; i < nFactor; ++i) {
       factors[i].Category(CoordinateValue(estimates.fvCoordinates[i].fvValues[row], variables[i]));
     }
     WriteColumns(statistics, kMeanColumns, estimates, row);
-    BpGroup interval = ConfidenceGroup(statistics, kConfidenceInterval, *fpBuildSettings);
+    BpGroup interval = GroupOf(statistics, intervalTitle);
     WriteColumns(interval, kBounds, estimates, row);
   }
 }

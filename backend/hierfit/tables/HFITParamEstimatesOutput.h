@@ -32,10 +32,19 @@ class HFITParamEstimatesOutput {
   /// The block number of the residual effect.
   static constexpr int32_t kResidualBlock = -1;
 
+  /// The titles of the interval columns, made once for all rows of a table.
+  struct IntervalHeadings {
+    BpComposite interval;
+    BpComposite expInterval;
+  };
+  IntervalHeadings CoefficientHeadings() const;
+
   void EffectNames(const std::vector<EffectStruct>& effectList, std::vector<std::string>& names);
   void NominalCoefficients(const std::vector<ParamEstimData>& categories);
   void SingleCoefficients(const ParamEstimData& estimates);
-  void CoefficientRow(BpDimension& statistics, const ParamStatData& row);
+  void CoefficientRow(BpDimension& statistics,
+                      const IntervalHeadings& headings,
+                      const ParamStatData& row);
   BpCategory TermCategory(BpDimension& terms, const ParamStatData& row);
   BpCategory ThresholdCategory(BpDimension& terms, const ParamStatData& row);
 

@@ -73,6 +73,8 @@ void HFITParamEstimatesOutput::CovarianceRows(BpDimension& rows,
   const RowStyle style = StyleOf(*fpHFITOutputStats, fpBuildSettings->fDistribution, block);
   const bool hasEstimateWarning = fpHFITOutputStats->HasWarning("kGLMM_C10");
 
+  const BpComposite intervalTitle = ConfidenceHeading(kConfidenceInterval, *fpBuildSettings);
+
   for (const ParamStatData& row : paramEstimData.fvParamStats) {
     const auto unlessRedundant = [&](double value) {
       return row.fIsRedundant ? fMissingValue : value;
@@ -103,7 +105,7 @@ void HFITParamEstimatesOutput::CovarianceRows(BpDimension& rows,
           BpNumber(unlessRedundant(row.fZTest), BpProcedure::Coefficient()));
       WriteStatistic(columns, kSig, unlessRedundant(row.fSig));
     }
-    BpGroup interval = ConfidenceGroup(columns, kConfidenceInterval, *fpBuildSettings);
+    BpGroup interval = GroupOf(columns, intervalTitle);
     if (style.hasErrorAndBounds) {
       WriteStatistic(interval, kLower, fixedOr(row.fConfIntervalLower));
       WriteStatistic(interval, kUpper, fixedOr(row.fConfIntervalUpper));

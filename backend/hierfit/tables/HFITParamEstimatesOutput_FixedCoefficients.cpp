@@ -63,6 +63,7 @@ void HFITParamEstimatesOutput::SingleCoefficients(const ParamEstimData& estimate
   BpDimension terms = AddDimension(table, Key("Model Term"), kRows, 1, Shown::TitleAndLabels);
   BpDimension statistics = AddDimension(table, Key("Statistics"), kColumns, 1, Shown::LabelsAlone);
 
+  const IntervalHeadings headings = CoefficientHeadings();
   const bool isOrdinal = fpBuildSettings->fDistribution == Distribution::kOrdinal;
   for (const ParamStatData& row : estimates.fvParamStats) {
     const bool isThreshold =
@@ -72,7 +73,7 @@ void HFITParamEstimatesOutput::SingleCoefficients(const ParamEstimData& estimate
     } else {
       TermCategory(terms, row);
     }
-    CoefficientRow(statistics, row);
+    CoefficientRow(statistics, headings, row);
   }
 }
 
@@ -86,13 +87,19 @@ void HFITParamEstimatesOutput::NominalCoefficients(const std::vector<ParamEstimD
       AddDimension(table, BpVariable(Target(), kVariableInCell), kRows, 2, Shown::TitleAndLabels);
   BpDimension statistics = AddDimension(table, Key("Statistics"), kColumns, 1, Shown::LabelsAlone);
 
+  const IntervalHeadings headings = CoefficientHeadings();
   for (const ParamEstimData& category : categories) {
     for (const ParamStatData& row : category.fvParamStats) {
       target.Category(TargetValue(category.fTargetCategory));
       TermCategory(terms, row);
-      CoefficientRow(statistics, row);
+      CoefficientRow(statistics, headings, row);
     }
   }
+}
+
+HFITParamEstimatesOutput::IntervalHeadings HFITParamEstimatesOutput::CoefficientHeadings() const {
+  return {ConfidenceHeading(kConfidenceInterval, *fpBuildSettings),
+          ConfidenceHeading(kExpConfidenceInterval, *fpBuildSettings)};
 }
 
 BpCategory HFITParamEstimatesOutput::ThresholdCategory(BpDimension& terms,
@@ -114,7 +121,9 @@ BpDataValue HFITParamEstimatesOutput::TargetValue(const CFStatVariableValue& val
   return BpDataValue(Target(), value.GetObsValue(), kPreferLabel);
 }
 
-void HFITParamEstimatesOutput::CoefficientRow(BpDimension& statistics, const ParamStatData& row) {
+void HFITParamEstimatesOutput::CoefficientRow(BpDimension& statistics,
+                                              const IntervalHeadings& headings,
+                                              const ParamStatData& row) {
   if (row.fIsRedundant) {
     BpCategory coefficient = WriteStatistic(statistics, kRedundantCoefficient, 0);
     coefficient.CellNote(Footnote(Key("Redundant coefficient, zero ...")));
@@ -122,11 +131,11 @@ void HFITParamEstimatesOutput::CoefficientRow(BpDimension& statistics, const Par
     WriteStatistic(statistics, kCoefficient, row.fEstimate);
   }
   WriteColumns(statistics, kTestColumns, row, fMissingValue);
-  BpGroup interval = ConfidenceGroup(statistics, kConfidenceInterval, *fpBuildSettings);
+  BpGroup interval = GroupOf(statistics, headings.interval);
   WriteColumns(interval, kBounds, row, fMissingValue);
 
   if (row.fExpEstimate == fMissingValue) return;
   WriteColumns(statistics, kExpCoefficient, row, fMissingValue);
-  BpGroup expInterval = ConfidenceGroup(statistics, kExpConfidenceInterval, *fpBuildSettings);
+  BpGroup expInterval = GroupOf(statistics, headings.expInterval);
   WriteColumns(expInterval, kExpBounds, row, fMissingValue);
 }

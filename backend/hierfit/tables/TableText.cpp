@@ -57,11 +57,8 @@ BpComposite DistributionCaption(const HFITOutputStats& store, bool linkIsKey) {
   return caption;
 }
 
-BpGroup ConfidenceGroup(BpGroup& columns,
-                        const char* pattern,
-                        const BuildSettingsStruct& settings) {
-  const double percent = settings.fCIn * 100.0;
-  return GroupOf(columns, KeyWith(pattern, SigDigitNumber(percent)));
+BpComposite ConfidenceHeading(const char* pattern, const BuildSettingsStruct& settings) {
+  return KeyWith(pattern, SigDigitNumber(settings.fCIn * 100.0));
 }
 
 std::unique_ptr<BpCellText> LongTextCell(const std::string& text) {

@@ -17,8 +17,8 @@ BpComposite TargetNote(const BuildSettingsStruct& settings, const VELT_DataSourc
 /// The link's name goes in as a key when `linkIsKey` says so.
 BpComposite DistributionCaption(const HFITOutputStats& store, bool linkIsKey);
 
-/// The group of a confidence interval's bounds, with the level of confidence in its title.
-BpGroup ConfidenceGroup(BpGroup& columns, const char* pattern, const BuildSettingsStruct& settings);
+/// The title of the group of a confidence interval's bounds, with the level of confidence in it.
+BpComposite ConfidenceHeading(const char* pattern, const BuildSettingsStruct& settings);
 inline constexpr char kConfidenceInterval[] = "^1% Confidence Interval";
 inline constexpr char kExpConfidenceInterval[] = "^1% Confidence Interval for Exp(Coefficient)";
 
