@@ -1,0 +1,232 @@
+// The command from outside: what it writes, what it says and its exit status.
+#include <algorithm>
+#include <cstdlib>
+#include <doctest/doctest.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string kCommand = HIERFIT_BINARY_DIR "/bin/hierfit";
+const std::string kExample = HIERFIT_SOURCE_DIR "/examples/salamanders/";
+const std::string kDocuments = kExample + "model.pmml " + kExample + "result.xml";
+
+std::string text_of(const fs::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void write(const fs::path& file, const std::string& text) {
+  std::ofstream(file, std::ios::binary) << text;
+}
+
+/// An empty directory for one test, gone with it.
+class Directory {
+ public:
+  Directory() {
+    fs::remove_all(path_);
+    fs::create_directories(path_);
+  }
+  ~Directory() { fs::remove_all(path_); }
+
+  std::string operator/(const std::string& name) const { return path_ + "/" + name; }
+  /// The names in it, sorted, each with a blank behind.
+  std::string listing() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(path_)) {
+      names.push_back(entry.path().filename());
+    }
+    std::ranges::sort(names);
+    std::string all;
+    for (const std::string& name : names) {
+      all += name + " ";
+    }
+    return all;
+  }
+
+ private:
+  const std::string path_ = HIERFIT_BINARY_DIR "/command-test";
+};
+
+struct Outcome {
+  int status = -1;
+  std::string output;
+  std::string errors;
+};
+
+/// Runs a line of the shell in which `hierfit` is the command.
+Outcome shell(const std::string& line) {
+  const std::string base = HIERFIT_BINARY_DIR "/command-test-streams";
+  write(base + ".sh",
+        "set -o pipefail\nexport LANG=C\nunset LC_ALL LC_MESSAGES\n"
+        "hierfit() { \"" +
+            kCommand + "\" \"$@\"; }\n" + line + "\n");
+  const std::string run = "bash " + base + ".sh >" + base + ".out 2>" + base + ".err";
+  const int status = std::system(run.c_str());
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, text_of(base + ".out"),
+          text_of(base + ".err")};
+}
+
+}  // namespace
+
+TEST_CASE("the report goes where the options say, in the form of the ending") {
+  const Directory directory;
+  const Outcome plain = shell("hierfit " + kDocuments);
+  CHECK(plain.status == 0);
+  CHECK(plain.errors.empty());
+  CHECK(plain.output.find("Negative binomial") != std::string::npos);
+
+  const Outcome several =
+      shell("hierfit -o " + (directory / "r.html") + " --output=" + (directory / "r.JSON") +
+            " -o- " + kDocuments + " --journal " + (directory / "j.jsonl"));
+  CHECK(several.status == 0);
+  CHECK(several.output == plain.output);
+  CHECK(directory.listing() == "j.jsonl r.JSON r.html ");
+  CHECK(text_of(directory / "r.html").starts_with("<!doctype html>"));
+  CHECK(text_of(directory / "r.JSON").starts_with("{"));
+  CHECK(text_of(directory / "j.jsonl").starts_with("{\"call\":\"BpHeading::PivotTable\""));
+
+  CHECK(shell("hierfit --format json " + kDocuments).output == text_of(directory / "r.JSON"));
+  CHECK(shell("hierfit -- - " + kExample + "result.xml < " + kExample + "model.pmml").output ==
+        plain.output);
+}
+
+TEST_CASE("options and documents reach the report") {
+  const std::string with_labels =
+      shell("hierfit -d " + kExample + "dictionary.json --format json " + kDocuments).output;
+  CHECK(with_labels.find("mountaintop") != std::string::npos);
+  CHECK(shell("hierfit -l C " + kDocuments).output.find("Model Summary") != std::string::npos);
+  CHECK(shell("LC_ALL= LC_MESSAGES=sv_SE.UTF-8 " + kCommand + " " + kDocuments).output ==
+        shell("hierfit " + kDocuments).output);
+  CHECK(shell("hierfit --help").output.starts_with("Usage: hierfit"));
+  CHECK(shell("hierfit --version nothing").output.starts_with("hierfit "));
+}
+
+TEST_CASE("colour is for terminals, unless it is asked for") {
+  CHECK(shell("hierfit --color always /nowhere x").errors.find("\033[") != std::string::npos);
+  CHECK(shell("hierfit /nowhere x").errors.find("\033[") == std::string::npos);
+}
+
+TEST_CASE("a failure is one sentence with its file, and a status") {
+  const Directory directory;
+  write(directory / "empty", "");
+  write(directory / "broken.xml", "<StatXML>\n  <a></b>\n</StatXML>");
+  write(directory / "other.xml", "<StatXML>\n<PMMLModel/>\n</StatXML>");
+  write(directory / "table.pmml", "<PMML>\n<DataDictionary/>\n</PMML>");
+  write(directory / "schema.json", "{\"fields\": [{\"name\": \"spp\", \"title\": 3}]}");
+  write(directory / "broken.json", "{\n\"fields\"; []}");
+  const std::string model = kExample + "model.pmml ";
+  const std::string result = " " + kExample + "result.xml";
+
+  struct Row {
+    std::string arguments;
+    int status;
+    std::string message;
+  };
+  const std::string at = HIERFIT_BINARY_DIR "/command-test/";
+  const Row rows[] = {
+      {model + at + "empty", 1, "hierfit: " + at + "empty: the document is empty"},
+      {at + "empty" + result, 1, "hierfit: " + at + "empty: the document is empty"},
+      {model + at + "broken.xml", 1,
+       at + "broken.xml:2:8: not well-formed: this end tag does not match its start tag"},
+      {model + at + "other.xml", 1,
+       at + "other.xml:1: element StatXML lacks the element PMMLModel/PredictiveSummary"},
+      {at + "table.pmml" + result, 1,
+       at + "table.pmml:1: the document has no model: its root element PMML holds none"},
+      {at + "nothing" + result, 2,
+       "hierfit: " + at + "nothing: cannot be read: No such file or directory"},
+      {model + at, 2, "hierfit: " + at + ": cannot be read: Is a directory"},
+      {"-d " + at + "schema.json " + model + result, 2,
+       "hierfit: " + at + "schema.json: fields[0].title: must be a string"},
+      {"-d " + at + "broken.json " + model + result, 2,
+       at + "broken.json:2:9: not well-formed JSON"},
+      {"-o " + at + "no/r.html " + model + result, 2,
+       "hierfit: " + at + "no/r.html: cannot be written: No such file or directory"},
+      {"-o " + at + " --format html " + model + result, 2,
+       "hierfit: " + at + ": cannot be written: Is a directory"},
+      {"", 2, "hierfit: a model document and a result document are needed. Try 'hierfit --help'"},
+      {model + result + " third", 2,
+       "hierfit: The following argument was not expected: third. Try 'hierfit --help'"},
+      {"--formt html " + model + result, 2, "hierfit: The following arguments were not expected: "},
+      {"-o r.docm " + model + result, 2,
+       "hierfit: the ending of \"r.docm\" tells no form; say it with --format. Try "
+       "'hierfit --help'"},
+      {"--format pdfx " + model + result, 2,
+       "hierfit: there is no form \"pdfx\". Try 'hierfit --help'"},
+      {"--color sometimes " + model + result, 2,
+       "hierfit: --color must be auto, always or never. Try 'hierfit --help'"},
+      {"- -", 2, "hierfit: only one input can be standard input. Try 'hierfit --help'"},
+  };
+  const std::string before = directory.listing();
+  for (const Row& row : rows) {
+    CAPTURE(row.arguments);
+    const Outcome outcome = shell("hierfit " + row.arguments);
+    CHECK(outcome.status == row.status);
+    CHECK(outcome.output.empty());
+    CHECK(outcome.errors.starts_with(row.message));
+    CHECK(std::ranges::count(outcome.errors, '\n') == 1);
+  }
+  CHECK(directory.listing() == before);
+}
+
+TEST_CASE("an old report survives every failure, and keeps its mode and its link") {
+  const Directory directory;
+  const std::string report = directory / "r.txt";
+  write(report, "old");
+  ::chmod(report.c_str(), 0640);
+  fs::create_symlink("r.txt", directory / "link.txt");
+
+  SUBCASE("documents that cannot be read") {
+    write(directory / "empty.xml", "");
+    CHECK(shell("hierfit -o " + report + " " + kExample + "model.pmml " + (directory / "empty.xml"))
+              .status == 1);
+    CHECK(text_of(report) == "old");
+  }
+  SUBCASE("another output that cannot be written") {
+    CHECK(shell("hierfit -o " + report + " -o /nowhere/r.txt " + kDocuments).status == 2);
+    CHECK(shell("hierfit -o " + report + " -o - " + kDocuments + " >/dev/full").status == 2);
+    CHECK(text_of(report) == "old");
+    CHECK(directory.listing() == "link.txt r.txt ");
+  }
+  SUBCASE("a file that may not grow as far as the report") {
+    CHECK(shell("trap \"\" XFSZ; ulimit -f 0; hierfit -o " + report + " " + kDocuments +
+                " 2>/dev/null")
+              .status == 2);
+    CHECK(text_of(report) == "old");
+    CHECK(directory.listing() == "link.txt r.txt ");
+  }
+  SUBCASE("success through a link") {
+    CHECK(shell("hierfit -o " + (directory / "link.txt") + " " + kDocuments).status == 0);
+    CHECK(text_of(report) == shell("hierfit " + kDocuments).output);
+    CHECK(fs::is_symlink(directory / "link.txt"));
+    CHECK((fs::status(report).permissions() & fs::perms::all) == fs::perms(0640));
+    CHECK(directory.listing() == "link.txt r.txt ");
+  }
+  SUBCASE("a device is written, not replaced") {
+    CHECK(shell("hierfit -o /dev/null --format text " + kDocuments).status == 0);
+    CHECK(fs::is_character_file("/dev/null"));
+  }
+}
+
+TEST_CASE("a reader that leaves early is no error, a full disk is") {
+  const Directory directory;
+  const std::string file = directory / "r.json";
+  const Outcome closed =
+      shell("hierfit -o - -o " + file + " --format html " + kDocuments + " | head -c 1");
+  CHECK(closed.status == 0);
+  CHECK(closed.output == "<");
+  CHECK(closed.errors.empty());
+  CHECK(shell("hierfit " + kDocuments + " | true").status == 0);
+  CHECK(text_of(file).starts_with("{"));
+
+  const Outcome full = shell("hierfit " + kDocuments + " >/dev/full");
+  CHECK(full.status == 2);
+  CHECK(full.errors == "hierfit: standard output: cannot be written: No space left on device\n");
+}
