@@ -9,8 +9,8 @@
 
 namespace hierfit::pivot {
 
-/// A hash index over the cells of one table; it keeps four bytes a slot and reads the coordinates
-/// where they stand.
+/// A hash index over the cells of one table. It keeps a part of each hash, so that the coordinates
+/// themselves, which stay where they stand, are read for a cell that is there alone.
 class CellIndex {
  public:
   /// The cell at the coordinates, or `output::kNone`.
@@ -21,10 +21,18 @@ class CellIndex {
   void rebuild(const output::Cells& cells);
 
  private:
-  size_t slot_of(const output::Cells& cells, std::span<const uint32_t> coordinates) const;
+  struct Slot {
+    uint32_t cell = output::kNone;
+    uint32_t tag = 0;
+  };
+
+  /// The slot of the cell at the coordinates, or the empty one that it would take.
+  size_t slot_of(const output::Cells& cells,
+                 std::span<const uint32_t> coordinates,
+                 uint64_t hash) const;
   void grow(const output::Cells& cells);
 
-  std::vector<uint32_t> slots_;
+  std::vector<Slot> slots_;
 };
 
 }  // namespace hierfit::pivot

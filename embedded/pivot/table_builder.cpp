@@ -56,21 +56,32 @@ void BpPivotTable::Impl::position(
 }
 
 /// Kind and parent stand in front of the label's identity, so that one map serves all groups of a
-/// dimension. The key is the hash alone, which a standard map of few entries does not search
-/// through.
+/// dimension. Rows ask for the same columns in the same order, so the first guess is what followed
+/// the last time.
 uint32_t BpPivotTable::Impl::number_of(
     DimensionState& state, char kind, uint32_t parent, const BpCellText::Impl& label, size_t next) {
   scratch_.assign(1, kind);
   scratch_.append(reinterpret_cast<const char*>(&parent), sizeof parent);
   pivot::append_identity(scratch_, label);
+  if (state.made.empty()) return state.made[find_made(state, next)].number;
+  Made& last = state.made[state.last];
+  if (state.made[last.next].identity != scratch_) last.next = find_made(state, next);
+  state.last = last.next;
+  return state.made[state.last].number;
+}
+
+/// The entry of the identity in `scratch_`, a new one with the number `next` when there is none.
+/// The key is the hash alone: a standard map of few texts would be searched from end to end.
+uint32_t BpPivotTable::Impl::find_made(DimensionState& state, size_t next) {
   const size_t hash = std::hash<std::string>()(scratch_);
-  const auto [begin, end] = state.made.equal_range(hash);
-  for (auto made = begin; made != end; ++made) {
-    if (made->second.identity == scratch_) return made->second.number;
+  const auto [begin, end] = state.made_by_hash.equal_range(hash);
+  for (auto entry = begin; entry != end; ++entry) {
+    if (state.made[entry->second].identity == scratch_) return entry->second;
   }
-  const auto number = static_cast<uint32_t>(next);
-  state.made.emplace(hash, Made{scratch_, number});
-  return number;
+  const auto made = static_cast<uint32_t>(state.made.size());
+  state.made.push_back({scratch_, static_cast<uint32_t>(next), made});
+  state.made_by_hash.emplace(hash, made);
+  return made;
 }
 
 uint32_t BpPivotTable::Impl::add_node(const BpGroup::Impl& parent,

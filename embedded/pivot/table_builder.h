@@ -54,19 +54,20 @@ struct BpPivotTable::Impl {
   const hierfit::journal::Id id;
 
  private:
-  /// A group or category that was asked for: what it is, and its number in `groups_`,
-  /// `categories_`.
+  /// A group or category that was asked for.
   struct Made {
-    std::string identity;
-    uint32_t number;
+    std::string identity;  ///< kind, parent and label
+    uint32_t number = 0;   ///< in `groups_` or `categories_`
+    uint32_t next = 0;  ///< in `DimensionState::made`: what was asked for behind it the last time
   };
 
   /// What the output model does not keep of a dimension.
   struct DimensionState {
     bool positioned = false;
     uint32_t current = hierfit::output::kNone;  ///< leaf of the category last asked for
-    /// Groups and categories by the hash of kind, parent and label.
-    std::unordered_multimap<size_t, Made> made;
+    std::deque<Made> made;
+    std::unordered_multimap<size_t, uint32_t> made_by_hash;
+    uint32_t last = 0;  ///< in `made`: what was asked for last
   };
 
   /// The number of what is asked for; `next`, the number that it then gets, when it is new.
@@ -75,6 +76,7 @@ struct BpPivotTable::Impl {
                      uint32_t parent,
                      const BpCellText::Impl& label,
                      size_t next);
+  uint32_t find_made(DimensionState& state, size_t next);
   uint32_t add_node(const BpGroup::Impl& parent, const BpCellText::Impl& label, bool is_group);
   const std::vector<uint32_t>& crossing(const BpCategory::Impl& category);
   void add_note(std::vector<uint32_t>& notes, const BpAnnotation::Impl& note);
