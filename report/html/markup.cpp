@@ -2,6 +2,7 @@
 #include "report/html/markup.h"
 
 #include <array>
+#include <charconv>
 
 #include "report/aligned_cells.h"
 
@@ -49,6 +50,19 @@ void append_text(std::string& out, const output::Text& text, const output::Numbe
     rest.remove_prefix(feed + 1);
   }
   append_escaped(out, rest);
+}
+
+void append_number(std::string& out, uint32_t number) {
+  std::array<char, 12> digits;
+  out.append(digits.data(),
+             std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr);
+}
+
+void append_span(std::string& out, std::string_view attribute, uint32_t span) {
+  if (span < 2) return;
+  (((out += ' ') += attribute) += "=\"");
+  append_number(out, span);
+  out += '"';
 }
 
 }  // namespace hierfit::report::html

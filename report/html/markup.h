@@ -1,6 +1,7 @@
 // Appends HTML to a text. The one place where text becomes markup.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -14,5 +15,10 @@ void append_escaped(std::string& out, std::string_view text);
 
 /// A text with its lines divided by `<br>` and its numbers in `style`.
 void append_text(std::string& out, const output::Text& text, const output::NumberStyle& style);
+
+void append_number(std::string& out, uint32_t number);
+
+/// An attribute that says how many columns or rows a cell covers; nothing for one.
+void append_span(std::string& out, std::string_view attribute, uint32_t span);
 
 }  // namespace hierfit::report::html

@@ -3,7 +3,6 @@
 
 #include <array>
 #include <charconv>
-#include <cmath>
 
 namespace hierfit::report::json {
 
@@ -44,10 +43,6 @@ void append_string(std::string& out, std::string_view text) {
 }
 
 void append_double(std::string& out, double value) {
-  if (!std::isfinite(value)) {
-    out += std::isnan(value) ? "\"NaN\"" : value > 0 ? "\"Infinity\"" : "\"-Infinity\"";
-    return;
-  }
   std::array<char, 32> digits;
   const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
   out.append(digits.data(), end);

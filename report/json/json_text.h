@@ -10,8 +10,7 @@ namespace hierfit::report::json {
 /// A string with its quotes; control characters are escaped.
 void append_string(std::string& out, std::string_view text);
 
-/// A double in the fewest digits that read back as itself; "Infinity", "-Infinity" and "NaN" as
-/// strings, since JSON has no such numbers.
+/// A finite double in the fewest digits that read back as itself.
 void append_double(std::string& out, double value);
 
 void append_integer(std::string& out, int64_t value);
