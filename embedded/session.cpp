@@ -42,7 +42,7 @@ void read_dictionary(Session::State& state) {
 /// what failed.
 DocumentError explain(const Session::State& state) {
   const std::string& file = state.input.statxml_name;
-  if (state.input.statxml.empty()) return {{file, 0, 0}, "the document is empty"};
+  if (state.statxml_is_empty) return {{file, 0, 0}, "the document is empty"};
   const ReadFailure& failure = state.failure;
   if (failure.sentence.empty()) {
     return {{file, 0, 0}, "the document cannot be read as a result of this procedure"};
@@ -90,8 +90,11 @@ void Session::connect(CFProcCustom& procedure) {
 void Session::run(CFProcCustom& procedure) {
   connect(procedure);
   state_->failure = {};
-  const std::vector<std::string> models = {state_->input.pmml};
-  const std::vector<StatXMLBlock> blocks = {{state_->input.statxml}};
+  state_->statxml_is_empty = state_->input.statxml.empty();
+  std::vector<std::string> models;
+  models.push_back(std::move(state_->input.pmml));
+  std::vector<StatXMLBlock> blocks;
+  blocks.push_back({std::move(state_->input.statxml)});
   if (!procedure.GenerateOutput(models, blocks, {})) throw explain(*state_);
 }
 

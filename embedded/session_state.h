@@ -33,6 +33,7 @@ struct Session::State {
   DataDictionary dictionary;
   std::shared_ptr<PathFinder> paths;
   ReadFailure failure;
+  bool statxml_is_empty = false;
 
   output::Document document;                  ///< under construction
   std::unique_ptr<journal::Journal> journal;  ///< null: no journal is written
