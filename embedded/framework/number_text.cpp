@@ -79,14 +79,28 @@ bool is_tiny(const Shape& shape) {
 
 bool is_number(std::string_view text) { return shape_of(text).has_value(); }
 
+namespace {
+
+/// Where a number begins that a standard conversion reads; empty when the text begins like none. A
+/// standard conversion knows no plus sign, and takes words for infinity.
+std::string_view standard_form(std::string_view text) {
+  if (text.starts_with('+')) text.remove_prefix(1);
+  const size_t first = text.starts_with('-') ? 1 : 0;
+  const bool begins = first < text.size() && (is_digit(text[first]) || text[first] == '.');
+  return begins ? text : std::string_view();
+}
+
+}  // namespace
+
 std::optional<double> parse_number(std::string_view text) {
-  const std::optional<Shape> shape = shape_of(text);
-  if (!shape) return std::nullopt;
-  if (text[0] == '+') text.remove_prefix(1);
+  const std::string_view standard = standard_form(text);
+  if (standard.empty() || (text[0] == '+' && standard[0] == '-')) return std::nullopt;
   double number = 0;
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+  const char* const end = standard.data() + standard.size();
+  const auto result = std::from_chars(standard.data(), end, number);
+  if (result.ptr != end) return std::nullopt;
   if (result.ec == std::errc()) return number;
-  if (result.ec == std::errc::result_out_of_range && is_tiny(*shape)) return 0.0;
+  if (result.ec == std::errc::result_out_of_range && is_tiny(*shape_of(text))) return 0.0;
   return std::nullopt;
 }
 

@@ -23,9 +23,23 @@ bool take_quoted(std::string_view& text, std::string& item) {
   }
 }
 
-}  // namespace
+/// The next item to fill: one that is there already, or a new one.
+class Items {
+ public:
+  explicit Items(std::vector<std::string>& items) : items_(items) {}
 
-bool split_items(std::string_view text, std::vector<std::string>& items) {
+  std::string& next() {
+    if (count_ == items_.size()) items_.emplace_back();
+    return items_[count_++];
+  }
+  void drop_the_rest() { items_.resize(count_); }
+
+ private:
+  std::vector<std::string>& items_;
+  size_t count_ = 0;
+};
+
+bool fill_items(std::string_view text, Items& items) {
   for (;;) {
     size_t begin = 0;
     while (begin < text.size() && is_blank(text[begin])) {
@@ -34,16 +48,27 @@ bool split_items(std::string_view text, std::vector<std::string>& items) {
     text.remove_prefix(begin);
     if (text.empty()) return true;
     if (text[0] == '"') {
-      if (!take_quoted(text, items.emplace_back())) return false;
+      std::string& item = items.next();
+      item.clear();
+      if (!take_quoted(text, item)) return false;
       continue;
     }
     size_t end = 1;
     while (end < text.size() && !is_blank(text[end])) {
       ++end;
     }
-    items.emplace_back(text.substr(0, end));
+    items.next().assign(text, 0, end);
     text.remove_prefix(end);
   }
+}
+
+}  // namespace
+
+bool split_items(std::string_view text, std::vector<std::string>& items) {
+  Items filled(items);
+  const bool is_whole = fill_items(text, filled);
+  filled.drop_the_rest();
+  return is_whole;
 }
 
 }  // namespace hierfit::xml

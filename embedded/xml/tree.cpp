@@ -39,4 +39,11 @@ std::string Tree::text(NodeId node) const {
   return text;
 }
 
+std::string_view Tree::text(NodeId node, std::string& storage) const {
+  const auto runs = std::ranges::equal_range(runs_, node, {}, &TextRun::node);
+  if (runs.size() == 1) return {characters_.get() + runs.front().begin, runs.front().length};
+  storage = text(node);
+  return storage;
+}
+
 }  // namespace hierfit::xml

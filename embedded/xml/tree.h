@@ -64,6 +64,8 @@ class Tree {
   std::string_view attribute_text(NodeId node, std::string_view name) const;
   /// The text directly in the element; a stretch of blanks between two tags may be left out.
   std::string text(NodeId node) const;
+  /// The same without a copy where it stands in one piece, else in `storage`.
+  std::string_view text(NodeId node, std::string& storage) const;
 
  private:
   friend class TreeBuilder;

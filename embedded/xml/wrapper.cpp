@@ -148,11 +148,17 @@ bool SDOMXMLWrapper::GetAttribute(std::string_view name, std::string& value) {
 }
 
 bool SDOMXMLWrapper::GetSimpleArray(std::vector<std::string>& items) {
-  items.clear();
   const Tree& tree = impl_->tree();
-  if (tree.empty()) return false;
+  if (tree.empty()) {
+    items.clear();
+    return false;
+  }
   const auto count = hierfit::parse_number(tree.attribute_text(impl_->node, "n"));
-  const bool fits = hierfit::xml::split_items(tree.text(impl_->node), items) &&
+  std::string storage;
+  const std::string_view text = tree.text(impl_->node, storage);
+  const auto most = static_cast<double>(text.size() / 2 + 1);  // an item and a blank each
+  if (count && *count > 0 && *count <= most) items.reserve(static_cast<size_t>(*count));
+  const bool fits = hierfit::xml::split_items(text, items) &&
                     (!count || *count == static_cast<double>(items.size()));
   if (!fits) {
     items.clear();

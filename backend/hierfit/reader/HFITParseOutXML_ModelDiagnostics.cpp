@@ -234,11 +234,10 @@ bool HFITParseOutXML::ReadModelTestStats(SDOMXMLIterator* effectTestDataElmIter,
 bool HFITParseOutXML::ReadDoubleArray(SDOMXMLWrapper* arrayElm, std::vector<double>& vNumbers) {
   vNumbers.clear();
   if (arrayElm == nullptr) return false;
-  std::vector<std::string> vItems;
-  if (!arrayElm->GetSimpleArray(vItems)) return false;
+  if (!arrayElm->GetSimpleArray(fvItems)) return false;
 
-  vNumbers.resize(vItems.size());
-  std::ranges::transform(vItems, vNumbers.begin(), [this](const std::string& item) {
+  vNumbers.resize(fvItems.size());
+  std::ranges::transform(fvItems, vNumbers.begin(), [this](const std::string& item) {
     return item == kMissingItem ? fMissingValue : String2Double(item);
   });
   return true;
