@@ -66,6 +66,7 @@ bool HFITParseOutXML::ReadStatXML(const std::string& statXMLStr) {
     // Whatever goes wrong while reading is a failed read, reported below like any other.
     fStatXMLParsed = false;
   }
+  fvItems = {};  // the reader outlives the writers
   if (!fStatXMLParsed) {
     BpError(BpString("StatXML parsing error ...", true), kShowInOutput, kErrorLevel);
   }
