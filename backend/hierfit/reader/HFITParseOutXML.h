@@ -171,6 +171,6 @@ class HFITParseOutXML {
   BuildSettingsStruct* fpBuildSettings = nullptr;  ///< the store's, while it is read
   const std::string* fpPMMLStr;
   const std::string* fpStatXMLStr;
-  std::vector<std::string> fvItems;  ///< of the array in hand; its room serves the next one
+  std::vector<std::string> fvItems;   ///< of the array in hand; its room serves the next one
   std::size_t fEffectLabelBytes = 0;  ///< of the labels of all covariance matrices so far
 };
