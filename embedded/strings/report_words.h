@@ -7,12 +7,19 @@ namespace hierfit {
 
 /// What a renderer asks `output::Document::word` for.
 inline constexpr std::string_view kReportWords[] = {
-    "Contents",         "Error",
-    "No entries",       "Note.",
-    "Report",           "Skip to the results",
-    "Table ^1",         "Table ^1 (continued)",
-    "Theme: automatic", "Theme: dark",
-    "Theme: light",     "Warning",
+    "Contents",
+    "Error:",
+    "No entries",
+    "Note.",
+    "Note:",
+    "Report",
+    "Skip to the results",
+    "Table ^1",
+    "Table ^1 (continued)",
+    "Theme: automatic",
+    "Theme: dark",
+    "Theme: light",
+    "Warning:",
     "missing",
 };
 
