@@ -3,9 +3,8 @@
 namespace hierfit::xml {
 namespace {
 
-bool is_blank(char character) {
-  return character == ' ' || character == '\n' || character == '\t' || character == '\r';
-}
+/// A document knows no characters below the blank but white space.
+bool is_blank(char character) { return static_cast<unsigned char>(character) <= ' '; }
 
 /// Takes a quoted item off the head of `text`, its opening quote included.
 bool take_quoted(std::string_view& text, std::string& item) {
