@@ -3,14 +3,13 @@
 
 #include <cstdint>
 #include <span>
-#include <vector>
 
 #include "embedded/output/document.h"
+#include "embedded/pivot/hash_index.h"
 
 namespace hierfit::pivot {
 
-/// A hash index over the cells of one table. It keeps a part of each hash, so that the coordinates
-/// themselves, which stay where they stand, are read for a cell that is there alone.
+/// A hash index over the cells of one table, whose coordinates stay where they stand.
 class CellIndex {
  public:
   /// The cell at the coordinates, or `output::kNone`.
@@ -21,18 +20,7 @@ class CellIndex {
   void rebuild(const output::Cells& cells);
 
  private:
-  struct Slot {
-    uint32_t cell = output::kNone;
-    uint32_t tag = 0;
-  };
-
-  /// The slot of the cell at the coordinates, or the empty one that it would take.
-  size_t slot_of(const output::Cells& cells,
-                 std::span<const uint32_t> coordinates,
-                 uint64_t hash) const;
-  void grow(const output::Cells& cells);
-
-  std::vector<Slot> slots_;
+  HashIndex index_;
 };
 
 }  // namespace hierfit::pivot

@@ -71,16 +71,14 @@ uint32_t BpPivotTable::Impl::number_of(
 }
 
 /// The entry of the identity in `scratch_`, a new one with the number `next` when there is none.
-/// The key is the hash alone: a standard map of few texts would be searched from end to end.
 uint32_t BpPivotTable::Impl::find_made(DimensionState& state, size_t next) {
-  const size_t hash = std::hash<std::string>()(scratch_);
-  const auto [begin, end] = state.made_by_hash.equal_range(hash);
-  for (auto entry = begin; entry != end; ++entry) {
-    if (state.made[entry->second].identity == scratch_) return entry->second;
-  }
+  const auto hash = static_cast<uint32_t>(std::hash<std::string>()(scratch_));
+  const uint32_t found = state.made_by_hash.find(
+      hash, [&](uint32_t made) { return state.made[made].identity == scratch_; });
+  if (found != kNone) return found;
   const auto made = static_cast<uint32_t>(state.made.size());
   state.made.push_back({scratch_, static_cast<uint32_t>(next), made});
-  state.made_by_hash.emplace(hash, made);
+  state.made_by_hash.add(hash, made);
   return made;
 }
 

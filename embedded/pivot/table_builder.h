@@ -10,6 +10,7 @@
 #include "embedded/journal/journal.h"
 #include "embedded/pivot/cell_index.h"
 #include "embedded/pivot/cell_text.h"
+#include "embedded/pivot/hash_index.h"
 
 /// What a group handle refers to: a dimension as a whole, or a group node inside it.
 struct BpGroup::Impl {
@@ -66,7 +67,7 @@ struct BpPivotTable::Impl {
     bool positioned = false;
     uint32_t current = hierfit::output::kNone;  ///< leaf of the category last asked for
     std::deque<Made> made;
-    std::unordered_multimap<size_t, uint32_t> made_by_hash;
+    hierfit::pivot::HashIndex made_by_hash;
     uint32_t last = 0;  ///< in `made`: what was asked for last
   };
 
