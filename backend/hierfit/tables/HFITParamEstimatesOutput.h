@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -57,10 +58,21 @@ class HFITParamEstimatesOutput {
                           const std::vector<ParamEstimData>& paramEstimVect,
                           int32_t block,
                           std::size_t blockCount);
+  /// How the rows of a covariance table are written when the engine could not estimate them.
+  struct RowStyle {
+    std::optional<double> fixedValue;  ///< in place of the estimate, its error and its bounds
+    bool hasErrorAndBounds = true;
+    bool hasTest = true;
+    const char* note = nullptr;  ///< key of a footnote on each estimate
+  };
+  struct StyleRule;
+  /// The style of all rows of one table.
+  RowStyle StyleOf(int32_t block) const;
   void CovarianceRows(BpDimension& rows,
                       BpDimension& columns,
                       const ParamEstimData& paramEstimData,
-                      int32_t block);
+                      int32_t block,
+                      const RowStyle& style);
   /// How the rows of a covariance table are laid out.
   enum class Layout { Plain, ByGroup, ByTarget };
 

@@ -1,5 +1,5 @@
 // The estimates of covariance parameters, row by row.
-#include <optional>
+#include <string_view>
 
 #include "backend/hierfit/tables/CellText.h"
 #include "backend/hierfit/tables/HFITParamEstimatesOutput.h"
@@ -23,41 +23,6 @@ constexpr uint32_t kWithoutScale = In({Distribution::kBinomial, Distribution::kN
 constexpr uint32_t kWithScale =
     In({Distribution::kGamma, Distribution::kInverseGaussian, Distribution::kNormal});
 
-/// How the rows of a table are written when the engine could not estimate them.
-struct RowStyle {
-  std::optional<double> fixedValue;  ///< in place of the estimate, its error and its bounds
-  bool hasErrorAndBounds = true;
-  bool hasTest = true;
-  bool notesWarning = false;
-};
-
-struct StyleRule {
-  const char* warning;
-  uint32_t distributions;
-  bool residual;
-  RowStyle style;
-};
-
-/// The first rule whose warning is there and that fits decides. When the first warning is there,
-/// the rules of the second do not apply.
-constexpr StyleRule kStyleRules[] = {
-    {"kGLMM_C9", kWithoutScale, true, {1.0, false, false, true}},
-    {"kGLMM_C9", kWithoutScale, false, {0.0, true, false, false}},
-    {"kGLMM_C8", kWithScale, false, {0.0, true, false, false}},
-};
-
-RowStyle StyleOf(const HFITOutputStats& store, int32_t distribution, int32_t block) {
-  const std::string_view warning = store.HasWarning("kGLMM_C9")   ? "kGLMM_C9"
-                                   : store.HasWarning("kGLMM_C8") ? "kGLMM_C8"
-                                                                  : "";
-  for (const StyleRule& rule : kStyleRules) {
-    const bool fits = rule.warning == warning && rule.residual == (block < 0) &&
-                      (rule.distributions & (1u << distribution)) != 0;
-    if (fits) return rule.style;
-  }
-  return {};
-}
-
 constexpr StatisticColumn kEstimate = {"Estimate", BpProcedure::Coefficient};
 constexpr StatisticColumn kStdError = {"Std. Error", BpProcedure::Coefficient};
 constexpr StatisticColumn kSig = {"Sig.", BpProcedure::Significance};
@@ -66,13 +31,41 @@ constexpr StatisticColumn kUpper = {"Upper", BpProcedure::Coefficient};
 
 }  // namespace
 
+struct HFITParamEstimatesOutput::StyleRule {
+  std::string_view warning;
+  uint32_t distributions;
+  bool isResidual;
+  RowStyle style;
+};
+
+/// The first rule that fits decides. When the first warning is there, the rules of the second do
+/// not apply.
+HFITParamEstimatesOutput::RowStyle HFITParamEstimatesOutput::StyleOf(int32_t block) const {
+  static constexpr StyleRule kRules[] = {
+      {"kGLMM_C9", kWithoutScale, true, {1.0, false, false, "kGLMM_C9"}},
+      {"kGLMM_C9", kWithoutScale, false, {0.0, true, false, nullptr}},
+      {"kGLMM_C8", kWithScale, false, {0.0, true, false, nullptr}},
+  };
+  const std::string_view warning = fpHFITOutputStats->HasWarning("kGLMM_C9")   ? "kGLMM_C9"
+                                   : fpHFITOutputStats->HasWarning("kGLMM_C8") ? "kGLMM_C8"
+                                                                               : "";
+  RowStyle style;
+  for (const StyleRule& rule : kRules) {
+    const bool fits = rule.warning == warning && rule.isResidual == (block < 0) &&
+                      (rule.distributions & (1u << fpBuildSettings->fDistribution)) != 0;
+    if (!fits) continue;
+    style = rule.style;
+    break;
+  }
+  if (style.note == nullptr && fpHFITOutputStats->HasWarning("kGLMM_C10")) style.note = "kGLMM_C10";
+  return style;
+}
+
 void HFITParamEstimatesOutput::CovarianceRows(BpDimension& rows,
                                               BpDimension& columns,
                                               const ParamEstimData& paramEstimData,
-                                              int32_t block) {
-  const RowStyle style = StyleOf(*fpHFITOutputStats, fpBuildSettings->fDistribution, block);
-  const bool hasEstimateWarning = fpHFITOutputStats->HasWarning("kGLMM_C10");
-
+                                              int32_t block,
+                                              const RowStyle& style) {
   const BpComposite intervalTitle = ConfidenceHeading(kConfidenceInterval, *fpBuildSettings);
 
   for (const ParamStatData& row : paramEstimData.fvParamStats) {
@@ -94,11 +87,7 @@ void HFITParamEstimatesOutput::CovarianceRows(BpDimension& rows,
     BpCategory estimate =
         WriteStatistic(columns, kEstimate, style.fixedValue.value_or(row.fEstimate));
     if (row.fIsRedundant) estimate.CellNote(Footnote(Key("Parameter redundant")));
-    if (style.notesWarning) {
-      estimate.CellNote(Footnote(Key("kGLMM_C9")));
-    } else if (hasEstimateWarning) {
-      estimate.CellNote(Footnote(Key("kGLMM_C10")));
-    }
+    if (style.note != nullptr) estimate.CellNote(Footnote(Key(style.note)));
     if (style.hasErrorAndBounds) WriteStatistic(columns, kStdError, fixedOr(row.fStdError));
     if (style.hasTest) {
       columns.Category(Text("Z")).Cell(

@@ -36,10 +36,12 @@ BpCategory WriteCount(BpGroup& group, const SummaryRow& row, const ModelDiagnost
   return category;
 }
 
+/// A label that did not read is missing from the list, so that fewer labels than rows would name
+/// the wrong rows.
 bool IsSquare(const MatrixData& matrix, std::size_t size) {
-  return matrix.fvRows.size() >= size &&
+  return matrix.fvRows.size() == size &&
          std::ranges::all_of(matrix.fvRows, [size](const MatrixRowData& row) {
-           return row.fvValues.size() >= size;
+           return row.fvValues.size() == size;
          });
 }
 
@@ -249,9 +251,10 @@ void HFITParamEstimatesOutput::ResidualEffectOutput(
   if (isGrouped) groups = AddOuterDimension(table, Layout::ByGroup);
   BpDimension columns = AddDimension(table, Key("Residual Effect Covariance Column"), kColumns, 1,
                                      Shown::LabelsAlone);
+  const RowStyle style = StyleOf(kResidualBlock);
   for (const ParamEstimData& data : paramEstimVect) {
     if (groups) OuterCategory(*groups, Layout::ByGroup, data.fFiledData);
-    CovarianceRows(rows, columns, data, kResidualBlock);
+    CovarianceRows(rows, columns, data, kResidualBlock, style);
   }
 }
 
@@ -282,8 +285,9 @@ void HFITParamEstimatesOutput::RandomEffectOutput(BpHeading& heading,
   if (layout != Layout::Plain) groups = AddOuterDimension(table, layout);
   BpDimension columns =
       AddDimension(table, Key("Random Effect Covariance Column"), kColumns, 1, Shown::LabelsAlone);
+  const RowStyle style = StyleOf(block);
   for (const ParamEstimData& data : paramEstimVect) {
     if (groups) OuterCategory(*groups, layout, data.fFiledData);
-    CovarianceRows(rows, columns, data, block);
+    CovarianceRows(rows, columns, data, block, style);
   }
 }
