@@ -224,15 +224,41 @@ TEST_CASE("covariances that fail the read") {
   });
 }
 
-TEST_CASE("labels of all blocks together have a limit") {
-  std::string labels;
-  for (int i = 0; i < 70; ++i) {
-    labels += R"(<Label><PrintableList pattern="P1" mapId="0"/></Label>)";
+TEST_CASE("what a document unpacks to stays in proportion to its text") {
+  // A diagonal of 4,000 numbers is nearly as many slots as one matrix may have.
+  constexpr int kRows = 4000;
+  const auto diagonals = [](int count) {
+    std::string matrix =
+        "<SegmentData><SegmentInfo/><Matrix nbRows=\"4000\" kind=\"diagonal\"><Array>";
+    for (int i = 0; i < kRows; ++i) {
+      matrix += "1 ";
+    }
+    matrix += "</Array></Matrix></SegmentData>";
+    std::string matrices;
+    for (int i = 0; i < count; ++i) {
+      matrices += matrix;
+    }
+    return ResultDocuments().insert_before("<SegmentData><SegmentInfo/>", matrices);
+  };
+  SUBCASE("small matrices of many rows") {
+    CHECK(Reading(diagonals(1)).reads);
+    CHECK_FALSE(Reading(diagonals(2)).reads);
   }
-  ResultDocuments documents;
-  documents.insert_before("<Label><PrintableList pattern=\"P1\"", labels);
-  CHECK(Reading(documents).reads);
-  documents.replace("<Covariate field=\"x\" power=\"1\"/>",
-                    "<Covariate field=\"" + std::string(2'000, 'x') + "\" power=\"9999\"/>");
-  CHECK_FALSE(Reading(documents).reads);
+  SUBCASE("long labels on top of them") {
+    ResultDocuments documents = diagonals(1);
+    std::string labels;
+    for (int i = 0; i < 8; ++i) {
+      labels += R"(<Label><PrintableList pattern="P1" mapId="0"/></Label>)";
+    }
+    documents.insert_before("<Label><PrintableList pattern=\"P1\"", labels);
+    CHECK(Reading(documents).reads);
+    documents.replace("<Covariate field=\"x\" power=\"1\"/>",
+                      "<Covariate field=\"" + std::string(2'000, 'x') + "\" power=\"9999\"/>");
+    CHECK_FALSE(Reading(documents).reads);
+  }
+  SUBCASE("a longer text may hold more") {
+    ResultDocuments documents = diagonals(2);
+    documents.insert_before("<BuildSettings>", "<!--" + std::string(8'000'000, ' ') + "-->");
+    CHECK(Reading(documents).reads);
+  }
 }

@@ -13,6 +13,11 @@ namespace {
 constexpr BpErrorShow kShowInOutput{2};
 constexpr BpErrorLevel kErrorLevel{3};
 
+/// What the result document may unpack to: the largest single matrix, and twice as many numbers as
+/// its text has bytes, which is more than honest matrices of any size need.
+constexpr std::size_t kUnpackedBytes = (std::size_t{1} << 24) * sizeof(double);
+constexpr std::size_t kUnpackedPerByte = 2 * sizeof(double);
+
 /// Reads the values of a message. The result is whether the last of them had one.
 bool ReadWarningParameters(SDOMXMLWrapper& printListElm, std::vector<std::string>& vParameters) {
   SDOMXMLIterator* valueIter = Children(printListElm, "PrintableValue");
@@ -191,6 +196,11 @@ bool HFITParseOutXML::ReadWarningMessages(SDOMXMLIterator* warningMsgElmIter,
     if (!isWhole) return false;
   }
   return true;
+}
+
+bool HFITParseOutXML::Unpack(std::size_t byteCount) {
+  fUnpackedBytes += byteCount;
+  return fUnpackedBytes <= kUnpackedBytes + kUnpackedPerByte * fpStatXMLStr->size();
 }
 
 const VELT_Variable* HFITParseOutXML::TargetVariable() const {

@@ -157,6 +157,9 @@ class HFITParseOutXML {
   bool ReadValues(SDOMXMLWrapper& arrayElm,
                   const VELT_Variable* variable,
                   std::vector<CFStatVariableValue>& vValues);
+  /// Counts what a short text unpacks to. False when all of it together is out of proportion to
+  /// the result document.
+  bool Unpack(std::size_t byteCount);
   /// The target's variable; null without one.
   const VELT_Variable* TargetVariable() const;
   /// The position of a dictionary's field among the variables of the model, if it is one.
@@ -171,6 +174,6 @@ class HFITParseOutXML {
   BuildSettingsStruct* fpBuildSettings = nullptr;  ///< the store's, while it is read
   const std::string* fpPMMLStr;
   const std::string* fpStatXMLStr;
-  std::vector<std::string> fvItems;   ///< of the array in hand; its room serves the next one
-  std::size_t fEffectLabelBytes = 0;  ///< of the labels of all covariance matrices so far
+  std::vector<std::string> fvItems;  ///< of the array in hand; its room serves the next one
+  std::size_t fUnpackedBytes = 0;    ///< of all matrices and of the labels of covariances so far
 };

@@ -4,13 +4,6 @@
 #include "backend/hierfit/reader/Elements.h"
 #include "backend/hierfit/reader/HFITParseOutXML.h"
 
-namespace {
-
-/// The most bytes of the labels of all matrices together: one short list can stand for a long term.
-constexpr std::size_t kMaxEffectLabelBytes = std::size_t{1} << 26;
-
-}  // namespace
-
 bool HFITParseOutXML::ReadRandEffCovars(SDOMXMLWrapper* randEffCovarMatElm,
                                         RandEffCovarsData& randEffCovars) {
   if (!(randEffCovarMatElm != nullptr)) return false;
@@ -39,8 +32,8 @@ bool HFITParseOutXML::ReadEffectLabels(SDOMXMLIterator* labelIter,
     if (!isRead) continue;
     std::string& label = vEffectLabels.emplace_back();
     fpHFITOutputStats->GetPrintableText(printableList, label);
-    fEffectLabelBytes += label.size();
-    if (fEffectLabelBytes > kMaxEffectLabelBytes) return false;
+    // One short list can stand for a long term.
+    if (!Unpack(label.size())) return false;
   }
   return isRead;
 }

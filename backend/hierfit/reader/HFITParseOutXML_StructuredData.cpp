@@ -212,6 +212,8 @@ bool HFITParseOutXML::ReadMatrix(SDOMXMLWrapper* matrixElm, MatrixData& matrixDa
   if (!ReadDoubleArray(arrayElm, vItems)) return false;
   const MatrixKind& kind = FindMatrixKind(shape.kind);
   if (!FitsShape(shape, kind, vItems.size())) return false;
+  const auto side = static_cast<std::size_t>(shape.rows);
+  if (!Unpack(side * side * sizeof(double))) return false;
   FillRows(shape, kind, vItems, matrixData.fvRows);
   return true;
 }
