@@ -36,12 +36,12 @@ BpCategory WriteCount(BpGroup& group, const SummaryRow& row, const ModelDiagnost
   return category;
 }
 
-/// A label that did not read is missing from the list, so that fewer labels than rows would name
-/// the wrong rows.
-bool IsSquare(const MatrixData& matrix, std::size_t size) {
-  return matrix.fvRows.size() == size &&
-         std::ranges::all_of(matrix.fvRows, [size](const MatrixRowData& row) {
-           return row.fvValues.size() == size;
+/// Whether the matrix has a row and a column for each label. It may have more; a table shows as
+/// many as there are labels.
+bool HasPlaceFor(const MatrixData& matrix, std::size_t labelCount) {
+  return matrix.fvRows.size() >= labelCount &&
+         std::ranges::all_of(matrix.fvRows, [labelCount](const MatrixRowData& row) {
+           return row.fvValues.size() >= labelCount;
          });
 }
 
@@ -174,10 +174,12 @@ void HFITParamEstimatesOutput::RandomEffectBlockOutput(BpHeading& heading,
   const std::vector<SegmentInfoData>& segments = randEffCovars.fSimpleSubjects;
   const std::vector<std::string>& labels = randEffCovars.fvEffectLabels;
   const std::size_t nCat = matrices.size();
-  const auto isSquare = [&](const MatrixData& matrix) { return IsSquare(matrix, labels.size()); };
+  const auto hasPlace = [&](const MatrixData& matrix) {
+    return HasPlaceFor(matrix, labels.size());
+  };
   const auto fits = [&](const SegmentInfoData& segment) { return Fits(layout, segment); };
   if (!(segments.size() == nCat) || (layout == Layout::Plain && !(nCat == 1))) return;
-  if (!std::ranges::all_of(matrices, isSquare) || !std::ranges::all_of(segments, fits)) return;
+  if (!std::ranges::all_of(matrices, hasPlace) || !std::ranges::all_of(segments, fits)) return;
 
   BpPivotTable table =
       heading.PivotTable(BlockTitle(static_cast<double>(block)), Text("RandomEffects"), true);
