@@ -26,6 +26,14 @@ struct ReadFailure {
   bool well_formed = true;  ///< false: the parser refused the text
 };
 
+/// The editor of one session and its virtual machine, with switches for tests.
+struct EditorState {
+  bool machine_can_start = true;
+  bool embedding_throws = false;
+  bool machine_is_started = false;
+  bool editor_is_started = false;
+};
+
 struct Session::State {
   SessionInput input;
   SessionOptions options;
@@ -42,6 +50,7 @@ struct Session::State {
   /// Copies of texts that wait for their `BpAnnotation`, by the handle that `Replicate` gave.
   std::unordered_map<long, RefCountPtr<BpCellText::Impl>> replicas;
   long next_replica = 1;
+  EditorState editor;
 
   /// Where a message or a chart goes: under the heading that was opened last and is still open.
   output::Section& open_section() {

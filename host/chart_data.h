@@ -44,6 +44,7 @@ class VarDataProcessor {
   struct Impl;
   /// For the host: the data.
   const Impl& impl() const { return *impl_; }
+  Impl& impl() { return *impl_; }
 
  private:
   std::unique_ptr<Impl> impl_;

@@ -1,4 +1,4 @@
-// The output document: the ordered headings, tables and messages that one run leaves.
+// The output document: the ordered headings, tables, charts and messages that one run leaves.
 //
 // It is plain data. The embedded host fills it; `report/` renders it and knows nothing else of the
 // run. Texts are UTF-8, already in the output language.
@@ -15,6 +15,7 @@
 #include <variant>
 #include <vector>
 
+#include "embedded/output/chart.h"
 #include "embedded/output/number_format.h"
 
 namespace hierfit::output {
@@ -102,8 +103,10 @@ struct Message {
 
 struct Section;
 /// Owned by pointer, so that a table under construction does not move.
-using Item =
-    std::variant<std::unique_ptr<Section>, std::unique_ptr<Table>, std::unique_ptr<Message>>;
+using Item = std::variant<std::unique_ptr<Section>,
+                          std::unique_ptr<Table>,
+                          std::unique_ptr<Chart>,
+                          std::unique_ptr<Message>>;
 
 /// A heading and what lies under it, in order. The topmost section has no title.
 struct Section {

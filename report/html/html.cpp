@@ -100,7 +100,7 @@ class HtmlReport {
     out_ += "</h2>\n";
     write_entries(document_.content);
     out_ += "</nav>\n";
-    sections_ = tables_ = 0;
+    sections_ = tables_ = charts_ = 0;
   }
 
   static bool has_entries(const Section& section) {
@@ -135,6 +135,12 @@ class HtmlReport {
     out_ += "</a></li>\n";
   }
 
+  void write_entry(const output::Chart& chart) {
+    open_entry('c', ++charts_);
+    html::append_escaped(out_, chart.title);
+    out_ += "</a></li>\n";
+  }
+
   void write_entry(const output::Message&) {}
 
   void open_entry(char part, uint32_t number) {
@@ -164,6 +170,13 @@ class HtmlReport {
     html::append_table(out_, document_, table, ++tables_);
   }
 
+  void write_item(const output::Chart& chart, int) {
+    (out_ += "<figure id=\"c") += std::to_string(++charts_);
+    out_ += "\">\n<figcaption>";
+    html::append_escaped(out_, chart.title);
+    out_ += "</figcaption>\n</figure>\n";
+  }
+
   void write_item(const output::Message& message, int) {
     const MessageLook& look = kMessageLooks[static_cast<size_t>(message.severity)];
     ((out_ += "<p role=\"note\" class=\"message ") += look.css_class) += "\"><b>";
@@ -179,6 +192,7 @@ class HtmlReport {
   std::string out_;
   uint32_t sections_ = 0;
   uint32_t tables_ = 0;
+  uint32_t charts_ = 0;
 };
 
 }  // namespace

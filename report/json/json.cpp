@@ -8,6 +8,9 @@
 
 namespace hierfit::report {
 
+using output::Chart;
+using output::ChartColumn;
+using output::ChartVariable;
 using output::kNone;
 using output::Number;
 using output::Table;
@@ -20,6 +23,9 @@ constexpr std::array<std::string_view, 3> kSeverities = {"note", "warning", "err
 /// The first lines say what this is; later members of a version may grow, none goes away.
 constexpr std::string_view kKind = "hierfit report";
 constexpr int kVersion = 1;
+
+/// The code of a chart variable's print format that marks strings.
+constexpr uint8_t kStringType = 1;
 
 class JsonReport {
  public:
@@ -122,6 +128,104 @@ class JsonReport {
     member("severity", kSeverities[static_cast<size_t>(message.severity)]);
     member("text", message.text);
     out_ += '}';
+  }
+
+  void write_item(const Chart& chart) {
+    out_ += "{\"kind\":\"chart\"";
+    member("title", chart.title);
+    member("subtype", chart.kind);
+    member("description", chart.description);
+    key("sources");
+    list(chart.sources, [this](const output::ChartSource& each) { write_source(each); });
+    member("document", chart.document);
+    out_ += '}';
+  }
+
+  void write_source(const output::ChartSource& source) {
+    out_ += "\n{\"name\":";
+    json::append_string(out_, source.name);
+    member("rows", static_cast<int64_t>(source.rows));
+    key("variables");
+    list(source.variables, [this](const ChartVariable& each) { write_variable(each); });
+    out_ += '}';
+  }
+
+  void write_variable(const ChartVariable& variable) {
+    out_ += "\n{\"name\":";
+    json::append_string(out_, variable.name);
+    member("role", variable.role);
+    if (!variable.label.empty()) member("label", variable.label);
+    if (!variable.prefix.empty()) member("prefix", variable.prefix);
+    flag("categorical", variable.categorical);
+    if (variable.format) write_format(*variable.format);
+    write_value_labels(variable);
+    key("values");
+    write_column(variable.values);
+    out_ += '}';
+  }
+
+  void write_format(const output::ChartFormat& format) {
+    flag("holdsStrings", format.type == kStringType);
+    member("width", format.width);
+    member("decimals", format.decimals);
+  }
+
+  void write_value_labels(const ChartVariable& variable) {
+    if (variable.number_labels.empty() && variable.text_labels.empty()) return;
+    key("valueLabels");
+    out_ += '[';
+    const size_t begin = out_.size();
+    for (const auto& [value, label] : variable.number_labels) {
+      write_value_label(begin, label, [&] { append_number(value); });
+    }
+    for (const auto& [value, label] : variable.text_labels) {
+      write_value_label(begin, label, [&] { append_plain(value); });
+    }
+    out_ += ']';
+  }
+
+  template <class Write>
+  void write_value_label(size_t begin, const std::string& label, Write write_value) {
+    out_ += out_.size() == begin ? "{\"value\":" : ",{\"value\":";
+    write_value();
+    member("label", label);
+    out_ += '}';
+  }
+
+  /// A row each: a number, a string, or null for a row that holds nothing.
+  void write_column(const ChartColumn& column) {
+    out_ += '[';
+    for (size_t row = 0; row < column.rows(); ++row) {
+      if (row > 0) out_ += ',';
+      switch (column.kind(row)) {
+        case ChartColumn::Kind::Unset:
+          out_ += "null";
+          break;
+        case ChartColumn::Kind::Number:
+          append_number(column.number(row));
+          break;
+        case ChartColumn::Kind::Text:
+          append_plain(column.text(row));
+      }
+    }
+    out_ += ']';
+  }
+
+  /// A number that does not exist is null, as in a cell.
+  void append_number(double value) {
+    if (Number{value}.missing()) {
+      out_ += "null";
+    } else {
+      json::append_double(out_, value);
+    }
+  }
+
+  void append_plain(std::string_view text) {
+    if (text.find_first_of("&<") == std::string_view::npos) {
+      json::append_string(out_, text);
+    } else {
+      json::append_string(out_, output::plain_text(text));
+    }
   }
 
   void write_item(const Table& table) {

@@ -64,6 +64,14 @@ class TextReport {
     text::append_table(out_, document_, table, ++tables_, options_);
   }
 
+  /// A chart is its title: the other forms draw it.
+  void write_item(const output::Chart& chart) {
+    begin_item();
+    const std::string_view word = document_.word("Chart:");
+    text::append_wrapped(out_, text::printable(word) + ' ' + text::printable(chart.title), options_,
+                         0);
+  }
+
   void write_item(const output::Message& message) {
     begin_item();
     const std::string_view word =

@@ -1,0 +1,184 @@
+// The operations of the chart data library.
+#include "embedded/chart/chart_data.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <utility>
+
+#include "embedded/session_state.h"
+
+using namespace hierfit;
+using journal::Journal;
+using output::ChartColumn;
+using output::ChartSource;
+using output::ChartVariable;
+
+namespace {
+
+constexpr _varinfo kNoVariable;
+
+template <class List>
+bool holds(const List& list, int32_t index) {
+  return index >= 0 && static_cast<size_t>(index) < list.size();
+}
+
+/// Names of a handle, for the journal; empty for a handle that was never filled.
+std::pair<std::string_view, std::string_view> names_of(const VarDataProcessor::Impl& impl,
+                                                       const _varinfo& handle) {
+  if (!holds(impl.sources, handle.source)) return {};
+  const ChartSource& source = impl.sources[static_cast<size_t>(handle.source)];
+  if (!holds(source.variables, handle.variable)) return {source.name, {}};
+  return {source.name, source.variables[static_cast<size_t>(handle.variable)].name};
+}
+
+template <class Value>
+void set_value(ChartColumn* column, int32_t row, const Value& value) {
+  if (column == nullptr || row < 0 || row >= chart::kMaxRows) return;
+  column->set(static_cast<size_t>(row), value);
+}
+
+template <class Value>
+void write_line(const VarDataProcessor::Impl& impl,
+                const char* call,
+                std::string_view source,
+                std::string_view variable,
+                int32_t row,
+                const Value& value) {
+  impl.journal->line(call).on(impl.id).arg(source).arg(variable).arg(row).arg(value);
+}
+
+constexpr char kSetNumber[] = "VarDataProcessor::SetVariableValue";
+constexpr char kSetText[] = "VarDataProcessor::SetStringVariableValue";
+
+}  // namespace
+
+ChartColumn* VarDataProcessor::Impl::column(const _varinfo& handle) {
+  if (!holds(sources, handle.source)) return nullptr;
+  ChartSource& source = sources[static_cast<size_t>(handle.source)];
+  if (!holds(source.variables, handle.variable)) return nullptr;
+  return &source.variables[static_cast<size_t>(handle.variable)].values;
+}
+
+ChartColumn* VarDataProcessor::Impl::column(const std::string& source,
+                                            const std::string& variable) {
+  return column(find(source, variable));
+}
+
+_varinfo VarDataProcessor::Impl::find(const std::string& source,
+                                      const std::string& variable) const {
+  const auto at = source_index.find(source);
+  if (at == source_index.end()) return kNoVariable;
+  const Index& variables = variable_index[static_cast<size_t>(at->second)];
+  const auto found = variables.find(variable);
+  return found == variables.end() ? kNoVariable : _varinfo{at->second, found->second};
+}
+
+_varinfo VarDataProcessor::Impl::add(const std::string& source, const std::string& variable) {
+  const auto at = source_index.find(source);
+  if (at == source_index.end()) return kNoVariable;
+  const auto place = static_cast<size_t>(at->second);
+  std::vector<ChartVariable>& variables = sources[place].variables;
+  const auto number = static_cast<int32_t>(variables.size());
+  const auto [entry, is_new] = variable_index[place].emplace(variable, number);
+  if (is_new) {
+    ChartVariable& added = variables.emplace_back();
+    added.name = variable;
+    added.role = variable;
+    added.values.reserve(sources[place].rows);
+  }
+  return {at->second, entry->second};
+}
+
+std::vector<ChartSource> VarDataProcessor::Impl::take_sources() {
+  source_index.clear();
+  variable_index.clear();
+  return std::exchange(sources, {});
+}
+
+VarDataProcessor::VarDataProcessor() : impl_(std::make_unique<Impl>()) {
+  const Session::State* state = state_of_thread();
+  impl_->journal = state == nullptr ? nullptr : state->journal.get();
+  if (Journal* journal = impl_->journal) {
+    impl_->id = journal->number("VarDataProcessor");
+    journal->line("VarDataProcessor::VarDataProcessor").result(impl_->id);
+  }
+}
+
+VarDataProcessor::~VarDataProcessor() {
+  if (Journal* journal = impl_->journal) journal->line("release").on(impl_->id);
+}
+
+void VarDataProcessor::AddDataSource(const std::string& source, int32_t rowCount) {
+  if (Journal* journal = impl_->journal) {
+    journal->line("VarDataProcessor::AddDataSource").on(impl_->id).arg(source).arg(rowCount);
+  }
+  const auto number = static_cast<int32_t>(impl_->sources.size());
+  if (!impl_->source_index.emplace(source, number).second) return;
+  ChartSource& added = impl_->sources.emplace_back();
+  added.name = source;
+  added.rows = static_cast<size_t>(std::clamp(rowCount, 0, chart::kMaxRows));
+  impl_->variable_index.emplace_back();
+}
+
+void VarDataProcessor::AddVariable(const std::string& source,
+                                   const std::string& variable,
+                                   _varinfo* handle) {
+  if (Journal* journal = impl_->journal) {
+    journal->line("VarDataProcessor::AddVariable")
+        .on(impl_->id)
+        .arg(source)
+        .arg(variable)
+        .arg(handle != nullptr);
+  }
+  const _varinfo added = impl_->add(source, variable);
+  if (handle != nullptr) *handle = added;
+}
+
+void VarDataProcessor::SetVariableValue(const _varinfo* handle, int32_t row, double value) {
+  const _varinfo& info = handle == nullptr ? kNoVariable : *handle;
+  if (impl_->journal != nullptr) {
+    const auto [source, variable] = names_of(*impl_, info);
+    write_line(*impl_, kSetNumber, source, variable, row, value);
+  }
+  set_value(impl_->column(info), row, value);
+}
+
+void VarDataProcessor::SetVariableValue(const std::string& source,
+                                        const std::string& variable,
+                                        int32_t row,
+                                        double value) {
+  if (impl_->journal != nullptr) write_line(*impl_, kSetNumber, source, variable, row, value);
+  set_value(impl_->column(source, variable), row, value);
+}
+
+void VarDataProcessor::SetStringVariableValue(const _varinfo* handle,
+                                              int32_t row,
+                                              const std::string& value) {
+  const _varinfo& info = handle == nullptr ? kNoVariable : *handle;
+  if (impl_->journal != nullptr) {
+    const auto [source, variable] = names_of(*impl_, info);
+    write_line(*impl_, kSetText, source, variable, row, value);
+  }
+  set_value(impl_->column(info), row, value);
+}
+
+void VarDataProcessor::SetStringVariableValue(const std::string& source,
+                                              const std::string& variable,
+                                              int32_t row,
+                                              const std::string& value) {
+  if (impl_->journal != nullptr) write_line(*impl_, kSetText, source, variable, row, value);
+  set_value(impl_->column(source, variable), row, value);
+}
+
+char* VarDataProcessor::GetDataStream(int32_t& length) {
+  const std::string bytes = chart::write_data_stream(impl_->sources);
+  const bool fits = bytes.size() <= std::numeric_limits<int32_t>::max();
+  length = fits ? static_cast<int32_t>(bytes.size()) : 0;
+  if (Journal* journal = impl_->journal) {
+    journal->line("VarDataProcessor::GetDataStream").on(impl_->id).result(length);
+  }
+  auto buffer = std::make_unique_for_overwrite<char[]>(static_cast<size_t>(length) + 1);
+  std::memcpy(buffer.get(), bytes.data(), static_cast<size_t>(length));
+  return buffer.release();
+}

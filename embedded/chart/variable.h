@@ -1,0 +1,60 @@
+// A data variable of a chart document.
+#pragma once
+
+#include "host/chart_document.h"
+
+#include "embedded/chart/markup.h"
+#include "embedded/journal/journal.h"
+#include "embedded/output/chart.h"
+
+namespace hierfit::chart {
+
+/// What a `variable` element says. Its `values` are read, too.
+output::ChartVariable read_variable(Element& element);
+
+/// The sources of a `data` element; null gives none.
+std::vector<output::ChartSource> read_sources(Element* data);
+
+/// Writes a label of one value as a child of a `variable` element.
+void add_relabel(Element& variable, double value, std::string_view text);
+void add_relabel(Element& variable, std::string_view value, std::string_view text);
+
+void set_format(Element& variable, const VELT_Format& format);
+
+/// A text that is a number in any notation, or none.
+std::optional<double> number_of(std::string_view text);
+
+/// A variable as the module holds it. Changes gather here and go into the element at `store`.
+class Variable final : public XVariable {
+ public:
+  Variable(Element& element, journal::Journal* journal);
+
+  void setLabel(const ChartString& label) override;
+  void setFormat(const VELT_Format& format) override;
+  void setCategorical(bool categorical) override;
+  void setVELTVariable(VELT_Variable* variable) override;
+  void setFormatBasedOnVELTVariable(VELT_Variable* variable) override;
+  void addRelabels() override;
+  void addRelabel(double value, const ChartString& text) override;
+  void addRelabel(const ChartString& value, const ChartString& text) override;
+  void SetFormatPrefix(const ChartString& prefix) override;
+
+  const std::string& name() const { return described_.name; }
+  const journal::Id& id() const { return id_; }
+  /// Numbers it when it is asked for the first time.
+  void enter_journal();
+  void store();
+
+ private:
+  void relabel(double value, std::string text);
+  void relabel(const std::string& value, std::string text);
+
+  Element& element_;
+  output::ChartVariable described_;
+  VELT_Variable* dictionary_ = nullptr;
+  bool changed_ = false;
+  journal::Journal* journal_;
+  journal::Id id_;
+};
+
+}  // namespace hierfit::chart

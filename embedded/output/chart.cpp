@@ -1,0 +1,176 @@
+#include "embedded/output/chart.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+namespace hierfit::output {
+namespace {
+
+struct Entity {
+  std::string_view name;
+  std::string_view text;
+};
+constexpr Entity kEntities[] = {{"<BR/>", "\n"}, {"&amp;", "&"},   {"&lt;", "<"},
+                                {"&gt;", ">"},   {"&quot;", "\""}, {"&apos;", "'"}};
+
+/// Whether XML 1.0 has this character.
+bool is_xml_character(uint32_t code) {
+  if (code < 0x20) return code == '\t' || code == '\n' || code == '\r';
+  return code < 0xD800 || (code > 0xDFFF && code != 0xFFFE && code != 0xFFFF && code <= 0x10FFFF);
+}
+
+void append_utf8(std::string& out, uint32_t code) {
+  constexpr unsigned kLeads[] = {0, 0xC0, 0xE0, 0xF0};
+  const int tail = code < 0x80 ? 0 : code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
+  out += static_cast<char>(kLeads[tail] | (code >> (6 * tail)));
+  for (int i = tail - 1; i >= 0; --i) {
+    out += static_cast<char>(0x80 | ((code >> (6 * i)) & 0x3F));
+  }
+}
+
+/// Appends the character of a reference that begins `rest` ("&#9472;", "&#x2500;"). Gives the
+/// length of the reference; 0, with nothing appended, when it is none.
+size_t append_reference(std::string& out, std::string_view rest) {
+  if (!rest.starts_with("&#")) return 0;
+  const bool hexadecimal = rest.substr(2).starts_with('x');
+  const char* first = rest.data() + (hexadecimal ? 3 : 2);
+  const char* last = rest.data() + rest.size();
+  uint32_t code = 0;
+  const auto [end, error] = std::from_chars(first, last, code, hexadecimal ? 16 : 10);
+  if (error != std::errc() || end == last || *end != ';' || !is_xml_character(code)) return 0;
+  append_utf8(out, code);
+  return static_cast<size_t>(end + 1 - rest.data());
+}
+
+size_t append_resolved(std::string& out, std::string_view rest) {
+  for (const auto& [name, text] : kEntities) {
+    if (!rest.starts_with(name)) continue;
+    out += text;
+    return name.size();
+  }
+  return append_reference(out, rest);
+}
+
+std::optional<double> whole_number(std::string_view text) {
+  double number = 0;
+  const char* last = text.data() + text.size();
+  const auto [end, error] = std::from_chars(text.data(), last, number);
+  if (error != std::errc() || end != last || text.empty()) return std::nullopt;
+  return number;
+}
+
+bool is_name_character(char character) {
+  const auto byte = static_cast<unsigned char>(character);
+  return (byte >= '0' && byte <= '9') || (byte >= 'a' && byte <= 'z') ||
+         (byte >= 'A' && byte <= 'Z') || byte == '_' || byte == '.' || byte == '-';
+}
+
+constexpr std::string_view kDiffers = "!=\"";
+
+/// The name of a clause that begins `rest`; empty when none does.
+std::string_view clause_name(std::string_view rest) {
+  const auto* end = std::ranges::find_if_not(rest, is_name_character);
+  const auto length = static_cast<size_t>(end - rest.begin());
+  return rest.substr(length).starts_with(kDiffers) ? rest.substr(0, length) : std::string_view();
+}
+
+/// Where the value that begins `rest` ends: the last mark of the text, or the first one with a
+/// further clause behind it.
+size_t value_end(std::string_view rest) {
+  constexpr std::string_view kOr = "\"||";
+  for (size_t at = rest.find(kOr); at != std::string_view::npos; at = rest.find(kOr, at + 1)) {
+    if (!clause_name(rest.substr(at + kOr.size())).empty()) return at;
+  }
+  return rest.ends_with('"') ? rest.size() - 1 : std::string_view::npos;
+}
+
+}  // namespace
+
+void ChartColumn::keep_kinds() {
+  if (text_of_row_.empty()) text_of_row_.assign(numbers_.size(), kNumber);
+}
+
+/// Makes room for the row; the rows between are unset.
+void ChartColumn::grow(size_t row) {
+  const size_t rows = numbers_.size();
+  if (row > rows) keep_kinds();
+  if (row >= rows) numbers_.resize(row + 1);
+  if (row > rows || !text_of_row_.empty()) text_of_row_.resize(numbers_.size(), kUnset);
+}
+
+void ChartColumn::set(size_t row, double value) {
+  if (row == numbers_.size() && text_of_row_.empty()) {
+    numbers_.push_back(value);
+    return;
+  }
+  grow(row);
+  numbers_[row] = value;
+  if (!text_of_row_.empty()) text_of_row_[row] = kNumber;
+}
+
+void ChartColumn::set(size_t row, std::string_view value) {
+  keep_kinds();
+  grow(row);
+  if (texts_.empty() || texts_.back() != value) texts_.emplace_back(value);
+  text_of_row_.resize(numbers_.size(), kUnset);
+  text_of_row_[row] = static_cast<uint32_t>(texts_.size() - 1);
+  numbers_[row] = 0;
+}
+
+const std::string* ChartVariable::label_of(double value) const {
+  const auto found = number_labels.find(value);
+  return found == number_labels.end() ? nullptr : &found->second;
+}
+
+const std::string* ChartVariable::label_of(std::string_view value) const {
+  const auto found = text_labels.find(value);
+  return found == text_labels.end() ? nullptr : &found->second;
+}
+
+const ChartVariable* ChartSource::by_role(std::string_view role) const {
+  const auto found = std::ranges::find(variables, role, &ChartVariable::role);
+  return found == variables.end() ? nullptr : &*found;
+}
+
+const ChartSource* Chart::source(std::string_view name) const {
+  const auto found = std::ranges::find(sources, name, &ChartSource::name);
+  return found == sources.end() ? nullptr : &*found;
+}
+
+std::string plain_text(std::string_view text) {
+  std::string plain;
+  plain.reserve(text.size());
+  for (size_t begin = 0; begin < text.size();) {
+    const size_t mark = std::min(text.find_first_of("&<", begin), text.size());
+    plain += text.substr(begin, mark - begin);
+    if (mark == text.size()) break;
+    const size_t length = append_resolved(plain, text.substr(mark));
+    if (length == 0) plain += text[mark];
+    begin = mark + std::max<size_t>(length, 1);
+  }
+  return plain;
+}
+
+HideCondition::HideCondition(std::string_view text) {
+  while (!text.empty()) {
+    const std::string_view name = clause_name(text);
+    if (name.empty()) break;
+    text.remove_prefix(name.size() + kDiffers.size());
+    const size_t end = value_end(text);
+    if (end == std::string_view::npos) break;
+    clauses_.push_back({std::string(name), std::string(text.substr(0, end))});
+    text.remove_prefix(end + 1);
+    if (text.starts_with("||")) text.remove_prefix(2);
+  }
+}
+
+bool names_value(std::string_view clause_value, std::string_view text) {
+  return clause_value == text;
+}
+
+bool names_value(std::string_view clause_value, double number) {
+  return whole_number(clause_value) == number;
+}
+
+}  // namespace hierfit::output
