@@ -109,8 +109,11 @@ output::Chart join(Element& document, std::vector<ChartSource> data, std::string
   for (ChartSource& source : data) {
     describe(source, descriptions);
   }
-  for (Element* element : elements_of(document)) {
-    Element* inner = element->name == "embedded" ? element->child("data") : nullptr;
+  // Elements of values go while the graphs are walked: none of them may be in the list.
+  std::vector<Element*> graphs = elements_of(document);
+  std::erase_if(graphs, [](const Element* element) { return element->name != "embedded"; });
+  for (Element* graph : graphs) {
+    Element* inner = graph->child("data");
     if (inner != nullptr)
       std::ranges::move(embedded_sources(*inner, names), std::back_inserter(data));
   }
