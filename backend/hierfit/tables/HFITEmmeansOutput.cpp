@@ -1,5 +1,6 @@
 #include "backend/hierfit/tables/HFITEmmeansOutput.h"
 
+#include "backend/hierfit/charts/HFITChartOutput.h"
 #include "backend/hierfit/store/EffectText.h"
 #include "backend/hierfit/tables/CellText.h"
 #include "backend/hierfit/tables/TableShape.h"
@@ -75,6 +76,8 @@ void HFITEmmeansOutput::BlockOutput(const EmmeansData& emmeansData) {
     return;
   }
   EstimatesOutput(heading, emmeansData);
+  HFITChartOutput chart(fpProcedure, fpDataSource, fpHFITOutputStats);
+  chart.CustomEffectsOutput(emmeansData);
   ContrastsOutput(heading, emmeansData);
   OverallTestsOutput(heading, emmeansData);
 }

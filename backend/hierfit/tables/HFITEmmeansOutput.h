@@ -1,6 +1,7 @@
 // Writes the tables of the requested estimated means, their contrasts and overall tests.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,8 @@ class HFITEmmeansOutput {
   BpComposite BlockTitle(int32_t index) const;
   void EstimatesOutput(BpHeading& heading, const EmmeansData& emmeansData);
   void ContrastsOutput(BpHeading& heading, const EmmeansData& emmeansData);
+  /// The table of contrasts, still open; none when its data contradict each other.
+  std::optional<BpPivotTable> ContrastTable(BpHeading& heading, const EmmeansData& emmeansData);
   void OverallTestsOutput(BpHeading& heading, const EmmeansData& emmeansData);
 
   std::string EmmeansEffectText(const EffectStruct& effect) const;

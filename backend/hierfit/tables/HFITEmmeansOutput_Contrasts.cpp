@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "backend/hierfit/charts/HFITChartOutput.h"
 #include "backend/hierfit/tables/CellText.h"
 #include "backend/hierfit/tables/HFITEmmeansOutput.h"
 #include "backend/hierfit/tables/TableShape.h"
@@ -67,6 +68,12 @@ void WriteColumns(BpGroup& group,
   }
 }
 
+/// The names of the kind of the contrasts; null for a kind that has no table.
+const ContrastNames* NamesOf(const EmmeansContrastData& contrasts) {
+  const auto kind = static_cast<std::size_t>(contrasts.fContrastKind);
+  return kind < std::size(kContrastNames) ? &kContrastNames[kind] : nullptr;
+}
+
 /// The key of the first line of an adjusted caption; null when the adjustment has but one line or
 /// none.
 const char* SequentialKey(int32_t adjustment) {
@@ -127,28 +134,36 @@ BpComposite HFITEmmeansOutput::ContrastLabel(const EmmeansContrastData& contrast
 
 void HFITEmmeansOutput::ContrastsOutput(BpHeading& heading, const EmmeansData& emmeansData) {
   const EmmeansContrastData& contrasts = emmeansData.fContrasts;
-  const std::size_t nFactor = contrasts.fvCoordinates.size();
-  const auto kind = static_cast<std::size_t>(contrasts.fContrastKind);
-  if (nFactor == 0 || kind >= std::size(kContrastNames)) return;
+  if (contrasts.fvCoordinates.empty() || NamesOf(contrasts) == nullptr) return;
   if (HasWarning(emmeansData.fvWarningList, kNoContrasts)) {
     ReportBlock(Key("EMMEANS"), emmeansData, kNoContrasts);
     return;
   }
+  // The table stays open until its chart is sent, which shows what there is without a table, too.
+  const std::optional<BpPivotTable> table = ContrastTable(heading, emmeansData);
+  HFITChartOutput chart(fpProcedure, fpDataSource, fpHFITOutputStats);
+  chart.ContrastChartOutput(emmeansData);
+}
+
+std::optional<BpPivotTable> HFITEmmeansOutput::ContrastTable(BpHeading& heading,
+                                                             const EmmeansData& emmeansData) {
+  const EmmeansContrastData& contrasts = emmeansData.fContrasts;
+  const ContrastNames& names = *NamesOf(contrasts);
+  const std::size_t nFactor = contrasts.fvCoordinates.size();
   const std::size_t nEffect = SpecOf(emmeansData).fFactors.fvVarIndices.size();
   std::vector<VELT_Variable*> others;
   VELT_Variable* compared = nullptr;
-  if (!(nFactor >= 2 && nEffect + 1 == nFactor) || !IsConsistent(contrasts)) return;
-  if (!FindContrastVariables(emmeansData, others, compared)) return;
+  if (!(nFactor >= 2 && nEffect + 1 == nFactor) || !IsConsistent(contrasts)) return {};
+  if (!FindContrastVariables(emmeansData, others, compared)) return {};
 
-  BpPivotTable table = heading.PivotTable(Key(kContrastNames[kind].table), Text("Contrasts"), true);
+  BpPivotTable table = heading.PivotTable(Key(names.table), Text("Contrasts"), true);
   CaptionOfAdjustment(table);
   std::vector<BpDimension> factors;
   for (std::size_t k = 0; k < others.size(); ++k) {
     factors.push_back(AddFactor(table, others[k], static_cast<int32_t>(nEffect - k)));
   }
   BpDimension pairs = table.Dimension(
-      KeyWith(kContrastNames[kind].dimension, BpVariable(compared, kVariableInNote)),
-      kInOrderOfAppearance);
+      KeyWith(names.dimension, BpVariable(compared, kVariableInNote)), kInOrderOfAppearance);
   BpDimension statistics = AddDimension(table, Key("Statistics"), kColumns, 1, Shown::LabelsAlone);
 
   const BpComposite intervalTitle = ConfidenceHeading(kConfidenceInterval, *fpBuildSettings);
@@ -161,4 +176,5 @@ void HFITEmmeansOutput::ContrastsOutput(BpHeading& heading, const EmmeansData& e
     BpGroup interval = GroupOf(statistics, intervalTitle);
     WriteColumns(interval, kBounds, contrasts, row);
   }
+  return table;
 }

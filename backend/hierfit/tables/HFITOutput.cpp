@@ -1,6 +1,7 @@
 // The order of all output.
 #include "backend/hierfit/tables/HFITOutput.h"
 
+#include "backend/hierfit/charts/HFITChartOutput.h"
 #include "backend/hierfit/tables/HFITEmmeansOutput.h"
 #include "backend/hierfit/tables/HFITParamEstimatesOutput.h"
 
@@ -15,12 +16,17 @@ HFITOutput::HFITOutput(BpProcedure* procedure,
 void HFITOutput::WriteAll() {
   ModelSummaryOutput();
   DataStructureOutput();
+  HFITChartOutput charts(fpProcedure, fpDataSource, fpHFITOutputStats);
+  charts.PredictedByObservedOutput();
   ClassificationOutput();
   HFITParamEstimatesOutput paramEstimates(fpProcedure, fpDataSource, fpHFITOutputStats);
   paramEstimates.FixedEffectsOutput();
+  charts.FixedEffectsDiagramOutput();
   paramEstimates.FixedCoefficientsOutput();
+  charts.FixedCoefficientsDiagramOutput();
   paramEstimates.RandomEffectCovariancesOutput();
   paramEstimates.CovarianceParametersOutput();
+  charts.EmmeansChartsOutput();
   HFITEmmeansOutput emmeans(fpProcedure, fpDataSource, fpHFITOutputStats);
   emmeans.EmmeansOutput();
 }
