@@ -43,6 +43,16 @@ void split(std::string_view text, char divider, Visit visit) {
   }
 }
 
+/// The bytes of the first part that a word may be divided into; all of them when it has one part.
+size_t first_piece(std::string_view word) {
+  for (size_t at = 1; at < word.size(); ++at) {
+    const bool opens = std::string_view("([{").find(word[at]) != std::string_view::npos;
+    const bool behind = std::string_view("*/=,;:|+&").find(word[at - 1]) != std::string_view::npos;
+    if (opens || behind) return at;
+  }
+  return word.size();
+}
+
 /// Fills lines with words.
 class Wrapper {
  public:
@@ -61,7 +71,19 @@ class Wrapper {
     if (used_ + gap + width <= width_) return append(gap, word, width);
     if (!line_.empty()) end_line();
     if (width <= width_) return append(0, word, width);
-    break_word(word);
+    while (!word.empty()) {
+      const size_t bytes = first_piece(word);
+      add_piece(word.substr(0, bytes));
+      word.remove_prefix(bytes);
+    }
+  }
+
+  void add_piece(std::string_view piece) {
+    const size_t width = display_width(piece);
+    if (used_ + width <= width_) return append(0, piece, width);
+    if (width > width_) return break_piece(piece);
+    end_line();
+    append(0, piece, width);
   }
 
   void append(size_t gap, std::string_view word, size_t width) {
@@ -69,13 +91,13 @@ class Wrapper {
     used_ += gap + width;
   }
 
-  void break_word(std::string_view word) {
-    while (!word.empty()) {
-      const Character next = first_character(word);
+  void break_piece(std::string_view piece) {
+    while (!piece.empty()) {
+      const Character next = first_character(piece);
       if (used_ + next.width > width_) end_line();
-      line_.append(word.substr(0, next.bytes));
+      line_.append(piece.substr(0, next.bytes));
       used_ += next.width;
-      word.remove_prefix(next.bytes);
+      piece.remove_prefix(next.bytes);
     }
   }
 
@@ -138,6 +160,19 @@ size_t longest_word(std::string_view text) {
   return longest(text, [](std::string_view line) {
     size_t width = 0;
     split(line, ' ', [&](std::string_view word) { width = std::max(width, display_width(word)); });
+    return width;
+  });
+}
+
+size_t longest_piece(std::string_view text) {
+  return longest(text, [](std::string_view line) {
+    size_t width = 0;
+    split(line, ' ', [&](std::string_view word) {
+      for (size_t bytes = 0; !word.empty(); word.remove_prefix(bytes)) {
+        bytes = first_piece(word);
+        width = std::max(width, display_width(word.substr(0, bytes)));
+      }
+    });
     return width;
   });
 }

@@ -34,10 +34,8 @@ void append_repeated(std::string& out, std::string_view piece, size_t times) {
 }  // namespace
 
 void TextTable::write() {
-  measure_stubs();
-  measure_columns();
+  const std::vector<Block> blocks = fit();
   write_title();
-  const std::vector<Block> blocks = fold();
   for (const Block& block : blocks) {
     if (block.begin > 0) write_continuation();
     write_block(block);
@@ -109,10 +107,10 @@ void TextTable::place_columns(const Block& block) {
   size_t at = stub_width_;
   for (uint32_t c = block.begin; c < block.end; ++c) {
     starts_.push_back(at);
-    at += columns_[c].width + kGap;
+    at += columns_[c].width + gap_;
   }
   starts_.push_back(at);
-  const size_t end = at >= kGap ? at - kGap : at;
+  const size_t end = at >= gap_ ? at - gap_ : at;
   rule_width_ = std::max(end, std::min<size_t>(limit_, kNarrowestStub * 2));
 }
 
@@ -158,7 +156,7 @@ std::vector<TextTable::BlockHead> TextTable::stub_heads() const {
                        .at_start = true,
                        .lines = wrapped(title, stub_widths_[s])});
     }
-    start += stub_widths_[s] + kGap;
+    start += stub_widths_[s] + gap_;
   }
   return heads;
 }
@@ -173,12 +171,14 @@ std::vector<TextTable::BlockHead> TextTable::heads_ending_at(uint32_t level,
     const std::string label = label_of(head);
     if (label.empty()) continue;
     const size_t start = starts_[begin - block.begin];
-    const size_t width = starts_[end - block.begin] - kGap - start;
+    const size_t width = starts_[end - block.begin] - gap_ - start;
     heads.push_back({.start = start,
                      .width = width,
                      .at_start = end - begin == 1 && cells_.columns[begin].mixed,
                      .lines = wrapped(label, width)});
   }
+  // Heads that reach down from different rows come by the row that they begin in.
+  std::ranges::sort(heads, {}, &BlockHead::start);
   return heads;
 }
 

@@ -28,7 +28,7 @@ void TextTable::write_lines(const Block& block) {
 }
 
 void TextTable::take_side(const Head& head) {
-  const size_t indent = std::min(kGap * head.indent, stub_widths_[head.level] / 2);
+  const size_t indent = std::min(kIndent * head.indent, stub_widths_[head.level] / 2);
   sides_[head.level] = {.lines = wrapped(label_of(head), stub_widths_[head.level] - indent),
                         .last_line = head.first + head.span - 1,
                         .indent = indent};
@@ -42,14 +42,14 @@ void TextTable::write_sides(size_t stubs) {
       line_.go_to(start + side.indent);
       line_.add(side.lines[side.next++]);
     }
-    start += stub_widths_[s] + kGap;
+    start += stub_widths_[s] + gap_;
   }
 }
 
 void TextTable::write_group(const Head& group) {
-  size_t start = kGap * group.indent;
+  size_t start = kIndent * group.indent;
   for (uint32_t s = 0; s < group.level; ++s)
-    start += stub_widths_[s] + kGap;
+    start += stub_widths_[s] + gap_;
   const size_t width = rule_width_ > start + kNarrowestStub ? rule_width_ - start : kNarrowestStub;
   for (const std::string& text : wrapped(label_of(group), width)) {
     write_sides(group.level);

@@ -15,7 +15,7 @@
 
 namespace hierfit::report::text {
 
-inline constexpr size_t kGap = 2;
+inline constexpr size_t kIndent = 2;  // of what a group encloses
 inline constexpr size_t kNarrowestStub = 12;
 inline constexpr size_t kUnlimited = std::numeric_limits<size_t>::max() / 4;
 
@@ -57,8 +57,17 @@ struct Column {
   size_t whole = 0;  ///< columns of the display ahead of the decimal mark
   size_t right = 0;  ///< behind the digits ahead of it: mark, fraction, tail
   size_t marks = 0;  ///< of the widest note marks
+  size_t cells = 1;  ///< of the widest cell
   size_t width = 1;
   size_t numbers() const { return whole + right + marks; }
+};
+
+/// How close the parts of a table stand.
+struct Density {
+  bool tight_heads = false;     ///< heads of one column wrap wherever they may
+  bool tight_spanners = false;  ///< heads over several columns do
+  size_t gap = 2;               ///< blanks between columns
+  bool wraps_stubs = false;     ///< row labels wrap; their columns take the room that is left
 };
 
 /// Writes a table from its title to its last note.
@@ -89,14 +98,29 @@ class TextTable {
 
   // Widths.
 
-  void measure_stubs();
+  /// Finds the loosest density at which the table fits, else the loosest that folds it into the
+  /// fewest blocks.
+  std::vector<Block> fit();
+  /// Sets all widths. Whether the columns then stand beside one another within the limit.
+  bool fits_at(const Density& density);
 
-  /// Makes the widest stub columns narrower until all of them take two fifths of the width.
-  void shrink_stubs();
-  void measure_columns();
+  void measure_labels();
+  size_t stub_width(size_t stub, bool tight_heads) const;
+  /// Makes the widest stub columns narrower until all of them together are as wide as allowed.
+  void shrink_stubs(size_t allowed);
+  size_t stub_floor() const;
+  void measure_cells();
   void measure_cell(size_t index);
   size_t text_limit() const;
-  void make_room(const Head& head);
+  /// Gives what a table lacks of the limit to the titles of its stubs and to its spanners.
+  void spend(size_t spare);
+  void make_room(const Head& head, const Density& density);
+  void widen_columns(const Head& head, size_t more);
+  size_t width_of(uint32_t begin, uint32_t end) const;
+  /// By column: whether it stays with the one ahead of it, under a head that fits into a block.
+  std::vector<bool> glued() const;
+  /// Gives the labels the room that the widest block leaves.
+  void widen_stubs(const std::vector<Block>& blocks, bool tight_heads);
   std::vector<Block> fold() const;
 
   // Writing.
@@ -153,6 +177,8 @@ class TextTable {
   size_t limit_;
   TableLayout layout_;
   AlignedCells cells_;
+  size_t gap_ = 2;
+  std::vector<size_t> label_widths_;  // of the stub columns, by the labels that do not wrap
   std::vector<size_t> stub_widths_;
   size_t stub_width_ = 0;  // of all stub columns, with the gaps behind them
   std::vector<Column> columns_;

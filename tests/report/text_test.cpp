@@ -18,6 +18,20 @@ std::string text_of(TableBuilder builder, size_t width) {
   return report::render_text(document, {.width = width});
 }
 
+/// The same table at several widths.
+std::vector<std::string> texts_of(TableBuilder builder, std::initializer_list<size_t> widths) {
+  output::Document document;
+  document.content.items.emplace_back(builder.take());
+  std::vector<std::string> texts;
+  for (size_t width : widths)
+    texts.push_back(report::render_text(document, {.width = width}));
+  return texts;
+}
+
+bool has(const std::string& text, std::string_view part) {
+  return text.find(part) != std::string::npos;
+}
+
 size_t widest_line(const std::string& text) { return report::text::longest_line(text); }
 
 }  // namespace
@@ -55,10 +69,38 @@ TEST_CASE("text tables") {
       rows += line.starts_with("row") ? 1 : 0;
     CHECK(rows == 3);
   }
-  SUBCASE("give long labels further lines") {
+  SUBCASE("are folded between the groups of their columns, with each head over its column") {
+    for (const std::string group : {"First group", "Second group"}) {
+      builder.cell({{"row"}, {group, "Lower"}}, coefficient(-1234.5));
+      builder.cell({{"row"}, {group, "Upper"}}, coefficient(1234.5));
+      builder.cell({{"row"}, {"after " + group}}, coefficient(123.25));
+    }
+    const std::string text = text_of(std::move(builder), 36);
+    CAPTURE(text);
+    CHECK(has(text,
+              "         First group\n"
+              "     ───────────────────\n"
+              "                           after\n"
+              "                           First\n"
+              "Row    Lower     Upper     group\n"));
+    CHECK(has(text, "        Second group\n"));
+  }
+  SUBCASE("wrap their heads before their labels, and their labels before they are folded") {
+    builder.cell({{"a label"}, {"Std. error of x"}}, count(1));
+    builder.cell({{"a label"}, {"Exp(coefficient)"}}, count(2));
+    const std::vector<std::string> texts = texts_of(std::move(builder), {50, 30, 20});
+    CAPTURE(texts[0]);
+    CAPTURE(texts[1]);
+    CHECK(has(texts[0], "Std. error of\nRow            x         Exp(coefficient)\n"));
+    CHECK(has(texts[1], "error       Exp\nRow      of x   (coefficient)\n"));
+    CHECK(has(texts[2], "Table 1 (continued)\n"));
+  }
+  SUBCASE("give long labels further lines when there is no room") {
     builder.cell({{"a label of several words"}, {"x"}}, count(1)).cell({{"b"}, {"x"}}, count(2));
-    const std::string text = text_of(std::move(builder), 30);
-    CHECK(text.find("a label of    1\nseveral\nwords\nb             2\n") != std::string::npos);
+    const std::vector<std::string> texts = texts_of(std::move(builder), {30, 25});
+    CHECK(has(texts[0], "a label of several words  1\n"));
+    CAPTURE(texts[1]);
+    CHECK(has(texts[1], "a label of several      1\nwords\nb                       2\n"));
   }
 }
 
