@@ -1,5 +1,7 @@
 #include "embedded/chart/style.h"
 
+#include <ranges>
+
 #include "embedded/session_state.h"
 
 namespace hierfit::chart {
@@ -12,10 +14,11 @@ void apply_style(Element& chart) {
 void translate(Element& chart) {
   const Session::State* state = state_of_thread();
   if (state == nullptr) return;
-  for (Element* element : elements_of(chart)) {
-    const std::string* key = element->attribute("key");
-    if (key == nullptr) continue;
-    element->set_text(state->strings.text(*key));
+  std::vector<Element*> elements = elements_of(chart);
+  std::erase_if(elements, [](const Element* each) { return each->attribute("key") == nullptr; });
+  // The text takes the place of what an element holds, so the inner ones come first.
+  for (Element* element : std::views::reverse(elements)) {
+    element->set_text(state->strings.text(element->value("key")));
     element->remove("key");
   }
 }
