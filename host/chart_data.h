@@ -6,7 +6,7 @@
 #include <string>
 
 /// A caller's local record of one variable, filled by `AddVariable`.
-struct _varinfo {
+struct _varinfo {  // NOLINT(bugprone-reserved-identifier): the name that callers know
   int32_t source = -1;
   int32_t variable = -1;
 };

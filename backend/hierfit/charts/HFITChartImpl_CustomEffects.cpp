@@ -62,7 +62,7 @@ void LabelFirstFactor(XVariable* chartVariable, VELT_Variable* variable) {
 
 void LabelFactors(XDocument& document, const std::vector<VELT_Variable*>& variables) {
   XGraph* graph = document.getExternalGraph();
-  if (variables.size() >= 1) LabelFirstFactor(graph->getVariable("effect1", 0), variables[0]);
+  if (!variables.empty()) LabelFirstFactor(graph->getVariable("effect1", 0), variables[0]);
   if (variables.size() >= 2) Relabel(graph->getVariable("effect2", 0), variables[1]);
   if (variables.size() >= 3) RelabelWithPrefix(graph->getVariable("effect3", 0), variables[2]);
 }
