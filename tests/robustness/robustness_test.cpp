@@ -1,0 +1,76 @@
+// No document crashes the command, hangs it, or gets markup into a report.
+#include <algorithm>
+#include <chrono>
+#include <doctest/doctest.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sys/wait.h>
+
+#include "report/report.h"
+#include "tests/robustness/hostile_documents.h"
+
+using namespace hierfit;
+using namespace hierfit::test;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kMostSeconds = 120;  // with sanitizers, on a busy machine
+
+std::string text_of(const fs::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void write(const fs::path& file, const std::string& text) {
+  std::ofstream(file, std::ios::binary) << text;
+}
+
+struct Outcome {
+  int status = -1;
+  std::string errors;
+  std::string page;
+};
+
+/// Runs the command on files of its own; it ends by itself, or is ended.
+Outcome run_command(const DocumentFiles& files) {
+  const fs::path folder = HIERFIT_BINARY_DIR "/robustness-test";
+  fs::remove_all(folder);
+  fs::create_directories(folder);
+  write(folder / "model.pmml", files.model);
+  write(folder / "result.xml", files.result);
+  const std::string command = "cd " + folder.string() + " && timeout " +
+                              std::to_string(kMostSeconds) +
+                              " " HIERFIT_BINARY_DIR
+                              "/bin/hierfit --quiet model.pmml result.xml -o r.html -o r.txt "
+                              "-o r.json 2>errors";
+  const int status = std::system(command.c_str());
+  Outcome outcome{WIFEXITED(status) ? WEXITSTATUS(status) : -1, text_of(folder / "errors"),
+                  text_of(folder / "r.html")};
+  fs::remove_all(folder);
+  return outcome;
+}
+
+}  // namespace
+
+TEST_CASE("the command and hostile documents") {
+  for (const HostileCase& item : hostile_cases()) {
+    CAPTURE(item.what);
+    const Outcome outcome = run_command(item.files);
+    CAPTURE(outcome.errors);
+    CHECK(outcome.status == (item.reads ? 0 : 1));
+    CHECK(std::ranges::count(outcome.errors, '\n') == (item.reads ? 0 : 1));
+    CHECK(outcome.page.empty() == !item.reads);
+    CHECK(outcome.page.find("<img") == std::string::npos);
+  }
+}
+
+TEST_CASE("values that are none, out of range or too large") {
+  for (const DocumentFiles& files : altered_documents()) {
+    const TableRun left = run(files, "en");
+    for (const report::Form& form : report::kForms)
+      CHECK_FALSE(form.render(left.document, {}).empty());
+  }
+}
