@@ -1,6 +1,7 @@
 // The charts of the fit: predicted by observed, the two diagrams and the histogram in them.
 #include <doctest/doctest.h>
 
+#include "embedded/session_state.h"
 #include "tests/backend/chart_calls.h"
 
 using namespace hierfit;
@@ -258,11 +259,28 @@ TEST_CASE("the histogram tells the target's distribution") {
   }
 }
 
-TEST_CASE("without a field of the target a diagram has no histogram") {
+TEST_CASE("what keeps the histogram away leaves the diagram") {
   ChartRun run;
-  run.reading.store.SetMetaData(nullptr);
+  REQUIRE(holds(effects_diagram(run).document(1), "<embedded"));
+  std::size_t asked = 0;
+  SUBCASE("no metadata") { run.reading.store.SetMetaData(nullptr); }
+  SUBCASE("no field of the target") { run.settings().fTargetIndex = 99; }
+  SUBCASE("an editor that throws") {
+    state_of_thread()->editor.embedding_throws = true;
+    asked = 1;
+  }
   const ChartCalls calls = effects_diagram(run);
-  CHECK(calls.count("GlyphEditor::EmbedHistogramInGraph") == 0);
+  CHECK(calls.count("GlyphEditor::EmbedHistogramInGraph") == asked);
+  CHECK(calls.count("VeltJVM::AttachCurrentThread") == asked);
+  CHECK_FALSE(holds(calls.document(1), "<embedded"));
+  CHECK(calls.count("XDocument::SendChart") == 1);
+}
+
+TEST_CASE("a machine that does not start is asked once a diagram") {
+  ChartRun run;
+  state_of_thread()->editor.machine_can_start = false;
+  const ChartCalls calls = effects_diagram(run);
+  CHECK(calls.count("VeltJVM::StartJVM") == 1);
   CHECK(calls.count("VeltJVM::AttachCurrentThread") == 0);
   CHECK(calls.count("XDocument::SendChart") == 1);
 }
