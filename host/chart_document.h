@@ -98,7 +98,9 @@ class XGraph {
   ~XGraph() = default;
 };
 
-/// A chart document. Every operation may throw; a document that cannot be read throws when made.
+/// A chart document. Every operation may throw; a document that cannot be read throws when made. A
+/// text of blanks alone, such as that of a template file that is not there, makes a document of
+/// nothing: it delivers nothing.
 class XDocument {
  public:
   explicit XDocument(const std::string& xml);
