@@ -18,8 +18,9 @@ namespace {
 /// would double the file.
 constexpr size_t kMostCellsWithHeaders = 20000;
 
-/// From this many body lines on the browser may put off laying the table out until it is near.
-constexpr size_t kManyLines = 1000;
+/// A table of more body lines than this is written in pieces of half as many.
+constexpr uint32_t kManyLines = 1000;
+constexpr uint32_t kPieceLines = kManyLines / 2;
 
 /// From this many columns on the row heads stay in view while the table scrolls sideways.
 constexpr uint32_t kManyColumns = 6;
@@ -48,7 +49,17 @@ HtmlTable::HtmlTable(std::string& out,
 }
 
 void HtmlTable::write() {
-  out_ += is_long() ? "<div class=\"scroll many" : "<div class=\"scroll";
+  next_head_ = layout_.row_heads.begin();
+  side_.assign(layout_.stubs.size(), {});
+  do {
+    piece_begin_ = piece_end_;
+    piece_end_ = is_long() ? std::min(piece_begin_ + kPieceLines, lines()) : lines();
+    write_piece();
+  } while (piece_end_ < lines());
+}
+
+void HtmlTable::write_piece() {
+  out_ += is_long() ? "<div class=\"scroll piece" : "<div class=\"scroll";
   out_ += "\" tabindex=\"0\" role=\"region\" aria-labelledby=\"";
   append_id();
   out_ += "\">\n<table";
@@ -58,16 +69,15 @@ void HtmlTable::write() {
   write_column_widths();
   write_head();
   write_body();
-  write_foot();
+  if (piece_end_ == lines()) write_foot();
   out_ += "</table>\n</div>\n";
-  if (is_long()) out_ += "<div class=\"end\"></div>\n";
 }
 
 uint32_t HtmlTable::all_columns() const {
   return static_cast<uint32_t>(layout_.stubs.size()) + std::max(layout_.columns, 1U);
 }
 
-bool HtmlTable::is_long() const { return layout_.lines.size() >= kManyLines; }
+bool HtmlTable::is_long() const { return lines() > kManyLines; }
 
 bool HtmlTable::has_stub_titles() const {
   return std::ranges::any_of(layout_.stubs, [this](uint32_t d) { return titled(d); });
@@ -92,7 +102,7 @@ void HtmlTable::append_id(char part, uint32_t index) {
 void HtmlTable::name_heads() {
   const bool simple = layout_.head_rows < 2 && layout_.stubs.size() < 2 &&
                       layout_.lines.size() == size_t{layout_.rows};
-  named_ = !simple && layout_.placed.size() <= kMostCellsWithHeaders;
+  named_ = !simple && !is_long() && layout_.placed.size() <= kMostCellsWithHeaders;
   if (!named_) return;
   column_names_.resize(layout_.columns);
   std::string name;
@@ -121,10 +131,17 @@ const output::Text* HtmlTable::label_of(const Head& head) const {
 }
 
 void HtmlTable::write_caption() {
+  const std::string number = std::to_string(number_);
+  if (piece_begin_ > 0) {
+    out_ += "<caption><span><b>";
+    append_escaped(out_, filled(document_.word("Table ^1 (continued)"), number));
+    out_ += "</b></span></caption>\n";
+    return;
+  }
   out_ += "<caption id=\"";
   append_id();
   out_ += "\"><span><b>";
-  append_escaped(out_, filled(document_.word("Table ^1"), std::to_string(number_)));
+  append_escaped(out_, filled(document_.word("Table ^1"), number));
   out_ += "</b><br><i>";
   append_text(out_, table_.title, style_);
   out_ += "</i>";

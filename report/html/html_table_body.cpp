@@ -44,13 +44,11 @@ void HtmlTable::write_body() {
     out_ += "</td></tr></tbody>\n";
     return;
   }
-  side_.assign(layout_.stubs.size(), {});
   out_ += "<tbody>\n";
-  auto head = layout_.row_heads.begin();
-  for (uint32_t line = 0; line < layout_.lines.size(); ++line) {
-    const bool starts = head != layout_.row_heads.end() && starts_block(*head, line);
-    if (starts && line > 0) out_ += "</tbody>\n<tbody>\n";
-    write_line(line, head);
+  for (uint32_t line = piece_begin_; line < piece_end_; ++line) {
+    const bool starts = next_head_ != layout_.row_heads.end() && starts_block(*next_head_, line);
+    if (starts && line > piece_begin_) out_ += "</tbody>\n<tbody>\n";
+    write_line(line);
   }
   out_ += "</tbody>\n";
 }
@@ -63,14 +61,19 @@ bool HtmlTable::starts_block(const Head& head, uint32_t line) {
   return starts;
 }
 
-void HtmlTable::write_line(uint32_t line, std::vector<Head>::iterator& head) {
+void HtmlTable::write_line(uint32_t line) {
   const bool of_group = layout_.lines[line] == kNone;
   out_ += of_group ? "<tr class=\"g\">" : "<tr>";
-  for (; head != layout_.row_heads.end() && head->first == line; ++head)
-    write_row_head(*head);
-  repeat_long_heads(line);
+  if (line == piece_begin_ && line > 0) repeat_heads();
+  for (; next_head_ != layout_.row_heads.end() && next_head_->first == line; ++next_head_) {
+    write_row_head(*next_head_);
+  }
   if (!of_group) write_cells(layout_.lines[line]);
   out_ += "</tr>\n";
+}
+
+uint32_t HtmlTable::lines_left(const Head& head, uint32_t line) const {
+  return std::min(head.first + head.span, piece_end_) - line;
 }
 
 void HtmlTable::write_row_head(const Head& head) {
@@ -79,14 +82,14 @@ void HtmlTable::write_row_head(const Head& head) {
   const bool group = head.kind == HeadKind::Group;
   if (label == nullptr && !group) {
     out_ += "<td class=\"t\"";
-    append_span(out_, "rowspan", std::min(head.span, kMostRows));
+    append_span(out_, "rowspan", lines_left(head, head.first));
     out_ += "></td>";
     return;
   }
   out_ += group || head.span > 1 ? "<th scope=\"rowgroup\"" : "<th scope=\"row\"";
   write_row_head_class(head);
   if (group) append_span(out_, "colspan", std::min(all_columns() - head.level, kMostColumns));
-  append_span(out_, "rowspan", std::min(head.span, kMostRows));
+  append_span(out_, "rowspan", lines_left(head, head.first));
   if (named_) {
     out_ += " id=\"";
     append_id('r', static_cast<uint32_t>(&head - layout_.row_heads.data()));
@@ -108,17 +111,13 @@ void HtmlTable::write_row_head_class(const Head& head) {
   }
 }
 
-void HtmlTable::repeat_long_heads(uint32_t line) {
+void HtmlTable::repeat_heads() {
   for (const Side& side : side_) {
-    if (side.head == nullptr || line == side.head->first) continue;
-    const uint32_t done = line - side.head->first;
-    if (done >= side.head->span || done % kMostRows != 0) continue;
+    if (side.head == nullptr || piece_begin_ >= side.head->first + side.head->span) continue;
     out_ += "<th scope=\"rowgroup\"";
-    append_span(out_, "rowspan", std::min(side.head->span - done, kMostRows));
+    append_span(out_, "rowspan", lines_left(*side.head, piece_begin_));
     out_ += '>';
-    if (const output::Text* label = label_of(*side.head)) {
-      append_text(out_, *label, style_);
-    }
+    if (const output::Text* label = label_of(*side.head)) append_text(out_, *label, style_);
     out_ += "</th>";
   }
 }

@@ -13,7 +13,6 @@ namespace hierfit::report::html {
 
 /// What HTML lets a cell cover.
 inline constexpr uint32_t kMostColumns = 1000;
-inline constexpr uint32_t kMostRows = 65534;
 
 /// The width that stands right of the decimal mark, in halves of a digit's width. The style sheet
 /// gives an exponent of n characters n + 1/2 digits; the mark is as wide as half a digit, a percent
@@ -30,8 +29,11 @@ class HtmlTable {
   void write();
 
  private:
-  uint32_t all_columns() const;
+  /// One of the tables that a long table is written as: a browser lays out only those in view.
+  void write_piece();
+  uint32_t lines() const { return static_cast<uint32_t>(layout_.lines.size()); }
   bool is_long() const;
+  uint32_t all_columns() const;
   bool has_stub_titles() const;
   bool titled(uint32_t dimension) const;
   void append_id();
@@ -60,14 +62,16 @@ class HtmlTable {
   /// A `scope="rowgroup"` head reaches to the end of its `tbody`, so each outermost one begins one;
   /// and what follows it at its own height does, too.
   bool starts_block(const Head& head, uint32_t line);
-  void write_line(uint32_t line, std::vector<Head>::iterator& head);
+  void write_line(uint32_t line);
   void write_row_head(const Head& head);
 
   /// "i" and the depth of the indent; "n" in a stub column inside another.
   void write_row_head_class(const Head& head);
 
-  /// A head that covers more lines than HTML allows is written again where its cell ends.
-  void repeat_long_heads(uint32_t line);
+  /// A head that goes on in a further piece is written again there.
+  void repeat_heads();
+  /// How many lines a head covers from `line` on, within the piece.
+  uint32_t lines_left(const Head& head, uint32_t line) const;
 
   /// Keeps the heads that the coming cells stand beside.
   void remember(const Head& head);
@@ -110,8 +114,11 @@ class HtmlTable {
   bool named_ = false;            // whether heads have ids and cells name them
   std::vector<std::string> column_names_;
   std::string row_names_;
-  std::vector<Side> side_;  // by stub column
-  bool in_block_ = false;   // whether the open `tbody` belongs to one head
+  std::vector<Side> side_;                 // by stub column
+  bool in_block_ = false;                  // whether the open `tbody` belongs to one head
+  std::vector<Head>::iterator next_head_;  // of the row heads
+  uint32_t piece_begin_ = 0;
+  uint32_t piece_end_ = 0;
 };
 
 }  // namespace hierfit::report::html
