@@ -12,8 +12,8 @@ namespace {
 using namespace hierfit;
 using journal::Journal;
 
-constexpr journal::Id kMachine{"VeltJVM", 0};
-constexpr journal::Id kEditor{"GlyphEditor", 0};
+constexpr journal::Id kMachine{"VeltJVM", 1};
+constexpr journal::Id kEditor{"GlyphEditor", 1};
 
 Journal* journal_of_thread() {
   const Session::State* state = state_of_thread();

@@ -98,7 +98,7 @@ TEST_CASE("the machine starts once a session, unless it is told to fail") {
     const std::string journal = session.journal();
     const size_t line = journal.find(R"({"call":"GlyphEditor::EmbedHistogramInGraph")");
     REQUIRE(line != std::string::npos);
-    CHECK(journal.find(R"("on":"GlyphEditor","args":["g","h",)", line) != std::string::npos);
+    CHECK(journal.find(R"("on":"GlyphEditor#1","args":["g","h",)", line) != std::string::npos);
     CHECK(journal.substr(journal.find('\n', line) - 4).starts_with(",3]}\n"));
   }
 }
