@@ -1,5 +1,5 @@
-# Writes the source that embeds report.css and report.js, with their digests:
-# cmake -DSTYLE=... -DSCRIPT=... -DOUTPUT=... -P embed.cmake
+# Writes the source that embeds the style sheets, one behind the other, and the script, with their
+# digests: cmake -DSTYLE=...,... -DSCRIPT=... -DOUTPUT=... -P embed.cmake
 
 # The base 64 form of the SHA-256 digest of a file.
 function(digest_of file result)
@@ -29,9 +29,17 @@ function(embed name file result)
   set(${result} "const Asset ${name} = {R\"_asset_(${content})_asset_\", \"sha256-${digest}\"};\n" PARENT_SCOPE)
 endfunction()
 
-embed(kStyle ${STYLE} style)
+set(sheets "")
+string(REPLACE "," ";" STYLE "${STYLE}")
+foreach(sheet ${STYLE})
+  file(READ ${sheet} content)
+  string(APPEND sheets "${content}")
+endforeach()
+file(WRITE ${OUTPUT}.css "${sheets}")
+
+embed(kStyle ${OUTPUT}.css style)
 embed(kScript ${SCRIPT} script)
-file(WRITE ${OUTPUT} "// Made from report.css and report.js.
+file(WRITE ${OUTPUT} "// Made from the style sheets and the script.
 #include \"report/html/assets.h\"
 
 namespace hierfit::report::html {

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "report/html/assets.h"
+#include "report/html/html_chart.h"
 #include "report/html/html_table.h"
 #include "report/html/markup.h"
 #include "report/report.h"
@@ -91,7 +92,7 @@ class HtmlReport {
     out_ += "\"></button>\n</header>\n";
   }
 
-  // The contents: the headings and the tables, nested as they lie.
+  // The contents: the headings, the tables and the charts, nested as they lie.
 
   void write_contents() {
     if (!has_entries(document_.content)) return;
@@ -137,6 +138,9 @@ class HtmlReport {
 
   void write_entry(const output::Chart& chart) {
     open_entry('c', ++charts_);
+    out_ += "<span>";
+    html::append_escaped(out_, filled(document_.word("Figure ^1"), std::to_string(charts_)));
+    out_ += "</span> ";
     html::append_escaped(out_, chart.title);
     out_ += "</a></li>\n";
   }
@@ -171,10 +175,7 @@ class HtmlReport {
   }
 
   void write_item(const output::Chart& chart, int) {
-    (out_ += "<figure id=\"c") += std::to_string(++charts_);
-    out_ += "\">\n<figcaption>";
-    html::append_escaped(out_, chart.title);
-    out_ += "</figcaption>\n</figure>\n";
+    html::append_chart(out_, document_, chart, ++charts_);
   }
 
   void write_item(const output::Message& message, int) {

@@ -1,0 +1,17 @@
+// A chart of the output document as a picture.
+#pragma once
+
+#include <string>
+
+#include "embedded/output/chart.h"
+#include "embedded/output/document.h"
+
+namespace hierfit::report {
+
+/// A chart as an SVG file with literal colours, titles and notes, laid out for `width` pixels.
+/// `document` gives the report's words and its way to write numbers.
+std::string render_svg(const output::Chart& chart,
+                       const output::Document& document,
+                       double width = 720);
+
+}  // namespace hierfit::report

@@ -1,0 +1,34 @@
+// Many points as a picture: the more of them in a place, the stronger its colour.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace hierfit::report::chart {
+
+/// Counts points in cells of two pixels.
+class DensityRaster {
+ public:
+  /// Room for `width` by `height` pixels.
+  DensityRaster(double width, double height);
+
+  void add(double x, double y, double weight);
+  double width() const { return static_cast<double>(columns_) * kCell; }
+  double height() const { return static_cast<double>(rows_) * kCell; }
+
+  /// A grey picture: black where nothing lies, white where most does, in between by the logarithm.
+  std::string png() const;
+
+ private:
+  static constexpr double kCell = 2;
+
+  size_t columns_;
+  size_t rows_;
+  std::vector<double> cells_;
+};
+
+/// A picture of 8-bit grey values, row by row, in PNG.
+std::string grey_png(size_t width, size_t height, const std::vector<unsigned char>& pixels);
+
+}  // namespace hierfit::report::chart

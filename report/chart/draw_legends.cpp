@@ -1,0 +1,272 @@
+// The legends: one below the other, the entries of each flow like words.
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+#include "report/chart/density.h"
+#include "report/chart/pieces.h"
+#include "report/chart/scale.h"
+
+namespace hierfit::report::chart {
+namespace {
+
+constexpr double kEntryGap = 18;
+constexpr double kSampleGap = 6;
+constexpr double kRowHeight = 19;
+constexpr size_t kMostEntries = 60;
+constexpr double kThickestEdge = 8;
+
+/// A legend's entry: what it looks like, drawn around the middle of a row, and what it means.
+struct Entry {
+  std::vector<Mark> sample;
+  double width = 14;
+  std::string text;
+};
+
+bool has_kind(const Binding& binding, RoleKind role, ElementKind kind) {
+  return std::ranges::any_of(binding.elements, [&](const BoundElement& element) {
+    return element[role] != nullptr && element.element->kind == kind;
+  });
+}
+
+bool has_bars(const Binding& binding) {
+  return std::ranges::any_of(binding.elements, [](const BoundElement& element) {
+    return element[RoleKind::Color] != nullptr && element.element->kind == ElementKind::Interval &&
+           !element.element->whisker;
+  });
+}
+
+std::vector<Mark> line_sample(Paint paint, double width, const std::string& dash) {
+  Mark mark = rule_mark({0, 0}, {28, 0}, paint, width);
+  mark.dash = dash;
+  return {std::move(mark)};
+}
+
+std::vector<Mark> bar_sample(Paint paint, const std::string& dash, Symbol symbol) {
+  Mark mark = rect_mark({0, -6, 20, 12}, paint);
+  mark.opacity = 0.25;
+  mark.stroke = paint;
+  mark.stroke_width = 1.25;
+  mark.dash = dash;
+  return {std::move(mark), symbol_mark({10, 0}, 3.5, symbol, paint)};
+}
+
+Entry color_entry(const Binding& binding, uint32_t step, const std::string& text) {
+  const Part palette = binding.colors.role->palette;
+  const Paint paint{palette, static_cast<uint8_t>(step % binding.plan.style.steps(palette))};
+  const std::string& dash = binding.plan.style.series(paint).dash;
+  if (has_kind(binding, RoleKind::Color, ElementKind::Edge)) {
+    return {line_sample(paint, 2.5, dash), 28, text};
+  }
+  if (has_bars(binding)) return {bar_sample(paint, dash, binding.symbol_of_step(step)), 20, text};
+  return {{symbol_mark({6, 0}, 4.5, binding.symbol_of_step(step), paint)}, 12, text};
+}
+
+std::vector<Entry> color_entries(const Binding& binding) {
+  std::vector<Entry> entries;
+  const auto& values = binding.colors.values.entries();
+  for (uint32_t step = 0; step < values.size(); ++step) {
+    if (values[step].occurs && !values[step].shown.empty()) {
+      entries.push_back(color_entry(binding, step, values[step].shown));
+    }
+  }
+  return entries;
+}
+
+std::vector<Entry> shape_entries(const Binding& binding) {
+  std::vector<Entry> entries;
+  const auto& values = binding.shapes.values.entries();
+  for (uint32_t i = 0; i < values.size(); ++i) {
+    if (!values[i].occurs) continue;
+    const std::vector<Level>& levels = binding.shapes.role->levels;
+    const Symbol symbol = i < levels.size() && levels[i].symbol
+                              ? *levels[i].symbol
+                              : static_cast<Symbol>(i % kSymbolNames.size());
+    // The frame is the target's, which says itself what it is.
+    if (symbol == Symbol::Frame) continue;
+    entries.push_back({{symbol_mark({6, 0}, 5.5, symbol, {Part::Text})}, 12, values[i].shown});
+  }
+  return entries;
+}
+
+/// The first variable bound to a role, or null.
+const ChartVariable* variable_of(const Binding& binding, RoleKind kind) {
+  for (const BoundElement& element : binding.elements) {
+    if (element[kind] != nullptr) return element[kind];
+  }
+  return nullptr;
+}
+
+/// The numbers to explain: those with labels that occur, from the greatest; else a few of the
+/// range.
+std::vector<double> values_to_show(const ChartVariable& variable) {
+  Range range;
+  std::map<double, bool, std::greater<>> labelled;
+  for (const double value : variable.values.numbers()) {
+    if (!is_number(value)) continue;
+    range.add(value);
+    if (labelled.size() < kMostEntries && variable.label_of(value) != nullptr)
+      labelled[value] = true;
+  }
+  std::vector<double> values;
+  for (const auto& [value, shown] : labelled)
+    values.push_back(value);
+  if (!values.empty() || range.empty) return values;
+  if (range.low == range.high) return {range.low};
+  values = ticks_of(range, 4).values;
+  if (values.size() < 2) values = {range.low, range.high};
+  return values;
+}
+
+std::vector<Entry> size_entries(const Binding& binding) {
+  std::vector<Entry> entries;
+  const ChartVariable* variable = variable_of(binding, RoleKind::Size);
+  if (variable == nullptr) return entries;
+  const LineWidths widths(binding, kThickestEdge);
+  for (const double value : values_to_show(*variable)) {
+    entries.push_back({line_sample({Part::Text}, widths.of(value), ""), 28,
+                       shown_number(*variable, value, binding.numbers)});
+  }
+  return entries;
+}
+
+bool is_raster(const Binding& binding) {
+  return std::ranges::any_of(binding.elements, [](const BoundElement& element) {
+    return element.element->kind == ElementKind::Point && element.rows() > kMostPoints;
+  });
+}
+
+/// A strip from few to many.
+std::vector<Entry> raster_entries(const Binding& binding) {
+  constexpr size_t kSteps = 60;
+  std::vector<unsigned char> greys(kSteps);
+  for (size_t i = 0; i < kSteps; ++i)
+    greys[i] = static_cast<unsigned char>(51 + 204 * i / (kSteps - 1));
+  std::vector<Entry> entries(2);
+  entries[0].text = binding.word("few");
+  entries[0].width = 0;
+  entries[1].sample.push_back(
+      image_mark({0, -6, 90, 12}, grey_png(kSteps, 1, greys), {Part::Mark}));
+  entries[1].width = 90;
+  entries[1].text = binding.word("many");
+  return entries;
+}
+
+std::vector<Entry> opacity_entries(const Binding& binding) {
+  const ChartVariable* variable = variable_of(binding, RoleKind::Transparency);
+  if (variable == nullptr) return {};
+  if (is_raster(binding)) return raster_entries(binding);
+  std::vector<Entry> entries;
+  const Opacity opacity(binding);
+  for (const double value : values_to_show(*variable)) {
+    Mark mark = circle_mark({6, 0}, 5, {Part::Mark});
+    mark.opacity = opacity.of(value);
+    mark.stroke = {Part::Mark};
+    entries.push_back({{std::move(mark)}, 12, shown_number(*variable, value, binding.numbers)});
+  }
+  return entries;
+}
+
+struct LegendType {
+  RoleKind role;
+  std::vector<Entry> (*entries)(const Binding&);
+};
+constexpr LegendType kLegendTypes[] = {
+    {RoleKind::Color, color_entries},
+    {RoleKind::Shape, shape_entries},
+    {RoleKind::Size, size_entries},
+    {RoleKind::Transparency, opacity_entries},
+};
+
+std::vector<Entry> entries_of(const Binding& binding, RoleKind role) {
+  for (const LegendType& type : kLegendTypes) {
+    if (type.role == role) return type.entries(binding);
+  }
+  return {};
+}
+
+/// Marks put one behind another, on a further row where the width ends.
+class Flow {
+ public:
+  Flow(const Binding& binding, double width)
+      : font_(binding.font(Lettering::LegendLabel)),
+        title_font_(binding.font(Lettering::LegendTitle)),
+        width_(width) {}
+
+  void title(const std::string& text) {
+    if (text.empty()) return;
+    const double room = width_ - 20;
+    bool cut = false;
+    const std::string line = fit_line(text, title_font_, room, &cut);
+    Mark mark = text_mark({0, baseline(title_font_)}, line, title_font_);
+    if (cut) mark.tooltip = text;
+    piece_.marks.push_back(std::move(mark));
+    x_ = text_width(line, title_font_) + kEntryGap;
+  }
+
+  void entry(Entry&& entry) {
+    bool cut = false;
+    const double gap = entry.sample.empty() ? 0 : kSampleGap;
+    const std::string line =
+        fit_line(entry.text, font_, std::max(width_ - entry.width - gap - 4, 40.0), &cut);
+    const double width = entry.width + gap + text_width(line, font_);
+    if (x_ > 0 && x_ + width > width_) next_row();
+    for (Mark& mark : entry.sample) {
+      shift(mark, x_, y_ + kRowHeight / 2);
+      piece_.marks.push_back(std::move(mark));
+    }
+    Mark text = text_mark({x_ + entry.width + gap, baseline(font_)}, line, font_);
+    if (cut) text.tooltip = entry.text;
+    piece_.marks.push_back(std::move(text));
+    x_ += width + kEntryGap;
+  }
+
+  void next_row() {
+    x_ = 0;
+    y_ += kRowHeight;
+  }
+
+  Piece take() {
+    piece_.width = width_;
+    piece_.height = y_;
+    return std::move(piece_);
+  }
+
+ private:
+  double baseline(const Font& font) const { return y_ + kRowHeight / 2 + font.size * 0.35; }
+
+  const Font& font_;
+  const Font& title_font_;
+  double width_;
+  double x_ = 0;
+  double y_ = 0;
+  Piece piece_;
+};
+
+std::string title_of(const Legend& legend, const Binding& binding) {
+  if (!legend.title.empty()) return legend.title;
+  const ChartVariable* variable = variable_of(binding, legend.role);
+  return variable == nullptr ? std::string() : variable->label;
+}
+
+}  // namespace
+
+Piece draw_legends(const Binding& binding, double width) {
+  Flow flow(binding, width);
+  for (const Legend& legend : binding.graph.legends) {
+    std::vector<Entry> entries = entries_of(binding, legend.role);
+    if (entries.empty()) continue;
+    const size_t left_out = entries.size() - std::min(entries.size(), kMostEntries);
+    entries.resize(entries.size() - left_out);
+    flow.title(title_of(legend, binding));
+    for (Entry& entry : entries)
+      flow.entry(std::move(entry));
+    if (left_out > 0) {
+      flow.entry({{}, 0, with_arguments(binding.word("and ^1 more"), {std::to_string(left_out)})});
+    }
+    flow.next_row();
+  }
+  return flow.take();
+}
+
+}  // namespace hierfit::report::chart

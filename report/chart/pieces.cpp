@@ -1,0 +1,86 @@
+#include "report/chart/pieces.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "report/chart/scale.h"
+
+namespace hierfit::report::chart {
+namespace {
+
+/// The values of a role over all elements.
+Range range_of(const Binding& binding, RoleKind kind) {
+  Range range;
+  for (const BoundElement& element : binding.elements) {
+    if (element[kind] == nullptr) continue;
+    for (size_t row = 0; row < element.rows(); ++row) {
+      const double value = number_at(element[kind], row);
+      if (is_number(value)) range.add(value);
+    }
+  }
+  return range;
+}
+
+double share(double value, double low, double high) {
+  return std::clamp((value - low) / (high - low), 0.0, 1.0);
+}
+
+}  // namespace
+
+void Piece::take(Piece&& other, double x, double y) {
+  width = std::max(width, x + other.width);
+  height = std::max(height, y + other.height);
+  marks.reserve(marks.size() + other.marks.size());
+  for (Mark& mark : other.marks) {
+    shift(mark, x, y);
+    marks.push_back(std::move(mark));
+  }
+}
+
+double put_lines(std::vector<Mark>& marks,
+                 const TextLines& lines,
+                 double x,
+                 double y,
+                 const Font& font,
+                 Anchor anchor,
+                 const std::string& whole) {
+  for (const std::string& line : lines.lines) {
+    Mark mark = text_mark({x, y + font.size}, line, font, anchor);
+    if (lines.cut) mark.tooltip = whole;
+    if (!line.empty()) marks.push_back(std::move(mark));
+    y += font.line_height();
+  }
+  return y;
+}
+
+Opacity::Opacity(const Binding& binding) {
+  const Range range = range_of(binding, RoleKind::Transparency);
+  low = range.low;
+  high = range.high;
+}
+
+double Opacity::of(double value) const {
+  if (!is_number(value) || !(high > low)) return kPlain;
+  return kLeast + (kMost - kLeast) * share(value, low, high);
+}
+
+LineWidths::LineWidths(const Binding& binding, double thickest_line) : thickest(thickest_line) {
+  const Range range = range_of(binding, RoleKind::Size);
+  low = range.low;
+  high = range.high;
+  for (const BoundElement& element : binding.elements) {
+    if (element[RoleKind::Size] == nullptr) continue;
+    const Role& role = element.element->roles[RoleKind::Size];
+    if (role.low) low = *role.low;
+    if (role.high) high = *role.high;
+    return;
+  }
+}
+
+double LineWidths::of(double value) const {
+  if (!is_number(value)) return thinnest;
+  if (low == high) return (thinnest + thickest) / 2;
+  return thinnest + (thickest - thinnest) * share(value, low, high);
+}
+
+}  // namespace hierfit::report::chart

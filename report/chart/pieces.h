@@ -1,0 +1,80 @@
+// The pieces that a layout is put together from. Each is drawn with its upper left corner at 0, 0.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "report/chart/binding.h"
+#include "report/chart/scene.h"
+
+namespace hierfit::report::chart {
+
+/// Marks and the room that they take.
+struct Piece {
+  std::vector<Mark> marks;
+  double width = 0;
+  double height = 0;
+
+  bool empty() const { return marks.empty(); }
+  /// Takes over the marks of another piece, moved.
+  void take(Piece&& other, double x, double y);
+};
+
+/// From this many points on a scatter is drawn as a density raster.
+inline constexpr size_t kMostPoints = 20000;
+
+/// Panels with axes: points, lines, intervals.
+Piece draw_panels(const Binding& binding, double width);
+
+/// Nodes on a circle and the edges between them, a circle a panel.
+Piece draw_circles(const Binding& binding, double width);
+
+/// Nodes and edges where the data put them, with labels.
+Piece draw_network(const Binding& binding, double width);
+
+/// What the colours, symbols, widths and transparencies mean.
+Piece draw_legends(const Binding& binding, double width);
+
+/// A histogram with its curve, inside `box`.
+void draw_histogram(std::vector<Mark>& marks,
+                    const Binding& binding,
+                    const Embedded& embedded,
+                    const Box& box);
+
+/// Lines of text, the first with its top at `y`; gives where the next would begin.
+double put_lines(std::vector<Mark>& marks,
+                 const TextLines& lines,
+                 double x,
+                 double y,
+                 const Font& font,
+                 Anchor anchor,
+                 const std::string& whole);
+
+/// How the values of a role become opacities.
+struct Opacity {
+  static constexpr double kLeast = 0.22;
+  static constexpr double kMost = 0.95;
+  static constexpr double kPlain = 0.6;  ///< where there is nothing to tell apart
+
+  double low = 0;
+  double high = 0;
+
+  explicit Opacity(const Binding& binding);
+  double of(double value) const;
+};
+
+/// How the values of the role `size` become widths of lines in pixels.
+struct LineWidths {
+  double low = 0;
+  double high = 0;
+  double thinnest = 1;
+  double thickest = 8;
+
+  LineWidths(const Binding& binding, double thickest_line);
+  double of(double value) const;
+};
+
+/// What the picture shows, in sentences made from the data.
+std::string describe(const Binding& binding);
+
+}  // namespace hierfit::report::chart

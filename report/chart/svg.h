@@ -1,0 +1,32 @@
+// A scene as SVG. Knows marks alone, neither axes nor legends.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "report/chart/scene.h"
+
+namespace hierfit::report::chart {
+
+struct SvgSettings {
+  /// Colours by class, which the style sheet of the page gives for light and dark; else literal
+  /// colours of the light theme, and the picture is a file of its own.
+  bool by_class = false;
+  /// Ahead of every id; unique in the page.
+  std::string_view prefix = "c";
+  /// A class of the `svg` element; none when empty.
+  std::string_view css_class;
+};
+
+/// Marks with tooltips that are reached by keyboard; of a scene with more, none is.
+inline constexpr size_t kMostReachable = 1000;
+
+/// Appends an `svg` element. Its title and description are those of the scene. In a page each mark
+/// with a tooltip shows it under the pointer and with the keyboard's focus, without script; in a
+/// file it is the mark's title.
+void append_svg(std::string& out,
+                const Scene& scene,
+                const Style& style,
+                const SvgSettings& settings);
+
+}  // namespace hierfit::report::chart
