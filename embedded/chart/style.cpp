@@ -1,7 +1,5 @@
 #include "embedded/chart/style.h"
 
-#include <ranges>
-
 #include "embedded/session_state.h"
 
 namespace hierfit::chart {
@@ -17,9 +15,9 @@ void translate(Element& chart) {
   std::vector<Element*> elements = elements_of(chart);
   std::erase_if(elements, [](const Element* each) { return each->attribute("key") == nullptr; });
   // The text takes the place of what an element holds, so the inner ones come first.
-  for (Element* element : std::views::reverse(elements)) {
-    element->set_text(state->strings.text(element->value("key")));
-    element->remove("key");
+  for (auto element = elements.rbegin(); element != elements.rend(); ++element) {
+    (*element)->set_text(state->strings.text((*element)->value("key")));
+    (*element)->remove("key");
   }
 }
 

@@ -42,7 +42,7 @@ BpGroup::Impl& BpPivotTable::Impl::add_dimension(const BpCellText::Impl& title) 
   states_.emplace_back();
   widen(table.cells);
   if (table.cells.size() > 0) index_.rebuild(table.cells);
-  return groups_.emplace_back(this, number, kNone, new_id(journal, "BpDimension"));
+  return groups_.emplace_back(BpGroup::Impl{this, number, kNone, new_id(journal, "BpDimension")});
 }
 
 void BpPivotTable::Impl::position(
@@ -102,7 +102,8 @@ BpGroup::Impl& BpPivotTable::Impl::group(const BpGroup::Impl& parent,
       number_of(states_[parent.dimension], 'g', parent.node, title, groups_.size());
   if (number < groups_.size()) return groups_[number];
   const uint32_t node = add_node(parent, title, true);
-  return groups_.emplace_back(this, parent.dimension, node, new_id(journal, "BpGroup"));
+  return groups_.emplace_back(
+      BpGroup::Impl{this, parent.dimension, node, new_id(journal, "BpGroup")});
 }
 
 BpCategory::Impl& BpPivotTable::Impl::category(const BpGroup::Impl& parent,
@@ -111,7 +112,8 @@ BpCategory::Impl& BpPivotTable::Impl::category(const BpGroup::Impl& parent,
   const uint32_t number = number_of(state, 'c', parent.node, label, categories_.size());
   if (number == categories_.size()) {
     const uint32_t node = add_node(parent, label, false);
-    categories_.emplace_back(this, parent.dimension, node, new_id(journal, "BpCategory"));
+    categories_.emplace_back(
+        BpCategory::Impl{this, parent.dimension, node, new_id(journal, "BpCategory")});
   }
   BpCategory::Impl& category = categories_[number];
   state.current = node_of(category).leaf;

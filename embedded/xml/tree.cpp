@@ -33,15 +33,17 @@ std::string_view Tree::attribute_text(NodeId node, std::string_view name) const 
 
 std::string Tree::text(NodeId node) const {
   std::string text;
-  for (const TextRun& run : std::ranges::equal_range(runs_, node, {}, &TextRun::node)) {
-    text.append(characters_.get() + run.begin, run.length);
-  }
+  auto run = std::ranges::lower_bound(runs_, node, {}, &TextRun::node);
+  for (; run != runs_.end() && run->node == node; ++run)
+    text.append(characters_.get() + run->begin, run->length);
   return text;
 }
 
 std::string_view Tree::text(NodeId node, std::string& storage) const {
-  const auto runs = std::ranges::equal_range(runs_, node, {}, &TextRun::node);
-  if (runs.size() == 1) return {characters_.get() + runs.front().begin, runs.front().length};
+  const auto run = std::ranges::lower_bound(runs_, node, {}, &TextRun::node);
+  const bool is_only = run != runs_.end() && run->node == node &&
+                       (run + 1 == runs_.end() || (run + 1)->node != node);
+  if (is_only) return {characters_.get() + run->begin, run->length};
   storage = text(node);
   return storage;
 }
