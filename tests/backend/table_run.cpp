@@ -32,14 +32,19 @@ const Kind* as(const output::Item& item) {
   return held != nullptr ? held->get() : nullptr;
 }
 
-void drop_charts(Section& section) {
-  std::erase_if(section.items, [](const output::Item& item) {
-    return as<Section>(item) == nullptr && as<output::Table>(item) == nullptr &&
-           as<output::Message>(item) == nullptr;
-  });
+/// Takes the charts out of a section, in the order in which a reader meets them.
+void take_charts(Section& section, std::vector<std::unique_ptr<output::Chart>>& charts) {
   for (output::Item& item : section.items) {
-    if (auto* inner = std::get_if<std::unique_ptr<Section>>(&item)) drop_charts(**inner);
+    if (auto* chart = std::get_if<std::unique_ptr<output::Chart>>(&item)) {
+      charts.push_back(std::move(*chart));
+    } else if (auto* inner = std::get_if<std::unique_ptr<Section>>(&item)) {
+      take_charts(**inner, charts);
+    }
   }
+  std::erase_if(section.items, [](const output::Item& item) {
+    const auto* chart = std::get_if<std::unique_ptr<output::Chart>>(&item);
+    return chart != nullptr && *chart == nullptr;
+  });
 }
 
 void append_outline(std::string& outline, const Section& section) {
@@ -136,7 +141,7 @@ TableRun run(const DocumentFiles& files, const std::string& language) {
     left.reads = false;
   }
   left.document = session.take_document();
-  drop_charts(left.document.content);
+  take_charts(left.document.content, left.charts);
   left.journal = journal.str();
   return left;
 }

@@ -1,6 +1,7 @@
-// A whole run of the module over a pair of documents, without its charts.
+// A whole run of the module over a pair of documents: its tables, and its charts apart from them.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,8 +25,9 @@ DocumentFiles document_files(const std::string& name);
 /// What a run left.
 struct TableRun {
   bool reads = false;
-  output::Document document;  ///< without charts
-  std::string journal;        ///< one call a line
+  output::Document document;                           ///< without charts
+  std::vector<std::unique_ptr<output::Chart>> charts;  ///< in their order
+  std::string journal;                                 ///< one call a line
 
   /// The subtypes of the tables in their order, headings in brackets, messages as "!".
   std::string outline() const;
