@@ -7,7 +7,7 @@
 namespace hierfit::report::chart {
 namespace {
 
-constexpr double kFaintest = 0.2;  ///< the share of white of a cell that holds one point
+constexpr double kFaintest = 0.3;  ///< the share of white of a cell that holds one point
 
 void append_big_endian(std::string& out, size_t value) {
   for (int bits = 24; bits >= 0; bits -= 8)

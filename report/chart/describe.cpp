@@ -51,7 +51,7 @@ class Description {
 
   void panels() {
     const BoundElement* points = first(ElementKind::Point);
-    if (points == nullptr || (*points)[RoleKind::Y] == nullptr) return;
+    if (points == nullptr || (*points)[RoleKind::Y] == nullptr) return say("No data to show", {});
     const bool intervals = has(ElementKind::Interval);
     const HorizontalAxis x = horizontal_axis(binding_);
     say(intervals ? "Means with intervals: ^1 marks." : "Scatter plot of ^1 points.",

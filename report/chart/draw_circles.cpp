@@ -11,6 +11,7 @@ namespace {
 constexpr double kNodeRadius = 7;
 constexpr double kLabelGap = 6;
 constexpr double kWidestCircle = 200;  ///< its radius
+constexpr double kSmallCircle = 120;
 constexpr double kLargestCircle = 640;
 constexpr double kNarrowestPanel = 320;
 constexpr double kPanelGap = 16;
@@ -102,7 +103,7 @@ class Circles {
     const double top = draw_titles(piece, index, width);
     Nodes& nodes = nodes_[index];
     std::vector<Mark> labels;
-    double radius = std::min(kWidestCircle, width * 0.27);
+    double radius = usual_radius(nodes.size(), width);
     place(nodes, radius);
     if (nodes.size() > kMostUpright || !upright_labels(labels, nodes, width / 2 - radius)) {
       radius = turned_radius(nodes.size(), width);
@@ -200,11 +201,15 @@ class Circles {
     return marks;
   }
 
+  static double usual_radius(size_t nodes, double width) {
+    return std::min(nodes <= 3 ? kSmallCircle : kWidestCircle, width * 0.27);
+  }
+
   /// The radius at which turned labels keep clear of one another.
   double turned_radius(size_t nodes, double width) const {
     const double needed =
         static_cast<double>(nodes) * (font_.line_height() + 1) / (2 * std::numbers::pi);
-    return std::min(std::max(needed, std::min(kWidestCircle, width * 0.27)), kLargestCircle);
+    return std::min(std::max(needed, usual_radius(nodes, width)), kLargestCircle);
   }
 
   std::vector<Mark> turned_labels(const Nodes& nodes, double room, double radius) const {
@@ -249,9 +254,8 @@ class Circles {
   /// The edges, those of a later level of colour in front.
   std::vector<Mark> draw_edges(size_t panel) const {
     const auto& edges = edges_[panel];
-    const LineWidths widths(binding_, nodes_[panel].size() > 24   ? 2
-                                      : nodes_[panel].size() > 12 ? 3.5
-                                                                  : 6);
+    const size_t count = nodes_[panel].size();
+    const LineWidths widths(binding_, count > 24 ? 1 : count > 9 ? 2.5 : 4.5);
     std::vector<std::pair<uint32_t, Mark>> drawn;
     for (const auto& [element, row] : edges) {
       const CircleNode* from = node_of(panel, (*element)[RoleKind::From], row);
@@ -260,7 +264,8 @@ class Circles {
       const Paint paint = binding_.paint_of(*element, row);
       const double width = widths.of(number_at((*element)[RoleKind::Size], row));
       Mark mark = rule_mark(from->at, to->at, paint, width);
-      mark.dash = binding_.plan.style.series(paint).dash;
+      mark.dash = dash_for(binding_.plan.style.series(paint).dash, mark.stroke_width);
+      if (count > 24) mark.stroke_opacity = 0.75;
       if (edges.size() <= kMostEdges) mark.tooltip = binding_.tooltip_of(*element, row, row);
       drawn.emplace_back(paint.step, std::move(mark));
     }

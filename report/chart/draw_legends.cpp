@@ -113,7 +113,7 @@ std::vector<double> values_to_show(const ChartVariable& variable) {
     values.push_back(value);
   if (!values.empty() || range.empty) return values;
   if (range.low == range.high) return {range.low};
-  values = ticks_of(range, 4).values;
+  values = ticks_of(range, 5).values;
   if (values.size() < 2) values = {range.low, range.high};
   return values;
 }
@@ -141,7 +141,7 @@ std::vector<Entry> raster_entries(const Binding& binding) {
   constexpr size_t kSteps = 60;
   std::vector<unsigned char> greys(kSteps);
   for (size_t i = 0; i < kSteps; ++i)
-    greys[i] = static_cast<unsigned char>(51 + 204 * i / (kSteps - 1));
+    greys[i] = static_cast<unsigned char>(77 + 178 * i / (kSteps - 1));
   std::vector<Entry> entries(2);
   entries[0].text = binding.word("few");
   entries[0].width = 0;

@@ -168,7 +168,7 @@ class Network {
       const Paint paint = binding_.paint_of(element, row);
       Mark mark = rule_mark({x_at(from_x), y_at(from_y)}, {x_at(to_x), y_at(to_y)}, paint,
                             widths.of(number_at(element[RoleKind::Size], row)));
-      mark.dash = binding_.plan.style.series(paint).dash;
+      mark.dash = dash_for(binding_.plan.style.series(paint).dash, mark.stroke_width);
       mark.tooltip = binding_.tooltip_of(element, row, row);
       piece_.marks.push_back(std::move(mark));
     }

@@ -17,6 +17,10 @@ constexpr double kWidestSquare = 460;
 constexpr double kNarrowestPanel = 190;
 constexpr double kWidestSlot = 56;  ///< of a bar
 constexpr size_t kMostTooltips = 5000;
+constexpr double kUsualHeight = 260;
+constexpr double kLeastPanel = 90;  ///< its width
+constexpr double kTrail = 14;       ///< right of the panels
+constexpr double kLongestNumber = 116;
 constexpr Paint kAxis{Part::Axis};
 
 bool is_positional(const BoundElement& element) {
@@ -39,9 +43,8 @@ class Panels {
         label_font_(binding.font(Lettering::AxisLabel)),
         title_font_(binding.font(Lettering::AxisTitle)),
         facet_font_(binding.font(Lettering::FacetTitle)),
-        opacity_(binding) {
-    piece_.width = width;
-  }
+        opacity_(binding),
+        asked_width_(width) {}
 
   Piece draw() {
     if (x_.variable == nullptr || y_.variable == nullptr) return {};
@@ -67,40 +70,48 @@ class Panels {
   // The grid of panels.
 
   void arrange() {
-    const double lead = measure_lead();
-    count_panels(piece_.width - lead);
-    const auto columns = static_cast<double>(columns_);
-    const double right = 14;
-    double panel = (piece_.width - lead - right - (columns - 1) * kPanelGap) / columns;
-    if (binding_.graph.aspect > 0) panel = std::min(panel, kWidestSquare);
-    panel = std::max(panel, 90.0);
-    piece_.width = std::max(piece_.width, lead + columns * (panel + kPanelGap) - kPanelGap + right);
-    panel_ = {lead, 0, panel, panel_height(panel)};
+    panel_.height = kUsualHeight;
+    size_panels(measure_lead());
+    size_panels(measure_lead());  // the numbers that stand there depend on the height
     facet_lines_ = facet_lines();
     y_labels_ = number_labels(binding_, y_.variable, y_scale(), panel_.height, label_font_, false);
+    name_columns();
+    row_height_ = facet_height() + panel_.height + kPanelGap;
+  }
+
+  void size_panels(double lead) {
+    count_panels(asked_width_ - lead);
+    const auto columns = static_cast<double>(columns_);
+    const double gaps = (columns - 1) * kPanelGap;
+    double panel = (asked_width_ - lead - kTrail - gaps) / columns;
+    if (binding_.graph.aspect > 0) panel = std::min(panel, kWidestSquare);
+    panel = std::max(panel, kLeastPanel);
+    piece_.width = std::max(asked_width_, lead + columns * panel + gaps + kTrail);
+    panel_ = {lead, 0, panel, panel_height(panel)};
+  }
+
+  void name_columns() {
     if (x_.categorical) {
       band_ = panel_.width / std::max(1.0, static_cast<double>(x_.categories.size()));
-      x_labels_ = category_labels(x_, label_font_, band_, lead);
-    } else {
-      x_labels_.labels =
-          number_labels(binding_, x_.variable, x_scale(), panel_.width, label_font_, true);
-      x_labels_.height = label_font_.line_height();
-      x_labels_.room = panel_.width;
+      x_labels_ = category_labels(x_, label_font_, band_, panel_.x);
+      return;
     }
-    row_height_ = facet_height() + panel_.height + kPanelGap;
+    x_labels_.labels =
+        number_labels(binding_, x_.variable, x_scale(), panel_.width, label_font_, true);
+    x_labels_.height = label_font_.line_height();
+    x_labels_.room = panel_.width;
   }
 
   /// The room left of the panels: the axis title and the widest number.
   double measure_lead() {
-    y_title_ = fit_text(y_.title, title_font_, 320, 2);
-    panel_.height = 260;
+    y_title_ = fit_text(y_.title, title_font_, rows_ * panel_.height, 3);
     double widest = 0;
     for (const TickLabel& label :
          number_labels(binding_, y_.variable, y_scale(), panel_.height, label_font_, false)) {
       widest = std::max(widest, text_width(label.text, label_font_));
     }
     const double title = static_cast<double>(y_title_.lines.size()) * title_font_.line_height();
-    return title + (title > 0 ? 8 : 0) + std::min(widest, 120.0) + kTick + 4;
+    return title + (title > 0 ? 8 : 0) + std::min(widest, kLongestNumber) + kTick + 4;
   }
 
   void count_panels(double width) {
@@ -292,7 +303,7 @@ class Panels {
   void draw_y_labels(std::vector<Mark>& marks) const {
     for (const TickLabel& label : y_labels_) {
       marks.push_back(rule_mark({-kTick, label.at}, {0, label.at}, kAxis));
-      put_line(marks, label.text, {-kTick - 3, label.at + label_font_.size * 0.35}, 116,
+      put_line(marks, label.text, {-kTick - 3, label.at + label_font_.size * 0.35}, kLongestNumber,
                Anchor::End, 0);
     }
   }
@@ -540,6 +551,7 @@ class Panels {
   const Font& title_font_;
   const Font& facet_font_;
   Opacity opacity_;
+  double asked_width_;
   Piece piece_;
   uint32_t columns_ = 1;
   uint32_t rows_ = 1;

@@ -156,9 +156,13 @@ std::vector<TickLabel> number_labels(const Binding& binding,
                                      double length,
                                      const Font& font,
                                      bool upright) {
+  constexpr size_t kFewest = 3;
   std::vector<TickLabel> labels;
-  for (int wanted = std::max(2, static_cast<int>(length / (upright ? 70 : 45))); wanted > 0;
-       --wanted) {
+  int wanted = std::max(2, static_cast<int>(length / (upright ? 70 : 45)));
+  // Long steps may leave one number or two; shorter ones are tried as long as there is room.
+  for (int more = 0; more < 6 && ticks_of(scale.range(), wanted).values.size() < kFewest; ++more)
+    ++wanted;
+  for (; wanted > 0; --wanted) {
     const Ticks ticks = ticks_of(scale.range(), wanted);
     labels.clear();
     for (const double value : ticks.values)

@@ -1,6 +1,7 @@
 #include "report/chart/pieces.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 
 #include "report/chart/scale.h"
@@ -64,7 +65,8 @@ double Opacity::of(double value) const {
   return kLeast + (kMost - kLeast) * share(value, low, high);
 }
 
-LineWidths::LineWidths(const Binding& binding, double thickest_line) : thickest(thickest_line) {
+LineWidths::LineWidths(const Binding& binding, double thickest_line)
+    : thinnest(std::min(1.0, thickest_line * 0.6)), thickest(thickest_line) {
   const Range range = range_of(binding, RoleKind::Size);
   low = range.low;
   high = range.high;
@@ -81,6 +83,20 @@ double LineWidths::of(double value) const {
   if (!is_number(value)) return thinnest;
   if (low == high) return (thinnest + thickest) / 2;
   return thinnest + (thickest - thinnest) * share(value, low, high);
+}
+
+std::string dash_for(const std::string& dash, double width) {
+  if (width <= 2) return dash;
+  std::string wider;
+  for (size_t begin = 0; begin < dash.size();) {
+    const size_t end = std::min(dash.find(' ', begin), dash.size());
+    double length = 0;
+    std::from_chars(dash.data() + begin, dash.data() + end, length);
+    if (!wider.empty()) wider += ' ';
+    append_pixels(wider, length * (0.4 + width * 0.3));
+    begin = end + 1;
+  }
+  return wider;
 }
 
 }  // namespace hierfit::report::chart

@@ -74,6 +74,9 @@ struct LineWidths {
   double of(double value) const;
 };
 
+/// The dashes of a line as wide as this: longer the wider it is.
+std::string dash_for(const std::string& dash, double width);
+
 /// What the picture shows, in sentences made from the data.
 std::string describe(const Binding& binding);
 

@@ -228,7 +228,7 @@ class HtmlChart {
     }
     if (kind == chart::RoleKind::Y && element.whisker) return document_.word("Interval");
     /// By role.
-    constexpr std::string_view kWords[] = {"Category", "Value",     "x2",     "y2",
+    constexpr std::string_view kWords[] = {"Category", "Value",     "",       "",
                                            "Node",     "From",      "To",     "Kind",
                                            "Kind",     "Frequency", "Weight", "Name"};
     return document_.word(kWords[static_cast<size_t>(kind)]);

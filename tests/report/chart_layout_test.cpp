@@ -1,0 +1,225 @@
+// Charts laid out: golden scenes, and what holds for all of them.
+#include <algorithm>
+#include <cmath>
+#include <doctest/doctest.h>
+
+#include "report/chart/distribution.h"
+#include "report/chart/layout.h"
+#include "report/chart/metrics.h"
+#include "report/chart/scale.h"
+#include "tests/golden.h"
+#include "tests/report/chart_samples.h"
+
+namespace hierfit::tests {
+
+using namespace report::chart;
+
+namespace {
+
+std::vector<ChartSample> all_samples() {
+  std::vector<ChartSample> samples = chart_samples();
+  std::ranges::move(hard_chart_samples(), std::back_inserter(samples));
+  return samples;
+}
+
+Scene scene_of(const output::Chart& chart, double width = 720, bool texts = true) {
+  return lay_out(chart, output::Document(), {.width = width, .texts = texts});
+}
+
+std::vector<const Mark*> texts_of(const Scene& scene) {
+  std::vector<const Mark*> texts;
+  for (const Mark& mark : scene.marks) {
+    if (mark.kind == MarkKind::Text && !mark.text.empty()) texts.push_back(&mark);
+  }
+  return texts;
+}
+
+/// Whether a line parallel to a side of `a` divides the two.
+bool divided(const std::vector<Point>& a, const std::vector<Point>& b) {
+  for (size_t i = 0; i < 2; ++i) {
+    const Point axis{a[i + 1].x - a[i].x, a[i + 1].y - a[i].y};
+    double low[2] = {HUGE_VAL, HUGE_VAL};
+    double high[2] = {-HUGE_VAL, -HUGE_VAL};
+    const std::vector<Point>* both[2] = {&a, &b};
+    for (size_t k = 0; k < 2; ++k) {
+      for (const Point& corner : *both[k]) {
+        const double at = corner.x * axis.x + corner.y * axis.y;
+        low[k] = std::min(low[k], at);
+        high[k] = std::max(high[k], at);
+      }
+    }
+    if (high[0] <= low[1] || high[1] <= low[0]) return true;
+  }
+  return false;
+}
+
+bool touch(const Mark& a, const Mark& b) {
+  const std::vector<Point> first = corners_of(a);
+  const std::vector<Point> second = corners_of(b);
+  return !divided(first, second) && !divided(second, first);
+}
+
+/// The texts that overlap, as "one | other".
+std::string overlaps(const Scene& scene) {
+  const std::vector<const Mark*> texts = texts_of(scene);
+  for (size_t i = 0; i < texts.size(); ++i) {
+    for (size_t j = 0; j < i; ++j) {
+      const bool wide =
+          text_width(texts[i]->text, {12}) > 0 && text_width(texts[j]->text, {12}) > 0;
+      if (wide && touch(*texts[i], *texts[j])) return texts[i]->text + " | " + texts[j]->text;
+    }
+  }
+  return "";
+}
+
+/// The first text that is not wholly in the picture.
+std::string outside(const Scene& scene) {
+  for (const Mark* text : texts_of(scene)) {
+    const Box box = box_of(*text);
+    if (box.x < -0.5 || box.y < -0.5 || box.right() > scene.width + 0.5 ||
+        box.bottom() > scene.height + 0.5) {
+      return text->text;
+    }
+  }
+  return "";
+}
+
+size_t count_marks(const Scene& scene, MarkKind kind, Paint stroke) {
+  return static_cast<size_t>(std::ranges::count_if(
+      scene.marks, [&](const Mark& mark) { return mark.kind == kind && mark.stroke == stroke; }));
+}
+
+bool has_tooltip(const Scene& scene, const std::string& tooltip) {
+  return std::ranges::any_of(scene.marks,
+                             [&](const Mark& mark) { return mark.tooltip == tooltip; });
+}
+
+}  // namespace
+
+TEST_CASE("scenes of each kind of chart") {
+  for (const ChartSample& sample : chart_samples()) {
+    const std::string name = "report/chart_" + sample.name + ".txt";
+    CHECK(golden_difference(name, to_text(scene_of(sample.chart))) == "");
+  }
+}
+
+TEST_CASE("in every chart, at every width") {
+  for (const ChartSample& sample : all_samples()) {
+    for (const double width : {358.0, 740.0}) {
+      CAPTURE(sample.name);
+      CAPTURE(width);
+      const Scene scene = scene_of(sample.chart, width);
+      CHECK_MESSAGE(overlaps(scene) == "", "two texts overlap");
+      CHECK_MESSAGE(outside(scene) == "", "a text is cut by the edge");
+      CHECK(std::isfinite(scene.height));
+      CHECK(scene.description != "");
+    }
+  }
+}
+
+TEST_CASE("a label that is cut says itself whole in its tooltip") {
+  output::Chart chart = means_chart(6);
+  const std::string label(90, 'n');
+  chart.sources[0].variables[0].number_labels[2] = label;
+  const Scene scene = scene_of(chart);
+  const auto found = std::ranges::find_if(scene.marks, [&](const Mark& mark) {
+    return mark.kind == MarkKind::Text && mark.tooltip == label;
+  });
+  REQUIRE(found != scene.marks.end());
+  CHECK(found->text.ends_with("\u2026"));
+}
+
+TEST_CASE("what charts say") {
+  SUBCASE("a mean's tooltip has the mean and both bounds in their format") {
+    CHECK(has_tooltip(scene_of(means_chart(4)),
+                      "Level of the symptom: None\nEstimated Mean: 39.93\nSatisfaction with the "
+                      "visit (points): [33.47, 45.79]"));
+  }
+  SUBCASE("a description names the highest and the lowest mean") {
+    const std::string text = scene_of(means_chart(4)).description;
+    CHECK(text.find("Highest: 47.62 (High); lowest: 18.18 (Low).") != std::string::npos);
+  }
+  SUBCASE("a description lists the pairs that differ") {
+    const std::string text = scene_of(pairwise_chart(3)).description;
+    CHECK(text.find("Significant: 2 (Low \u2013 None, Medium \u2013 Low).") != std::string::npos);
+  }
+}
+
+TEST_CASE("a guide shows in its own panel alone") {
+  CHECK(count_marks(scene_of(spans_chart(3, 2, 3)), MarkKind::Rule, {Part::Guide}) == 6);
+  CHECK(count_marks(scene_of(spans_chart(3)), MarkKind::Rule, {Part::Guide}) == 1);
+}
+
+TEST_CASE("points become a density raster when they are too many") {
+  const auto images = [](size_t points) {
+    const Scene scene = scene_of(scatter_chart(points));
+    return std::ranges::count(scene.marks, MarkKind::Image, &Mark::kind);
+  };
+  CHECK(images(20000) == 0);
+  CHECK(images(20001) == 2);  // and that of the legend
+}
+
+TEST_CASE("marks grow with the rows, not faster") {
+  const size_t few = scene_of(scatter_chart(500)).marks.size();
+  const size_t many = scene_of(scatter_chart(1500)).marks.size();
+  CHECK(many - few == 1000);
+  const size_t edges = scene_of(pairwise_chart(40)).marks.size();
+  CHECK(edges < 40 * 39 / 2 + 40 + 40 + 20);
+}
+
+TEST_CASE("ticks stand at steps of 1, 2 or 5") {
+  const auto ticks = [](double low, double high, int wanted) {
+    return ticks_of(Range{low, high, false}, wanted).values;
+  };
+  CHECK(ticks(0, 10, 5) == std::vector<double>{0, 2, 4, 6, 8, 10});
+  CHECK(ticks(-3, 3, 3) == std::vector<double>{-2, 0, 2});
+  CHECK(ticks_of(Range{0, 0.3, false}, 3).decimals == 1);
+  CHECK(ticks_of(Range{1e-9, 2e-9, false}, 4).decimals == 10);
+  CHECK(ticks_of(Range{-1e300, 1e300, false}, 5).values.size() < 20);
+  Range constant;
+  constant.add(7);
+  CHECK(constant.proper().high > 7);
+  CHECK(Range().proper().high == 1);
+}
+
+TEST_CASE("texts are measured and broken like a font sets them") {
+  const Font font{10, false};
+  // Advance widths of Liberation Sans in 2048ths: "A" 1366, "i" 455.
+  CHECK(text_width("Ai", font) == doctest::Approx((1366 + 455) / 204.8));
+  CHECK(text_width("\u793E", font) == 10);
+  CHECK(text_width("e\u0301", font) == text_width("e", font));
+  CHECK(text_width("A", {10, true}) > text_width("A", font));
+  const TextLines lines = fit_text("one two\nthree", font, 40, 3);
+  CHECK(lines.lines == std::vector<std::string>{"one two", "three"});
+  CHECK(fit_text("one two three four", font, 40, 2).lines.back() == "three\u2026");
+  for (const std::string& label : kAwkwardLabels) {
+    for (const std::string& line : fit_text(label, font, 60, 4).lines)
+      CHECK(text_width(line, font) <= 60);
+  }
+}
+
+TEST_CASE("densities hold an area of one") {
+  const struct {
+    Distribution distribution;
+    double step;  ///< 1 for those of whole numbers
+  } rows[] = {{{"normal"}, 0.01},
+              {{"gamma", 3, 0.5}, 0.01},
+              {{"gaussianinverse", 5, 20}, 0.01},
+              {{"binomialnegative", 4, 0.6}, 1},
+              {{"poisson", 6}, 1}};
+  for (const auto& [distribution, step] : rows) {
+    CAPTURE(distribution.method);
+    const auto density = density_of(distribution, 8, 1.5);
+    REQUIRE(density);
+    double area = 0;
+    for (double x = 0; x < 200; x += step)
+      area += density(x) * step;
+    CHECK(area == doctest::Approx(1).epsilon(0.001));
+  }
+  CHECK_FALSE(density_of({"gamma", 3}, 8, 1.5));
+  CHECK_FALSE(density_of({"binomialnegative", 4, 1.2}, 8, 1.5));
+  CHECK_FALSE(density_of({"normal"}, 8, 0));
+  CHECK_FALSE(density_of({"weibull", 1, 1}, 8, 1));
+}
+
+}  // namespace hierfit::tests
