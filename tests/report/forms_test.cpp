@@ -19,6 +19,20 @@ output::Document with_table(TableBuilder builder) {
   return document;
 }
 
+/// A page without its style sheet, its script and their hashes, which change with every touch of
+/// those; check_html.py holds them together.
+std::string without_assets(std::string page) {
+  const std::pair<std::string_view, std::string_view> parts[] = {
+      {"content=\"default-src", "\">"}, {"<style>", "</style>"}, {"<script>", "</script>"}};
+  for (const auto& [begin, end] : parts) {
+    const size_t at = page.find(begin);
+    if (at == std::string::npos) continue;
+    const size_t from = at + begin.size();
+    page.erase(from, page.find(end, from) - from);
+  }
+  return page;
+}
+
 json as_json(const output::Document& document) {
   return json::parse(report::render_json(document, {}));
 }
@@ -32,7 +46,9 @@ TEST_CASE("each form writes the sample documents as in the golden files") {
     const output::Document document = make();
     for (const report::Form& form : report::kForms) {
       const std::string ending(form.endings.substr(0, form.endings.find(' ')));
-      CHECK(golden_difference("report/" + (name + ending), form.render(document, {})) == "");
+      std::string text = form.render(document, {});
+      if (form.name == "html") text = without_assets(std::move(text));
+      CHECK(golden_difference("report/" + (name + ending), text) == "");
     }
   }
 }
