@@ -140,6 +140,12 @@ std::optional<double> whole_number(std::string_view text) {
   return number;
 }
 
+/// Means of whole numbers are none: they take as many decimals as a table gives them.
+uint8_t decimals_for(double value, const output::ChartFormat& format) {
+  constexpr uint8_t kDecimalsOfMeans = 3;
+  return format.decimals == 0 && value != std::floor(value) ? kDecimalsOfMeans : format.decimals;
+}
+
 }  // namespace
 
 bool is_number(double value) { return std::isfinite(value) && value != output::kSystemMissing; }
@@ -163,7 +169,7 @@ std::string shown_number(const ChartVariable& variable,
   if (const std::string* label = variable.label_of(value)) return variable.prefix + *label;
   output::Number number{value, output::Format::SigDigit, 0};
   if (variable.format && variable.format->type != 1) {
-    number = {value, output::Format::Fixed, variable.format->decimals};
+    number = {value, output::Format::Fixed, decimals_for(value, *variable.format)};
   }
   return variable.prefix + output::shown(number, style);
 }

@@ -1,6 +1,7 @@
 #include "report/chart/chart.h"
 
 #include "report/chart/layout.h"
+#include "report/chart/pieces.h"
 #include "report/chart/plan.h"
 #include "report/chart/svg.h"
 
@@ -12,6 +13,11 @@ std::string render_svg(const output::Chart& chart, const output::Document& docum
   std::string svg = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
   chart::append_svg(svg, scene, plan.style, {});
   return svg;
+}
+
+std::string describe_chart(const output::Chart& chart, const output::Document& document) {
+  const chart::Plan plan = chart::read_plan(chart);
+  return chart::describe(chart::bind(plan, plan.graph, chart, document));
 }
 
 }  // namespace hierfit::report

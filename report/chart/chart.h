@@ -14,4 +14,8 @@ std::string render_svg(const output::Chart& chart,
                        const output::Document& document,
                        double width = 720);
 
+/// What a chart shows, in sentences made from its data: its kind, axes and ranges, the highest and
+/// lowest mean, the pairs that differ.
+std::string describe_chart(const output::Chart& chart, const output::Document& document);
+
 }  // namespace hierfit::report

@@ -24,11 +24,11 @@ double inverse_gaussian(double x, double mean, double shape) {
   return std::sqrt(shape / (2 * std::numbers::pi * x * x * x)) * std::exp(-shape * z * z / (2 * x));
 }
 
-/// Successes of probability `p` ahead of `r` failures.
+/// Failures ahead of the r-th success, each success of probability `p`.
 double negative_binomial(double x, double r, double p) {
   if (x < 0) return 0;
-  return std::exp(std::lgamma(x + r) - std::lgamma(x + 1) - std::lgamma(r) + r * std::log1p(-p) +
-                  x * std::log(p));
+  return std::exp(std::lgamma(x + r) - std::lgamma(x + 1) - std::lgamma(r) + r * std::log(p) +
+                  x * std::log1p(-p));
 }
 
 double poisson(double x, double mean, double) {

@@ -12,6 +12,8 @@ constexpr double kNodeRadius = 7;
 constexpr double kLabelGap = 6;
 constexpr double kWidestCircle = 200;  ///< its radius
 constexpr double kSmallCircle = 120;
+constexpr double kLeastCircle = 60;
+constexpr double kLongestWord = 110;
 constexpr double kLargestCircle = 640;
 constexpr double kNarrowestPanel = 320;
 constexpr double kPanelGap = 16;
@@ -103,7 +105,7 @@ class Circles {
     const double top = draw_titles(piece, index, width);
     Nodes& nodes = nodes_[index];
     std::vector<Mark> labels;
-    double radius = usual_radius(nodes.size(), width);
+    double radius = radius_beside_labels(nodes, width);
     place(nodes, radius);
     if (nodes.size() > kMostUpright || !upright_labels(labels, nodes, width / 2 - radius)) {
       radius = turned_radius(nodes.size(), width);
@@ -199,6 +201,16 @@ class Circles {
     std::vector<Mark> marks;
     put_lines(marks, lines, x, y, font_, anchor, text);
     return marks;
+  }
+
+  /// Smaller where the words of the labels would not fit beside the usual circle.
+  double radius_beside_labels(const Nodes& nodes, double width) const {
+    if (nodes.size() > kMostUpright) return usual_radius(nodes.size(), width);
+    double word = 0;
+    for (const CircleNode& node : nodes)
+      word = std::max(word, std::min(widest_word(label_of_node(node), font_), kLongestWord));
+    const double room = width / 2 - kNodeRadius - kLabelGap - 6 - word;
+    return std::clamp(room, kLeastCircle, usual_radius(nodes.size(), width));
   }
 
   static double usual_radius(size_t nodes, double width) {

@@ -209,7 +209,8 @@ void read_facets(const Node& faceting, const Node& parent, Graph& graph) {
 }
 
 void read_legend(const Node& node, Graph& graph) {
-  const auto role = index_of(kRoleNames, node.attribute("role"));
+  const std::string_view name = node.attribute("role").empty() ? "color" : node.attribute("role");
+  const auto role = index_of(kRoleNames, name);
   if (!role || node.attribute("visible") == "false") return;
   graph.legends.push_back({static_cast<RoleKind>(*role), text_of(node.child("title"))});
 }

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "report/aligned_cells.h"
+#include "report/chart/chart.h"
 #include "report/report.h"
 #include "report/text/display_text.h"
 #include "report/text/text_table.h"
@@ -64,12 +65,12 @@ class TextReport {
     text::append_table(out_, document_, table, ++tables_, options_);
   }
 
-  /// A chart is its title: the other forms draw it.
+  /// A chart is its title and what it shows in words: the other forms draw it.
   void write_item(const output::Chart& chart) {
     begin_item();
-    const std::string_view word = document_.word("Chart:");
-    text::append_wrapped(out_, text::printable(word) + ' ' + text::printable(chart.title), options_,
-                         0);
+    const std::string word = text::printable(document_.word("Chart:")) + ' ';
+    text::append_wrapped(out_, word + text::printable(chart.title), options_, 0);
+    text::append_wrapped(out_, text::printable(describe_chart(chart, document_)), options_, 2);
   }
 
   void write_item(const output::Message& message) {

@@ -185,7 +185,7 @@ std::string embedded_histogram(const std::string& method) {
   const std::string parameters =
       method == "poisson"            ? R"( parameter="38")"
       : method == "gamma"            ? R"( parameter="22" secondaryParameter="0.58")"
-      : method == "binomialnegative" ? R"( parameter="40" secondaryParameter="0.49")"
+      : method == "binomialnegative" ? R"( parameter="40" secondaryParameter="0.51")"
                                      : R"( parameter="38" secondaryParameter="900")";
   return R"(<embedded kind="histogram" fieldType="3"><graph><axis dimension="x"/>
 <axis dimension="y" visible="false" zero="true"/><binStatistic variable="X" weight="Y" binCount="20"/>
