@@ -148,14 +148,14 @@ void HtmlTable::append_row_name(const Head& head) {
 
 void HtmlTable::write_cells(uint32_t row) {
   const std::span<const PlacedCell> placed = layout_.row(row);
-  size_t next = layout_.row_begin[row];
-  uint32_t column = 0;
-  for (const PlacedCell& cell : placed) {
-    write_gap(cell.column - column);
-    write_cell(cells_.cells[next++], cell);
-    column = cell.column + 1;
+  uint32_t column = column_begin_;
+  for (size_t i = 0; i < placed.size() && placed[i].column < column_end_; ++i) {
+    if (placed[i].column < column_begin_) continue;
+    write_gap(placed[i].column - column);
+    write_cell(cells_.cells[layout_.row_begin[row] + i], placed[i]);
+    column = placed[i].column + 1;
   }
-  write_gap(layout_.columns - column);
+  write_gap(column_end_ - column);
 }
 
 void HtmlTable::write_gap(uint32_t columns) {

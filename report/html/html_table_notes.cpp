@@ -66,9 +66,13 @@ void HtmlTable::open_note() {
 
 void HtmlTable::write_note(uint32_t mark) {
   open_note();
-  out_ += "<sup><a id=\"";
-  append_id('n', mark);
-  out_ += "\" href=\"#";
+  out_ += "<sup><a";
+  if (!for_paper_) {
+    out_ += " id=\"";
+    append_id('n', mark);
+    out_ += '"';
+  }
+  out_ += " href=\"#";
   append_id('m', mark);
   ((out_ += "\">") += mark_letters(mark)) += "</a></sup> ";
   append_text(out_, table_.notes[layout_.notes[mark]], style_);

@@ -29,8 +29,18 @@ class HtmlTable {
   void write();
 
  private:
-  /// One of the tables that a long table is written as: a browser lays out only those in view.
+  /// The columns from `column_begin_` to `column_end_`, in pieces of lines when the table is long:
+  /// a browser lays out only those in view.
+  void write_lines();
   void write_piece();
+  /// For paper, a table wider than a page again by groups of columns, each with the row heads.
+  void write_folds();
+  /// Where the columns end that begin at `column_begin_` and fit on a page.
+  uint32_t fold_end() const;
+  double printed_width(uint32_t column) const;
+  double printed_stub_width() const;
+  bool is_wider_than_page() const;
+  uint32_t columns() const { return column_end_ - column_begin_; }
   uint32_t lines() const { return static_cast<uint32_t>(layout_.lines.size()); }
   bool is_long() const;
   uint32_t all_columns() const;
@@ -41,6 +51,8 @@ class HtmlTable {
 
   /// Decides whether cells name their heads, and collects for each column the ids of its heads.
   void name_heads();
+
+  void measure_heads();
 
   /// What a head shows; null for nothing.
   const output::Text* label_of(const Head& head) const;
@@ -109,9 +121,10 @@ class HtmlTable {
   uint32_t number_;
   TableLayout layout_;
   AlignedCells cells_;
-  std::vector<int> right_;        // by column: the widest right part, in steps
-  std::vector<bool> referenced_;  // by mark: whether a link to the note has been written
-  bool named_ = false;            // whether heads have ids and cells name them
+  std::vector<int> right_;           // by column: the widest right part, in steps
+  std::vector<double> head_digits_;  // by column
+  std::vector<bool> referenced_;     // by mark: whether a link to the note has been written
+  bool named_ = false;               // whether heads have ids and cells name them
   std::vector<std::string> column_names_;
   std::string row_names_;
   std::vector<Side> side_;                 // by stub column
@@ -119,6 +132,9 @@ class HtmlTable {
   std::vector<Head>::iterator next_head_;  // of the row heads
   uint32_t piece_begin_ = 0;
   uint32_t piece_end_ = 0;
+  uint32_t column_begin_ = 0;
+  uint32_t column_end_ = 0;
+  bool for_paper_ = false;  // a copy: ids are those of the table itself
 };
 
 }  // namespace hierfit::report::html

@@ -107,6 +107,28 @@ TEST_CASE("a long table is written in pieces, each with its heads") {
   CHECK(occurrences(page, "rowspan=\"200\">second</th>") == 1);
 }
 
+TEST_CASE("a table wider than a page is there again for paper, divided between column groups") {
+  TableBuilder builder("t");
+  builder.rows("r").columns("c");
+  for (int pair = 0; pair < 12; ++pair) {
+    const std::string group = "group " + std::to_string(pair);
+    builder.cell({{"row"}, {group, "Lower"}}, coefficient(pair));
+    builder.cell({{"row"}, {group, "Upper"}}, coefficient(pair + 0.5));
+  }
+  builder.table_note("below");
+  const std::string page = page_of(std::move(builder));
+  const size_t folded = page.find("<div class=\"folded\">");
+  REQUIRE(folded != std::string::npos);
+  const std::string paper = page.substr(folded);
+  CHECK(occurrences(paper, "<table") == 2);
+  CHECK(occurrences(paper, ">group ") == 12);
+  CHECK(occurrences(paper, "colspan=\"2\">") == 12);
+  CHECK(occurrences(paper, "<th scope=\"row\">row</th>") == 2);
+  CHECK(occurrences(paper, "data-value") == 24);
+  CHECK(occurrences(paper, " id=") == 0);
+  CHECK(occurrences(paper, "<tfoot>") == 1);
+}
+
 TEST_CASE("the same document gives the same bytes") {
   CHECK(report::render_html(procedure_document(), {}) ==
         report::render_html(procedure_document(), {}));
