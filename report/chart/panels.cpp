@@ -29,7 +29,11 @@ bool holds_text(const ChartVariable& variable) {
 Range with_limits(Range range, const Axis& axis) {
   if (axis.zero) range.add(0);
   if (axis.min && axis.max && *axis.min < *axis.max) return {*axis.min, *axis.max, false};
-  range = range.proper().widened(0.05);
+  const Range proper = range.proper();
+  range = proper.widened(0.05);
+  // Room beside the marks makes no numbers of the other sign.
+  if (proper.low >= 0) range.low = std::max(range.low, 0.0);
+  if (proper.high <= 0) range.high = std::min(range.high, 0.0);
   if (axis.min && *axis.min < range.high) range.low = *axis.min;
   if (axis.max && *axis.max > range.low) range.high = *axis.max;
   return range;

@@ -80,8 +80,7 @@ LineWidths::LineWidths(const Binding& binding, double thickest_line)
 }
 
 double LineWidths::of(double value) const {
-  if (!is_number(value)) return thinnest;
-  if (low == high) return (thinnest + thickest) / 2;
+  if (!is_number(value) || low == high) return (thinnest + thickest) / 2;
   return thinnest + (thickest - thinnest) * share(value, low, high);
 }
 

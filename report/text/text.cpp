@@ -70,7 +70,7 @@ class TextReport {
     begin_item();
     const std::string word = text::printable(document_.word("Chart:")) + ' ';
     text::append_wrapped(out_, word + text::printable(chart.title), options_, 0);
-    text::append_wrapped(out_, text::printable(describe_chart(chart, document_)), options_, 2);
+    text::append_wrapped(out_, text::printable(describe_chart(chart, document_)), options_, 0);
   }
 
   void write_item(const output::Message& message) {
