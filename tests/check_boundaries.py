@@ -15,6 +15,7 @@ RULES = [
     ("embedded", ("host/", "embedded/"), False),
     ("report", ("embedded/output/", "report/"), False),
     ("app", ("host/", "embedded/", "report/", "app/"), False),
+    ("tests/tiny_host", ("host/", "tests/tiny_host/"), False),
 ]
 STANDARD = re.compile(r"^[a-z_0-9]+$")
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
