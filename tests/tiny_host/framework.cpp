@@ -178,6 +178,7 @@ double String2Double(const std::string& text) {
 int32_t String2Integer(const std::string& text) { return number_in<int32_t>(text).value_or(0); }
 
 int32_t Roman2Integer(const std::string& text) {
+  if (text.find_first_not_of(kRomanLetters) != std::string::npos) return 0;
   std::string_view rest = text;
   int32_t number = 0;
   size_t one = kRomanLetters.size() - 1;
