@@ -144,7 +144,9 @@ class HtmlChart {
     const size_t step = has_pairs(source) ? 2 : 1;
     const size_t lines = (source.rows + step - 1) / step;
     out_ += "<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-labelledby=\"" + id_ +
-            "h\">\n<table>\n<thead>\n<tr>";
+            "h\">\n<table>\n<caption><span class=\"v\">";
+    append_escaped(out_, document_.word("Data of the figure"));
+    out_ += "</span></caption>\n<thead>\n<tr>";
     for (const DataColumn& column : columns) {
       out_ += column.text ? "<th scope=\"col\" class=\"t\">" : "<th scope=\"col\">";
       append_lines(out_, column.title);

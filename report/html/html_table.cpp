@@ -263,7 +263,7 @@ void HtmlTable::write_column_widths() {
 
 void HtmlTable::write_head() {
   const bool stub_titles = has_stub_titles();
-  if (layout_.head_rows == 0 && !stub_titles) return;
+  if (!has_head()) return;
   const uint32_t rows = std::max(layout_.head_rows, 1U);
   out_ += "<thead>\n";
   auto head = layout_.column_heads.begin();

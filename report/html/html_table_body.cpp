@@ -68,8 +68,18 @@ void HtmlTable::write_line(uint32_t line) {
   for (; next_head_ != layout_.row_heads.end() && next_head_->first == line; ++next_head_) {
     write_row_head(*next_head_);
   }
-  if (!of_group) write_cells(layout_.lines[line]);
+  if (!of_group) {
+    write_cells(layout_.lines[line]);
+  } else if (!has_head()) {
+    write_blank(std::max(columns(), 1U), 1);
+  }
   out_ += "</tr>\n";
+}
+
+/// Without a head a first line over all columns would read as a caption.
+uint32_t HtmlTable::group_columns(const Head& head) const {
+  const uint32_t last = has_head() ? all_columns() : static_cast<uint32_t>(layout_.stubs.size());
+  return std::min(last - head.level, kMostColumns);
 }
 
 uint32_t HtmlTable::lines_left(const Head& head, uint32_t line) const {
@@ -88,7 +98,7 @@ void HtmlTable::write_row_head(const Head& head) {
   }
   out_ += group || head.span > 1 ? "<th scope=\"rowgroup\"" : "<th scope=\"row\"";
   write_row_head_class(head);
-  if (group) append_span(out_, "colspan", std::min(all_columns() - head.level, kMostColumns));
+  if (group) append_span(out_, "colspan", group_columns(head));
   append_span(out_, "rowspan", lines_left(head, head.first));
   if (named_) {
     out_ += " id=\"";

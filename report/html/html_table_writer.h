@@ -45,6 +45,7 @@ class HtmlTable {
   bool is_long() const;
   uint32_t all_columns() const;
   bool has_stub_titles() const;
+  bool has_head() const { return layout_.head_rows > 0 || has_stub_titles(); }
   bool titled(uint32_t dimension) const;
   void append_id();
   void append_id(char part, uint32_t index);
@@ -76,6 +77,7 @@ class HtmlTable {
   bool starts_block(const Head& head, uint32_t line);
   void write_line(uint32_t line);
   void write_row_head(const Head& head);
+  uint32_t group_columns(const Head& head) const;
 
   /// "i" and the depth of the indent; "n" in a stub column inside another.
   void write_row_head_class(const Head& head);
