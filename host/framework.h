@@ -95,6 +95,8 @@ class SDOMXMLWrapper {
   /// The items of an `Array` element, in place of what `items` held; false, with `items` empty,
   /// when they cannot be read (an open quote, or a count that differs from the attribute `n`).
   bool GetSimpleArray(std::vector<std::string>& items);
+  /// The same without copies; the items belong to the root.
+  bool GetSimpleArray(std::vector<std::string_view>& items);
 
  private:
   struct Impl;
@@ -147,7 +149,7 @@ class CFStatVariableValue {
 
 /// The number that a whole text stands for; the system-missing number when it is none. A number is
 /// an optional sign, digits with at most one ".", and an optional exponent, in any locale.
-double String2Double(const std::string& text);
+double String2Double(std::string_view text);
 /// The whole number that a text of a sign and digits stands for; 0 for any other text and for a
 /// number beyond 32 bits.
 int32_t String2Integer(const std::string& text);

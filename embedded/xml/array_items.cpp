@@ -1,5 +1,7 @@
 #include "embedded/xml/array_items.h"
 
+#include <utility>
+
 namespace hierfit::xml {
 namespace {
 
@@ -38,7 +40,10 @@ class Items {
   size_t count_ = 0;
 };
 
-bool fill_items(std::string_view text, Items& items) {
+/// Walks the items of a text. `plain` takes one as it stands, `quoted` gives the text that one is
+/// written to.
+template <class Plain, class Quoted>
+bool walk_items(std::string_view text, const Plain& plain, const Quoted& quoted) {
   for (;;) {
     size_t begin = 0;
     while (begin < text.size() && is_blank(text[begin])) {
@@ -47,16 +52,14 @@ bool fill_items(std::string_view text, Items& items) {
     text.remove_prefix(begin);
     if (text.empty()) return true;
     if (text[0] == '"') {
-      std::string& item = items.next();
-      item.clear();
-      if (!take_quoted(text, item)) return false;
+      if (!take_quoted(text, quoted())) return false;
       continue;
     }
     size_t end = 1;
     while (end < text.size() && !is_blank(text[end])) {
       ++end;
     }
-    items.next().assign(text, 0, end);
+    plain(text.substr(0, end));
     text.remove_prefix(end);
   }
 }
@@ -65,8 +68,32 @@ bool fill_items(std::string_view text, Items& items) {
 
 bool split_items(std::string_view text, std::vector<std::string>& items) {
   Items filled(items);
-  const bool is_whole = fill_items(text, filled);
+  const bool is_whole = walk_items(
+      text, [&](std::string_view item) { filled.next().assign(item); },
+      [&]() -> std::string& {
+        std::string& item = filled.next();
+        item.clear();
+        return item;
+      });
   filled.drop_the_rest();
+  return is_whole;
+}
+
+bool view_items(std::string_view text,
+                std::vector<std::string_view>& items,
+                std::deque<std::string>& storage) {
+  items.clear();
+  // A quoted item is seen once it is written, that is when the next one comes.
+  std::vector<std::pair<size_t, const std::string*>> written;
+  const bool is_whole = walk_items(
+      text, [&](std::string_view item) { items.push_back(item); },
+      [&]() -> std::string& {
+        written.emplace_back(items.size(), &storage.emplace_back());
+        items.emplace_back();
+        return storage.back();
+      });
+  for (const auto& [index, item] : written)
+    items[index] = *item;
   return is_whole;
 }
 

@@ -1,6 +1,7 @@
 // Splits the text of an `Array` element.
 #pragma once
 
+#include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -8,9 +9,14 @@
 namespace hierfit::xml {
 
 /// Replaces `items` by those of a text, which white space separates; the room of the old ones is
-/// used again. An item that begins with a double
-/// quote goes to the next one and may hold white space, `\"` for a quote and `\\` for a backslash.
-/// False when a quote is left open, or an item goes on behind its closing quote.
+/// used again. An item that begins with a double quote goes to the next one and may hold white
+/// space, `\"` for a quote and `\\` for a backslash. False when a quote is left open, or an item
+/// goes on behind its closing quote.
 bool split_items(std::string_view text, std::vector<std::string>& items);
+
+/// The same without copies: the items stand in the text, quoted ones in `storage`.
+bool view_items(std::string_view text,
+                std::vector<std::string_view>& items,
+                std::deque<std::string>& storage);
 
 }  // namespace hierfit::xml

@@ -237,7 +237,7 @@ bool HFITParseOutXML::ReadDoubleArray(SDOMXMLWrapper* arrayElm, std::vector<doub
   if (!arrayElm->GetSimpleArray(fvItems)) return false;
 
   vNumbers.resize(fvItems.size());
-  std::ranges::transform(fvItems, vNumbers.begin(), [this](const std::string& item) {
+  std::ranges::transform(fvItems, vNumbers.begin(), [this](std::string_view item) {
     return item == kMissingItem ? fMissingValue : String2Double(item);
   });
   return true;
