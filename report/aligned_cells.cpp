@@ -30,7 +30,7 @@ const Number* number_of(const Table& table, uint32_t cell) {
 }
 
 void measure(std::string_view number, const NumberStyle& style, AlignedCell& cell) {
-  const size_t tail = std::min(number.find_first_of("E%"), number.size());
+  const size_t tail = std::min({number.find('E'), number.find(style.percent), number.size()});
   const size_t mark = std::min(number.find(style.decimal_mark), tail);
   cell.whole = characters_in(number.substr(0, mark));
   cell.fraction = characters_in(number.substr(mark, tail - mark));

@@ -15,14 +15,15 @@ std::string lower_case(std::string_view text) {
   return lower;
 }
 
-/// Whether the list, divided by blanks, holds the word.
-bool lists(std::string_view list, std::string_view word) {
+/// The length of the longest ending of a list, divided by blanks, that the name has; 0 for none.
+size_t fitting_ending(std::string_view list, std::string_view name) {
+  size_t longest = 0;
   while (!list.empty()) {
     const size_t end = std::min(list.find(' '), list.size());
-    if (list.substr(0, end) == word) return true;
+    if (name.ends_with(list.substr(0, end))) longest = std::max(longest, end);
     list.remove_prefix(std::min(end + 1, list.size()));
   }
-  return false;
+  return longest;
 }
 
 }  // namespace
@@ -33,12 +34,16 @@ const Form* form_by_name(std::string_view name) {
 }
 
 const Form* form_by_ending(std::string_view file_name) {
-  const size_t dot = file_name.rfind('.');
-  if (dot == std::string_view::npos) return nullptr;
-  const std::string ending = lower_case(file_name.substr(dot));
-  const Form* found =
-      std::ranges::find_if(kForms, [&](const Form& form) { return lists(form.endings, ending); });
-  return found == std::end(kForms) ? nullptr : found;
+  const std::string name = lower_case(file_name);
+  const Form* found = nullptr;
+  size_t longest = 0;
+  for (const Form& form : kForms) {
+    const size_t length = fitting_ending(form.endings, name);
+    if (length <= longest) continue;
+    longest = length;
+    found = &form;
+  }
+  return found;
 }
 
 }  // namespace hierfit::report

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "embedded/output/document.h"
 
@@ -18,6 +19,13 @@ struct Options {
   /// HTML form: the theme to start with, "auto" (follows the reader's system), "light" or "dark".
   /// Anything else is "auto".
   std::string_view theme = "auto";
+  /// Forms of pictures alone: which chart to draw, from 1 in document order; 0 for all of them,
+  /// beneath one another.
+  size_t chart = 0;
+  /// The width of charts as pictures, in pixels of 1/96 inch.
+  double chart_width = 720;
+  /// The resolution of charts as grids of points, in points an inch.
+  double resolution = 192;
 };
 
 /// One self-contained page: no script, style, font or picture from elsewhere.
@@ -29,12 +37,20 @@ std::string render_text(const output::Document& document, const Options& options
 /// The document whole, as docs/report.schema.json describes it.
 std::string render_json(const output::Document& document, const Options& options);
 
+/// A file of a form that is a folder.
+struct File {
+  std::string name;  ///< ASCII letters, digits, "-" and ".", unique in its folder in any case
+  std::string text;
+};
+
 /// A form of output: its name as in `--format`, the file endings that stand for it (each with its
-/// dot, divided by blanks, the usual one first), and the function that makes it.
+/// dot, divided by blanks, the usual one first), and the functions that make it as one file and,
+/// where the form has it, as a folder of files.
 struct Form {
   std::string_view name;
   std::string_view endings;
   std::string (*render)(const output::Document&, const Options&);
+  std::vector<File> (*render_folder)(const output::Document&, const Options&) = nullptr;
 };
 
 inline constexpr Form kForms[] = {
@@ -46,7 +62,8 @@ inline constexpr Form kForms[] = {
 /// The form of that name, or null. Case matters.
 const Form* form_by_name(std::string_view name);
 
-/// The form for a file name or a bare ending (".html"), or null. ASCII case does not matter.
+/// The form for a file name or a bare ending (".html"), or null; of two endings that fit the longer
+/// one counts. ASCII case does not matter.
 const Form* form_by_ending(std::string_view file_name);
 
 }  // namespace hierfit::report

@@ -34,6 +34,7 @@ struct NumberSpan {
 struct Text {
   std::string shown;
   std::vector<NumberSpan> numbers;  ///< in the order of `begin`, not overlapping
+  bool symbol = false;              ///< a statistical symbol, which typeset forms set in italics
 
   bool operator==(const Text&) const = default;
 };

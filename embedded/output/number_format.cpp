@@ -8,29 +8,15 @@
 namespace hierfit::output {
 namespace {
 
-struct FormatRule {
-  std::string_view name;
-  int decimals;
+constexpr std::array<std::string_view, kFormats> kNames = {
+    "Coefficient", "CoefficientSE", "Count",    "GeneralStat",
+    "Percent",     "Significance",  "SigDigit", "Fixed",
 };
-
-constexpr std::array<FormatRule, kFormats> kRules = {{
-    {"Coefficient", 3},
-    {"CoefficientSE", 3},
-    {"Count", 0},
-    {"GeneralStat", 3},
-    {"Percent", 1},
-    {"Significance", 3},
-    {"SigDigit", -1},
-    {"Fixed", -1},
-}};
 
 /// Ten digits ahead of the decimal mark are the most that a column takes.
 constexpr double kWidestFixed = 9999999999.5;
 constexpr int kScientificDecimals = 3;
 constexpr int kSigDigits = 10;
-constexpr double kSmallestShownSignificance = 0.001;
-
-const FormatRule& rule_of(Format format) { return kRules[static_cast<size_t>(format)]; }
 
 /// Digits of a finite number that is not negative. Large enough for 1e10 with 255 decimals.
 class Digits {
@@ -87,38 +73,56 @@ void append_needed_digits(std::string& out, double magnitude, const NumberStyle&
   append_with_mark(out, text, style);
 }
 
+int decimals_of(const Number& number, const NumberStyle& style) {
+  if (number.format == Format::Fixed) return number.decimals;
+  return style.decimals[static_cast<size_t>(number.format)];
+}
+
 void append_magnitude(std::string& out,
                       double magnitude,
                       const Number& number,
                       const NumberStyle& style) {
   if (magnitude >= kWidestFixed) return append_scientific(out, magnitude, style);
   if (number.format == Format::SigDigit) return append_needed_digits(out, magnitude, style);
-  const int decimals =
-      number.format == Format::Fixed ? number.decimals : rule_of(number.format).decimals;
-  const Digits digits(magnitude, std::chars_format::fixed, decimals);
+  const Digits digits(magnitude, std::chars_format::fixed, decimals_of(number, style));
   if (magnitude != 0 && is_zero(digits.view())) return append_scientific(out, magnitude, style);
   append_with_mark(out, digits.view(), style);
 }
 
-bool too_small_a_significance(const Number& number) {
-  return number.format == Format::Significance && number.value >= 0 &&
-         number.value < kSmallestShownSignificance;
+/// A probability; what else carries the format shows as a statistic.
+bool is_significance(const Number& number) {
+  return number.format == Format::Significance && number.value >= 0 && number.value <= 1;
+}
+
+void append_significance(std::string& out, double value, const NumberStyle& style) {
+  const auto* step = std::ranges::find_if(
+      style.significance, [&](const SignificanceStep& each) { return value >= each.from; });
+  if (step == style.significance.end()) {
+    step = &style.significance.back();
+    value = step->from;
+    out += style.less_than;
+  } else if (value > style.largest_significance) {
+    value = style.largest_significance;
+    out += style.more_than;
+  }
+  const Digits digits(value, std::chars_format::fixed, step->decimals);
+  const bool drops_zero = !style.significance_zero && digits.view().starts_with("0.");
+  append_with_mark(out, digits.view().substr(drops_zero ? 1 : 0), style);
 }
 
 }  // namespace
 
-std::string_view format_name(Format format) { return rule_of(format).name; }
+std::string_view format_name(Format format) { return kNames[static_cast<size_t>(format)]; }
 
 void append_shown(std::string& out, const Number& number, const NumberStyle& style) {
   if (number.missing()) {
     out += style.missing;
-  } else if (too_small_a_significance(number)) {
-    out += '<';
-    append_magnitude(out, kSmallestShownSignificance, number, style);
+  } else if (is_significance(number)) {
+    append_significance(out, number.value, style);
   } else {
     if (number.value < 0) out += style.minus;
     append_magnitude(out, std::fabs(number.value), number, style);
-    if (number.format == Format::Percent) out += '%';
+    if (number.format == Format::Percent) out += style.percent;
   }
 }
 

@@ -17,6 +17,12 @@ constexpr std::string_view kDecimalPoint[] = {"de-CH", "de-LI", "es-DO", "es-GT"
                                               "es-MX", "es-NI", "es-PA", "es-PE", "es-PR",
                                               "es-SV", "es-US", "it-CH"};
 
+/// Languages that set a no-break space ahead of the percent sign, and French its narrow one.
+constexpr std::string_view kSpacedPercent[] = {"cs", "da", "de", "es", "fi", "hr", "nb", "nn",
+                                               "no", "pl", "ro", "ru", "sk", "sl", "sv", "uk"};
+constexpr const char* kNoBreakPercent = "\u00A0%";
+constexpr const char* kNarrowPercent = "\u202F%";
+
 template <size_t Size>
 bool holds(const std::string_view (&tags)[Size], std::string_view tag) {
   return std::ranges::find(tags, tag) != std::end(tags);
@@ -31,6 +37,8 @@ bool is_right_to_left(std::string_view tag) { return holds(kRightToLeft, head(ta
 output::NumberStyle number_style(std::string_view tag) {
   output::NumberStyle style;
   if (holds(kDecimalComma, head(tag)) && !holds(kDecimalPoint, tag)) style.decimal_mark = ",";
+  if (holds(kSpacedPercent, head(tag))) style.percent = kNoBreakPercent;
+  if (head(tag) == "fr") style.percent = kNarrowPercent;
   return style;
 }
 

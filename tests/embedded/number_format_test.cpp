@@ -7,6 +7,7 @@
 using hierfit::output::Format;
 using hierfit::output::kSystemMissing;
 using hierfit::output::Number;
+using hierfit::output::NumberStyle;
 
 TEST_CASE("numbers show as statisticians write them") {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -51,10 +52,12 @@ TEST_CASE("numbers show as statisticians write them") {
   }
 }
 
+const NumberStyle kTypeset = {.decimal_mark = ",", .minus = "\u2212", .missing = ""};
+
 TEST_CASE("a value has the decimals of its variable, and a language its marks") {
   CHECK(shown(Number{2.5, Format::Fixed, 2}, {}) == "2.50");
   CHECK(shown(Number{3.0, Format::Fixed, 0}, {}) == "3");
-  CHECK(shown(Number{-1234.5, Format::Fixed, 1}, {",", "\u2212", ""}) == "\u22121234,5");
-  CHECK(shown(Number{4.5e-7, Format::Coefficient}, {",", "\u2212", ""}) == "4,500E\u22127");
-  CHECK(shown(Number{kSystemMissing, Format::Coefficient}, {",", "\u2212", ""}).empty());
+  CHECK(shown(Number{-1234.5, Format::Fixed, 1}, kTypeset) == "\u22121234,5");
+  CHECK(shown(Number{4.5e-7, Format::Coefficient}, kTypeset) == "4,500E\u22127");
+  CHECK(shown(Number{kSystemMissing, Format::Coefficient}, kTypeset).empty());
 }

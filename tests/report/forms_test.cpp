@@ -44,7 +44,8 @@ TEST_CASE("each form writes the sample documents as in the golden files") {
       {"procedure", &procedure_document}, {"awkward", &awkward_document}};
   for (const auto& [name, make] : samples) {
     const output::Document document = make();
-    for (const report::Form& form : report::kForms) {
+    for (const char* name_of_form : {"html", "text", "json"}) {
+      const report::Form& form = *report::form_by_name(name_of_form);
       const std::string ending(form.endings.substr(0, form.endings.find(' ')));
       std::string text = form.render(document, {});
       if (form.name == "html") text = without_assets(std::move(text));

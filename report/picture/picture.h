@@ -1,0 +1,17 @@
+// Pictures and pages made from SVG by librsvg and cairo.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace hierfit::report {
+
+/// An SVG as a PNG with `scale` picture points for each of its pixels (1 is 96 an inch). Throws
+/// `std::runtime_error` when it is no SVG or the picture would be larger than a library takes.
+std::string png_of_svg(std::string_view svg, double scale);
+
+/// An SVG as a PDF of one page of its size, with text as text and lines as lines. Throws as
+/// `png_of_svg`.
+std::string pdf_of_svg(std::string_view svg);
+
+}  // namespace hierfit::report
