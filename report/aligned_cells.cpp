@@ -60,6 +60,7 @@ AlignedCells align_cells(const Table& table, const TableLayout& layout, const Nu
     } else if (!number->missing()) {
       cell.kind = CellKind::Number;
       cell.value = number->value;
+      cell.format = number->format;
       cell.begin = static_cast<uint32_t>(aligned.characters.size());
       output::append_shown(aligned.characters, *number, style);
       cell.length = static_cast<uint16_t>(aligned.characters.size() - cell.begin);

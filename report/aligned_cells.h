@@ -19,8 +19,9 @@ struct AlignedCell {
   uint8_t whole = 0;     ///< of a number: what stands ahead of the decimal mark, sign and all
   uint8_t fraction = 0;  ///< the decimal mark and the digits behind it; 0 without one
   uint8_t tail = 0;      ///< what stands behind the digits: an exponent from its "E" on, or "%"
-  uint16_t length = 0;   ///< of a number: the bytes in `AlignedCells::characters`
-  uint32_t begin = 0;    ///< of a number: where they begin. Of a text: index into `Table::texts`
+  output::Format format = output::Format::GeneralStat;  ///< of a number
+  uint16_t length = 0;  ///< of a number: the bytes in `AlignedCells::characters`
+  uint32_t begin = 0;   ///< of a number: where they begin. Of a text: index into `Table::texts`
   double value = output::kSystemMissing;
 };
 
