@@ -37,11 +37,21 @@ std::string render_text(const output::Document& document, const Options& options
 /// The document whole, as docs/report.schema.json describes it.
 std::string render_json(const output::Document& document, const Options& options);
 
+/// The chart that the options name, or all of them beneath one another, as a vector picture; with
+/// their data. Throws `std::out_of_range` when there is no chart of that number.
+std::string render_svg(const output::Document& document, const Options& options);
+/// The same as a grid of points.
+std::string render_png(const output::Document& document, const Options& options);
+
 /// A file of a form that is a folder.
 struct File {
   std::string name;  ///< ASCII letters, digits, "-" and ".", unique in its folder in any case
   std::string text;
 };
+
+/// Each chart of the document as a file.
+std::vector<File> render_svg_folder(const output::Document& document, const Options& options);
+std::vector<File> render_png_folder(const output::Document& document, const Options& options);
 
 /// A form of output: its name as in `--format`, the file endings that stand for it (each with its
 /// dot, divided by blanks, the usual one first), and the functions that make it as one file and,
@@ -57,6 +67,8 @@ inline constexpr Form kForms[] = {
     {"html", ".html .htm", &render_html},
     {"text", ".txt .text", &render_text},
     {"json", ".json", &render_json},
+    {"svg", ".svg", &render_svg, &render_svg_folder},
+    {"png", ".png", &render_png, &render_png_folder},
 };
 
 /// The form of that name, or null. Case matters.

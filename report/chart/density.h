@@ -28,7 +28,4 @@ class DensityRaster {
   std::vector<double> cells_;
 };
 
-/// A picture of 8-bit grey values, row by row, in PNG.
-std::string grey_png(size_t width, size_t height, const std::vector<unsigned char>& pixels);
-
 }  // namespace hierfit::report::chart

@@ -3,9 +3,9 @@
 #include <cmath>
 #include <map>
 
-#include "report/chart/density.h"
 #include "report/chart/pieces.h"
 #include "report/chart/scale.h"
+#include "report/picture/png.h"
 
 namespace hierfit::report::chart {
 namespace {

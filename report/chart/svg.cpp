@@ -30,6 +30,18 @@ std::string base64(std::string_view bytes) {
   return text;
 }
 
+/// An `svg` element as far as its size, not yet closed.
+void append_size(std::string& out, double width, double height) {
+  const auto add = [&out](std::string_view before, double value) {
+    append_pixels(out += before, value);
+  };
+  add("<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 ", width);
+  add(" ", height);
+  add("\" width=\"", width);
+  add("\" height=\"", height);
+  out += '"';
+}
+
 class SvgWriter {
  public:
   SvgWriter(std::string& out, const Scene& scene, const Style& style, const SvgSettings& settings)
@@ -78,19 +90,13 @@ class SvgWriter {
   }
 
   void write_start() {
-    out_ += "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 ";
-    append_pixels(out_, scene_.width);
-    out_ += ' ';
-    append_pixels(out_, scene_.height);
-    out_ += '"';
-    attribute("width", scene_.width);
-    attribute("height", scene_.height);
+    append_size(out_, scene_.width, scene_.height);
+    if (settings_.top) attribute("y", *settings_.top);
     attribute("direction", "ltr");
     attribute("font-family", style_.family);
     attribute("role", reachable_ ? "graphics-document" : "img");
     attribute("aria-labelledby",
               std::string(settings_.prefix) + "t " + std::string(settings_.prefix) + "d");
-    if (!settings_.css_class.empty()) attribute("class", settings_.css_class);
     out_ += ">\n<title";
     id("id", "t");
     out_ += '>';
@@ -100,6 +106,7 @@ class SvgWriter {
     out_ += '>';
     text(scene_.description);
     out_ += "</desc>\n";
+    out_ += settings_.metadata;
     if (settings_.by_class) return;
     out_ += "<rect width=\"100%\" height=\"100%\"";
     color("fill", {Part::Ground});
@@ -382,6 +389,11 @@ void append_svg(std::string& out,
                 const Style& style,
                 const SvgSettings& settings) {
   SvgWriter(out, scene, style, settings).write();
+}
+
+void append_svg_start(std::string& out, double width, double height) {
+  append_size(out, width, height);
+  out += ">\n<rect width=\"100%\" height=\"100%\" fill=\"#ffffff\"/>\n";
 }
 
 }  // namespace hierfit::report::chart

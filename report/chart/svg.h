@@ -1,6 +1,7 @@
 // A scene as SVG. Knows marks alone, neither axes nor legends.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -14,8 +15,10 @@ struct SvgSettings {
   bool by_class = false;
   /// Ahead of every id; unique in the page.
   std::string_view prefix = "c";
-  /// A class of the `svg` element; none when empty.
-  std::string_view css_class;
+  /// Markup that stands behind the title and the description.
+  std::string_view metadata = {};
+  /// Where the picture begins within another one, in pixels from its top.
+  std::optional<double> top = {};
 };
 
 /// Marks with tooltips that are reached by keyboard; of a scene with more, none is.
@@ -28,5 +31,8 @@ void append_svg(std::string& out,
                 const Scene& scene,
                 const Style& style,
                 const SvgSettings& settings);
+
+/// Appends the start of an `svg` element that others lie in, with a ground of its own.
+void append_svg_start(std::string& out, double width, double height);
 
 }  // namespace hierfit::report::chart

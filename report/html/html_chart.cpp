@@ -77,19 +77,18 @@ class HtmlChart {
     out_ += "</figcaption>\n";
   }
 
-  std::string picture(double width, std::string_view suffix, std::string_view css_class) const {
+  std::string picture(double width, std::string_view suffix) const {
     std::string svg;
     const chart::Scene scene =
         chart::lay_out(plan_, chart_, document_, {.width = width, .texts = false});
     const std::string prefix = id_ + std::string(suffix);
-    chart::append_svg(svg, scene, plan_.style,
-                      {.by_class = true, .prefix = prefix, .css_class = css_class});
+    chart::append_svg(svg, scene, plan_.style, {.by_class = true, .prefix = prefix});
     return svg;
   }
 
   /// The picture, and one for telephones where it is not large; the page shows one of them.
   void write_pictures() {
-    const std::string wide = picture(kWide, "w", "");
+    const std::string wide = picture(kWide, "w");
     const bool both = wide.size() <= kMostNarrowBytes;
     out_ += both ? "<div class=\"scroll c-wide\"" : "<div class=\"scroll\"";
     write_region();
@@ -98,7 +97,7 @@ class HtmlChart {
     if (!both) return;
     out_ += "<div class=\"scroll c-narrow\"";
     write_region();
-    out_ += picture(kNarrow, "n", "");
+    out_ += picture(kNarrow, "n");
     out_ += "</div>\n";
   }
 

@@ -1,5 +1,6 @@
 #include "report/picture/picture.h"
 
+#include <algorithm>
 #include <cairo-pdf.h>
 #include <cairo.h>
 #include <cmath>
@@ -7,12 +8,18 @@
 #include <memory>
 #include <stdexcept>
 
+#include "report/picture/png.h"
+
 namespace hierfit::report {
 namespace {
 
 /// The pixels of a CSS inch, and the points of one.
 constexpr double kPixelsPerInch = 96;
 constexpr double kPointsPerInch = 72;
+
+/// What a grid of points may measure: the library's longest side, and a quarter of a gigabyte.
+constexpr double kLongestSide = 32000;
+constexpr double kMostPoints = 64e6;
 
 /// The same document gives the same file at any time.
 constexpr const char* kCreated = "1970-01-01T00:00:00Z";
@@ -67,6 +74,13 @@ void draw(const Picture& picture, cairo_t* context, double width, double height)
   require(cairo_status(context));
 }
 
+/// The scale, less where the grid would be too large.
+double fitting_scale(const Picture& picture, double scale) {
+  const double longest = std::max(picture.width, picture.height);
+  const double area = picture.width * picture.height;
+  return std::min({scale, kLongestSide / longest, std::sqrt(kMostPoints / area)});
+}
+
 cairo_status_t append(void* text, const unsigned char* data, unsigned int length) {
   static_cast<std::string*>(text)->append(reinterpret_cast<const char*>(data), length);
   return CAIRO_STATUS_SUCCESS;
@@ -76,6 +90,7 @@ cairo_status_t append(void* text, const unsigned char* data, unsigned int length
 
 std::string png_of_svg(std::string_view svg, double scale) {
   const Picture picture = load(svg);
+  scale = fitting_scale(picture, scale);
   const double width = std::ceil(picture.width * scale);
   const double height = std::ceil(picture.height * scale);
   const Owned<cairo_surface_t> surface(cairo_image_surface_create(
@@ -87,6 +102,7 @@ std::string png_of_svg(std::string_view svg, double scale) {
   draw(picture, context.get(), width, height);
   std::string png;
   require(cairo_surface_write_to_png_stream(surface.get(), &append, &png));
+  set_resolution(png, scale * kPixelsPerInch);
   return png;
 }
 

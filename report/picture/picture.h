@@ -6,8 +6,9 @@
 
 namespace hierfit::report {
 
-/// An SVG as a PNG with `scale` picture points for each of its pixels (1 is 96 an inch). Throws
-/// `std::runtime_error` when it is no SVG or the picture would be larger than a library takes.
+/// An SVG as a PNG with `scale` picture points for each of its pixels (1 is 96 an inch), fewer
+/// where the picture would have more than 64 million points; the PNG says how many. Throws
+/// `std::runtime_error` when it is no SVG.
 std::string png_of_svg(std::string_view svg, double scale);
 
 /// An SVG as a PDF of one page of its size, with text as text and lines as lines. Throws as

@@ -1,6 +1,5 @@
 // Charts as SVG, in the page and as files.
 #include <doctest/doctest.h>
-#include <expat.h>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -12,6 +11,7 @@
 #include "report/chart/svg.h"
 #include "report/report.h"
 #include "tests/report/chart_samples.h"
+#include "tests/report/markup_reader.h"
 
 namespace hierfit::tests {
 
@@ -19,49 +19,11 @@ using namespace report::chart;
 
 namespace {
 
-/// What a picture holds, gathered by a parser; empty `tags` for a text that is not well-formed.
-struct Picture {
-  std::multiset<std::string> tags;
-  std::multiset<std::string> ids;
-  size_t unnamed = 0;  ///< elements that the keyboard reaches and that have no name
-  size_t reachable = 0;
-  bool styled = false;
-};
-
-void XMLCALL start(void* user, const char* name, const char** attributes) {
-  Picture& picture = *static_cast<Picture*>(user);
-  picture.tags.insert(name);
-  bool reached = false;
-  bool named = false;
-  for (; *attributes != nullptr; attributes += 2) {
-    const std::string_view key = attributes[0];
-    if (key == "id") picture.ids.insert(attributes[1]);
-    if (key == "style" || key.starts_with("on")) picture.styled = true;
-    if (key == "tabindex") reached = true;
-    if (key == "aria-label" && attributes[1][0] != '\0') named = true;
-  }
-  picture.reachable += reached ? 1 : 0;
-  picture.unnamed += reached && !named ? 1 : 0;
-}
-
-Picture picture_of(const std::string& svg) {
-  Picture picture;
-  const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(
-      XML_ParserCreate("UTF-8"), &XML_ParserFree);
-  XML_SetUserData(parser.get(), &picture);
-  XML_SetElementHandler(parser.get(), &start, nullptr);
-  if (XML_Parse(parser.get(), svg.data(), static_cast<int>(svg.size()), XML_TRUE) !=
-      XML_STATUS_OK) {
-    picture.tags.clear();
-  }
-  return picture;
-}
-
 std::string page_svg(const output::Chart& chart) {
   const Plan plan = read_plan(chart);
   std::string svg;
   append_svg(svg, lay_out(plan, chart, output::Document(), {.width = 720, .texts = false}),
-             plan.style, {.by_class = true, .prefix = "c1", .css_class = ""});
+             plan.style, {.by_class = true, .prefix = "c1"});
   return svg;
 }
 
@@ -79,7 +41,7 @@ TEST_CASE("pictures are well-formed, named and without styles, whatever the labe
     for (const std::string& svg :
          {page_svg(sample.chart), report::render_svg(sample.chart, output::Document())}) {
       CAPTURE(sample.name);
-      const Picture picture = picture_of(svg);
+      const Markup picture = markup_of(svg);
       CHECK(picture.tags.count("svg") == 1);
       CHECK(picture.tags.count("b") + picture.tags.count("script") == 0);
       CHECK(picture.ids.size() ==
@@ -95,10 +57,10 @@ TEST_CASE("a picture in the page") {
   SUBCASE("takes its colours from the page and shows tooltips to the keyboard") {
     CHECK(svg.find("fill=\"#") == std::string::npos);
     CHECK(svg.find("class=\"c-significance1\"") != std::string::npos);
-    CHECK(picture_of(svg).reachable == 3);
+    CHECK(markup_of(svg).reachable == 3);
   }
   SUBCASE("of more marks than anyone tabs through is none of tab stops") {
-    CHECK(picture_of(page_svg(scatter_chart(2000))).reachable == 0);
+    CHECK(markup_of(page_svg(scatter_chart(2000))).reachable == 0);
   }
 }
 

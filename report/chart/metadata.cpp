@@ -1,0 +1,121 @@
+#include "report/chart/metadata.h"
+
+#include <array>
+#include <charconv>
+
+#include "report/chart/binding.h"
+#include "report/html/markup.h"
+
+namespace hierfit::report::chart {
+namespace {
+
+using output::Chart;
+using output::ChartSource;
+using output::ChartVariable;
+using Kind = output::ChartColumn::Kind;
+
+class MetadataWriter {
+ public:
+  explicit MetadataWriter(std::string& out) : out_(out) {}
+
+  void write(const Chart& chart) {
+    out_ += "<metadata>\n<data xmlns=\"urn:x-hierfit:chart-data\"";
+    attribute("kind", chart.kind);
+    out_ += ">\n";
+    for (const ChartSource& source : chart.sources)
+      write_source(source);
+    out_ += "</data>\n</metadata>\n";
+  }
+
+ private:
+  void attribute(std::string_view name, std::string_view value) {
+    ((out_ += ' ') += name) += "=\"";
+    html::append_escaped(out_, value);
+    out_ += '"';
+  }
+
+  void number(double value) {
+    std::array<char, 32> digits;
+    out_.append(digits.data(),
+                std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr);
+  }
+
+  void write_source(const ChartSource& source) {
+    out_ += "<source";
+    attribute("name", source.name);
+    attribute("rows", std::to_string(source.rows));
+    out_ += ">\n";
+    for (const ChartVariable& variable : source.variables)
+      write_variable(variable);
+    const size_t begin = out_.size();
+    if (source.rows > kMostDataRows || !write_rows(source, room_)) {
+      out_.resize(begin);
+      out_ += "<see form=\"json\"/>\n";
+    }
+    room_ -= std::min(room_, out_.size() - begin);
+    out_ += "</source>\n";
+  }
+
+  void write_variable(const ChartVariable& variable) {
+    out_ += "<variable";
+    attribute("name", variable.name);
+    if (variable.role != variable.name) attribute("role", variable.role);
+    if (!variable.label.empty()) attribute("label", variable.label);
+    if (variable.number_labels.empty() && variable.text_labels.empty()) {
+      out_ += "/>\n";
+      return;
+    }
+    out_ += '>';
+    for (const auto& [value, label] : variable.number_labels) {
+      out_ += "<label number=\"";
+      number(value);
+      out_ += "\">";
+      html::append_escaped(out_, label);
+      out_ += "</label>";
+    }
+    for (const auto& [value, label] : variable.text_labels) {
+      out_ += "<label";
+      attribute("text", output::plain_text(value));
+      out_ += '>';
+      html::append_escaped(out_, label);
+      out_ += "</label>";
+    }
+    out_ += "</variable>\n";
+  }
+
+  /// False when they take more than `room` bytes.
+  bool write_rows(const ChartSource& source, size_t room) {
+    const size_t begin = out_.size();
+    for (size_t row = 0; row < source.rows; ++row) {
+      out_ += "<row>";
+      for (const ChartVariable& variable : source.variables)
+        write_value(variable, row);
+      out_ += "</row>\n";
+      if (out_.size() - begin > room) return false;
+    }
+    return true;
+  }
+
+  void write_value(const ChartVariable& variable, size_t row) {
+    if (!has_value(variable, row)) {
+      out_ += "<u/>";
+    } else if (variable.values.kind(row) == Kind::Number) {
+      out_ += "<n>";
+      number(variable.values.number(row));
+      out_ += "</n>";
+    } else {
+      out_ += "<s>";
+      html::append_escaped(out_, output::plain_text(variable.values.text(row)));
+      out_ += "</s>";
+    }
+  }
+
+  std::string& out_;
+  size_t room_ = kMostDataBytes;
+};
+
+}  // namespace
+
+void append_metadata(std::string& out, const Chart& chart) { MetadataWriter(out).write(chart); }
+
+}  // namespace hierfit::report::chart

@@ -1,0 +1,182 @@
+#include "report/chart_files.h"
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+
+#include "report/chart/chart.h"
+#include "report/chart/layout.h"
+#include "report/chart/metadata.h"
+#include "report/chart/plan.h"
+#include "report/chart/svg.h"
+#include "report/picture/picture.h"
+
+namespace hierfit::report {
+
+using output::Chart;
+using output::Document;
+using output::Section;
+
+namespace {
+
+constexpr double kPixelsPerInch = 96;
+constexpr double kNarrowest = 100;
+constexpr double kWidest = 10'000;
+constexpr std::string_view kHead = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+
+void collect(const Section& section, std::vector<const Chart*>& charts) {
+  for (const output::Item& item : section.items) {
+    if (const auto* chart = std::get_if<std::unique_ptr<Chart>>(&item)) {
+      charts.push_back(chart->get());
+    } else if (const auto* inner = std::get_if<std::unique_ptr<Section>>(&item)) {
+      collect(**inner, charts);
+    }
+  }
+}
+
+double width_of(const Options& options) {
+  return std::isfinite(options.chart_width) ? std::clamp(options.chart_width, kNarrowest, kWidest)
+                                            : Options().chart_width;
+}
+
+double scale_of(const Options& options) {
+  return std::clamp(options.resolution, 1.0, 10'000.0) / kPixelsPerInch;
+}
+
+/// "predicted-by-observed" of "predictedByObserved".
+std::string kebab(std::string_view kind) {
+  std::string name;
+  for (const char c : kind) {
+    const bool upper = c >= 'A' && c <= 'Z';
+    if (!upper && !(c >= 'a' && c <= 'z') && !(c >= '0' && c <= '9')) continue;
+    if (upper && !name.empty()) name += '-';
+    name += upper ? static_cast<char>(c - 'A' + 'a') : c;
+  }
+  return name.empty() ? "chart" : name;
+}
+
+std::string padded(size_t number, size_t width) {
+  const std::string digits = std::to_string(number);
+  return std::string(width - std::min(width, digits.size()), '0') + digits;
+}
+
+/// A chart laid out, and its data.
+struct Drawing {
+  chart::Plan plan;
+  chart::Scene scene;
+  std::string data;
+};
+
+Drawing drawing_of(const Chart& chart, const Document& document, const Options& options) {
+  Drawing drawing{chart::read_plan(chart), {}, {}};
+  drawing.scene = chart::lay_out(drawing.plan, chart, document, {.width = width_of(options)});
+  chart::append_metadata(drawing.data, chart);
+  return drawing;
+}
+
+/// A picture of a line of text, for a document without charts.
+std::string svg_of_nothing(const Document& document) {
+  const chart::Style style;
+  const chart::Font& font = style.font(chart::Lettering::Caption);
+  const std::string text(document.word("No charts"));
+  chart::Scene scene;
+  scene.title = text;
+  scene.width = std::ceil(chart::text_width(text, font)) + 40;
+  scene.height = 48;
+  scene.marks.push_back(chart::text_mark({scene.width / 2, 28}, text, font, chart::Anchor::Middle));
+  std::string svg(kHead);
+  chart::append_svg(svg, scene, style, {});
+  return svg;
+}
+
+/// All charts in one picture, one beneath the other.
+std::string stacked_svg(const std::vector<const Chart*>& charts,
+                        const Document& document,
+                        const Options& options) {
+  double width = 0;
+  double height = 0;
+  std::string pictures;
+  for (size_t i = 0; i < charts.size(); ++i) {
+    const Drawing drawing = drawing_of(*charts[i], document, options);
+    const std::string prefix = "c" + std::to_string(i + 1);
+    chart::append_svg(pictures, drawing.scene, drawing.plan.style,
+                      {.prefix = prefix, .metadata = drawing.data, .top = height});
+    width = std::max(width, drawing.scene.width);
+    height += drawing.scene.height;
+  }
+  std::string svg(kHead);
+  chart::append_svg_start(svg, width, height);
+  return svg.append(pictures).append("</svg>\n");
+}
+
+/// The chart that the options ask for, or all of them.
+std::string svg_of_document(const Document& document, const Options& options) {
+  const std::vector<const Chart*> charts = charts_of(document);
+  if (options.chart > charts.size()) {
+    throw std::out_of_range("there is no chart " + std::to_string(options.chart) +
+                            ": the report has " + std::to_string(charts.size()));
+  }
+  if (options.chart > 0) return svg_of_chart(*charts[options.chart - 1], document, options);
+  if (charts.empty()) return svg_of_nothing(document);
+  if (charts.size() == 1) return svg_of_chart(*charts.front(), document, options);
+  return stacked_svg(charts, document, options);
+}
+
+}  // namespace
+
+std::string svg_of_chart(const Chart& chart, const Document& document, const Options& options) {
+  const Drawing drawing = drawing_of(chart, document, options);
+  std::string svg(kHead);
+  chart::append_svg(svg, drawing.scene, drawing.plan.style, {.metadata = drawing.data});
+  return svg;
+}
+
+std::string png_of_chart(const Chart& chart, const Document& document, const Options& options) {
+  return png_of_svg(render_svg(chart, document, width_of(options)), scale_of(options));
+}
+
+std::string pdf_of_chart(const Chart& chart, const Document& document, const Options& options) {
+  return pdf_of_svg(render_svg(chart, document, width_of(options)));
+}
+
+const ChartForm* chart_form_by_name(std::string_view name) {
+  const ChartForm* found = std::ranges::find(kChartForms, name, &ChartForm::name);
+  return found == std::end(kChartForms) ? nullptr : found;
+}
+
+std::vector<const Chart*> charts_of(const Document& document) {
+  std::vector<const Chart*> charts;
+  collect(document.content, charts);
+  return charts;
+}
+
+std::vector<File> render_charts(const Document& document,
+                                const ChartForm& form,
+                                const Options& options) {
+  const std::vector<const Chart*> charts = charts_of(document);
+  const size_t width = std::max<size_t>(2, std::to_string(charts.size()).size());
+  std::vector<File> files;
+  for (size_t i = 0; i < charts.size(); ++i) {
+    std::string name = padded(i + 1, width) + "-" + kebab(charts[i]->kind);
+    files.push_back({name.append(form.ending), form.render(*charts[i], document, options)});
+  }
+  return files;
+}
+
+std::string render_svg(const Document& document, const Options& options) {
+  return svg_of_document(document, options);
+}
+
+std::string render_png(const Document& document, const Options& options) {
+  return png_of_svg(svg_of_document(document, options), scale_of(options));
+}
+
+std::vector<File> render_svg_folder(const Document& document, const Options& options) {
+  return render_charts(document, *chart_form_by_name("svg"), options);
+}
+
+std::vector<File> render_png_folder(const Document& document, const Options& options) {
+  return render_charts(document, *chart_form_by_name("png"), options);
+}
+
+}  // namespace hierfit::report

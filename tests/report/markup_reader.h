@@ -1,0 +1,21 @@
+// What a text in XML holds.
+#pragma once
+
+#include <cstddef>
+#include <set>
+#include <string>
+
+namespace hierfit::tests {
+
+/// Gathered by a parser; empty `tags` for a text that is not well-formed.
+struct Markup {
+  std::multiset<std::string> tags;
+  std::multiset<std::string> ids;
+  size_t unnamed = 0;  ///< elements that the keyboard reaches and that have no name
+  size_t reachable = 0;
+  bool styled = false;
+};
+
+Markup markup_of(const std::string& text);
+
+}  // namespace hierfit::tests
