@@ -1,5 +1,6 @@
 #include "app/new_file.h"
 
+#include <atomic>
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
@@ -94,7 +95,7 @@ void NewFile::open_beside() {
 }
 
 void NewFile::name_it() {
-  static int count = 0;
+  static std::atomic<int> count = 0;
   const std::string suffix = std::to_string(::getpid()) + "-" + std::to_string(++count);
   temporary_ = target_ + "." + suffix + ".part";
 }

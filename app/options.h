@@ -1,9 +1,13 @@
-// The options of the command: one table from which the parser and the help text are made.
+// The options of the command: one table from which the parser, the help text, the manual page and
+// the completions of the shells are made.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -11,28 +15,74 @@ namespace hierfit::app {
 
 /// What the command line asks for.
 struct Options {
-  std::string model;                 ///< the model document; "-" is standard input
-  std::string result;                ///< the result document
-  std::vector<std::string> outputs;  ///< in the order given; "-" is standard output
-  std::string format;                ///< a form's name; empty: the endings tell
-  std::string dictionary;            ///< empty: none
-  std::string language;              ///< empty: the environment tells
-  std::string journal;               ///< empty: none
-  std::string colour = "auto";       ///< auto, always, never
+  std::vector<std::string> inputs;       ///< documents in twos, and folders; "-" is standard input
+  std::vector<std::string> outputs;      ///< in the order given; "-" is standard output
+  std::vector<std::string> forms;        ///< names of forms; empty: the endings tell
+  std::string dictionary;                ///< empty: none
+  std::string language;                  ///< empty: the environment tells
+  std::string style = "default";         ///< the name of a preset
+  std::string charts;                    ///< the folder for charts as files; empty: none
+  std::vector<std::string> chart_forms;  ///< empty: SVG
+  size_t chart = 0;                      ///< 0: all
+  double chart_width = 720;              ///< pixels of 1/96 inch
+  double resolution = 192;               ///< points an inch
+  size_t width = kTerminalWidth;         ///< columns of the text form; 0: no limit
+  size_t jobs = 0;                       ///< reports made at a time; 0: one a core
+  std::string journal;                   ///< empty: none
+  std::string colour = "auto";           ///< auto, always, never
+  std::string completion;                ///< a shell
+  bool manual = false;
   bool quiet = false;
   bool help = false;
   bool version = false;
+
+  static constexpr size_t kTerminalWidth = SIZE_MAX;
 };
 
-/// One option. A `bool` takes no argument, a list may be given more than once.
+/// Parts of the help text, in its order.
+enum class Section : uint8_t { Input, Output, Display, Charts, Several, Other };
+inline constexpr std::string_view kSectionTitles[] = {
+    "Input", "Output", "Display", "Charts", "Several reports", "Messages and help"};
+
+/// What an option takes.
+enum class Takes : uint8_t { Nothing, File, Folder, Word, Number, Text };
+
+/// A member of `Options`. A `bool` takes no argument, a list may be given more than once.
+using Target = std::variant<bool Options::*,
+                            std::string Options::*,
+                            std::vector<std::string> Options::*,
+                            size_t Options::*,
+                            double Options::*>;
+
+/// One option.
 struct OptionRow {
+  Section section;
   const char* names;     ///< "-o,--output"
   const char* argument;  ///< what the help text calls its argument; null for a flag
+  Takes takes;
   const char* help;
-  std::variant<std::string Options::*, std::vector<std::string> Options::*, bool Options::*> target;
+  Target target;
+  std::vector<std::string_view> (*words)() = nullptr;  ///< of `Takes::Word`: those it can be
+  double least = 0;                                    ///< of `Takes::Number`
+  double most = 0;
+
+  /// "-o", or nothing.
+  std::string_view short_name() const;
+  /// "--output".
+  std::string_view long_name() const;
+  /// Whether it may be given more than once.
+  bool repeats() const;
+  /// The help text with the words that the option can be.
+  std::string full_help() const;
 };
 
 std::span<const OptionRow> option_rows();
+
+/// The lines of ways to call the command, without its name.
+std::span<const std::string_view> usage_lines();
+
+/// What the exit status says: the statuses from 0 on.
+std::span<const std::string_view> status_lines();
 
 /// A command line that cannot be understood; `what()` says why in one sentence.
 class UsageError : public std::runtime_error {
@@ -45,5 +95,8 @@ Options parse_options(int argument_count, const char* const* arguments);
 
 /// The text of `--help`.
 std::string help_text();
+
+/// "a", "a or b", "a, b or c".
+std::string listed(std::span<const std::string_view> words);
 
 }  // namespace hierfit::app

@@ -11,6 +11,7 @@ namespace hierfit::app {
 
 namespace {
 constexpr auto kPatience = std::chrono::seconds(1);
+constexpr auto kBetweenLines = std::chrono::milliseconds(200);
 constexpr const char* kEraseLine = "\r\033[K";
 }  // namespace
 
@@ -34,9 +35,15 @@ Progress::~Progress() {
 void Progress::wait_and_show() {
   std::unique_lock lock(mutex_);
   if (over_changed_.wait_for(lock, kPatience, [this] { return over_; })) return;
-  std::cerr << line_ << std::flush;
-  over_changed_.wait(lock, [this] { return over_; });
+  do {
+    std::cerr << kEraseLine << line_ << std::flush;
+  } while (!over_changed_.wait_for(lock, kBetweenLines, [this] { return over_; }));
   std::cerr << kEraseLine << std::flush;
+}
+
+void Progress::say(std::string line) {
+  const std::lock_guard lock(mutex_);
+  line_ = std::move(line);
 }
 
 }  // namespace hierfit::app

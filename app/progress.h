@@ -8,8 +8,8 @@
 
 namespace hierfit::app {
 
-/// Shows one line on standard error once a second has passed, and takes it away when it goes. Shows
-/// nothing when standard error is no terminal.
+/// Shows one line on standard error once a second has passed, keeps it up to date and takes it away
+/// when it goes. Shows nothing when standard error is no terminal.
 class Progress {
  public:
   Progress(bool wanted, std::string line);
@@ -17,10 +17,13 @@ class Progress {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
+  /// The line from now on. Any thread may say it.
+  void say(std::string line);
+
  private:
   void wait_and_show();
 
-  const std::string line_;
+  std::string line_;
   std::mutex mutex_;
   std::condition_variable over_changed_;
   bool over_ = false;

@@ -5,8 +5,9 @@
 
 namespace hierfit::app {
 
-/// Reads the documents, runs the module and writes what the options ask for. No file is replaced
-/// before every form is made and safe on the disk. Throws `Error` and `UsageError`.
-void run(const Options& options);
+/// Makes the report of a pair of documents, or those of several pairs with an index. Gives the exit
+/// status; of several pairs it is the highest one, and what went wrong with each is on standard
+/// error. Throws `Error` and `UsageError`.
+int run(const Options& options);
 
 }  // namespace hierfit::app

@@ -1,6 +1,7 @@
 #include "embedded/strings/language.h"
 
 #include <algorithm>
+#include <cctype>
 
 namespace hierfit {
 namespace {
@@ -28,6 +29,16 @@ bool holds(const std::string_view (&tags)[Size], std::string_view tag) {
   return std::ranges::find(tags, tag) != std::end(tags);
 }
 
+/// Tags without a script, and the tag of the language in the script that they mean.
+struct ScriptOfTag {
+  std::string_view tag;
+  const char* tag_with_script;
+};
+constexpr ScriptOfTag kScriptOfTag[] = {
+    {"zh", "zh-Hans"},    {"zh-CN", "zh-Hans"}, {"zh-SG", "zh-Hans"}, {"zh-MY", "zh-Hans"},
+    {"zh-TW", "zh-Hant"}, {"zh-HK", "zh-Hant"}, {"zh-MO", "zh-Hant"},
+};
+
 std::string_view head(std::string_view tag) { return tag.substr(0, tag.find('-')); }
 
 }  // namespace
@@ -40,6 +51,34 @@ output::NumberStyle number_style(std::string_view tag) {
   if (holds(kSpacedPercent, head(tag))) style.percent = kNoBreakPercent;
   if (head(tag) == "fr") style.percent = kNarrowPercent;
   return style;
+}
+
+std::string canonical_tag(std::string_view text) {
+  if (text == "C") return "C";
+  std::string tag;
+  for (bool first = true; !text.empty(); first = false) {
+    std::string part(text.substr(0, text.find_first_of("-_")));
+    text.remove_prefix(std::min(part.size() + 1, text.size()));
+    std::ranges::transform(part, part.begin(), [](unsigned char c) { return std::tolower(c); });
+    const auto end = part.size() == 4 ? part.begin() + 1 : part.end();
+    const bool has_capitals = !first && (part.size() == 2 || part.size() == 4);
+    if (has_capitals)
+      std::transform(part.begin(), end, part.begin(),
+                     [](unsigned char c) { return std::toupper(c); });
+    if (!first) tag += '-';
+    tag += part;
+  }
+  return tag;
+}
+
+std::vector<std::string> serving_tags(std::string_view tag) {
+  std::vector<std::string> tags = {std::string(tag)};
+  for (size_t dash; (dash = tags.back().rfind('-')) != std::string::npos;) {
+    tags.push_back(tags.back().substr(0, dash));
+  }
+  const auto* found = std::ranges::find(kScriptOfTag, tag, &ScriptOfTag::tag);
+  if (found != std::end(kScriptOfTag)) tags.insert(tags.end() - 1, found->tag_with_script);
+  return tags;
 }
 
 }  // namespace hierfit

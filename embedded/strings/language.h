@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "embedded/output/number_format.h"
 
@@ -13,5 +14,13 @@ bool is_right_to_left(std::string_view tag);
 
 /// The marks of the language's numbers.
 output::NumberStyle number_style(std::string_view tag);
+
+/// A tag in the case and with the hyphens of BCP 47: "pt_br" is "pt-BR", "ZH-hans" is "zh-Hans".
+/// "C" stays "C".
+std::string canonical_tag(std::string_view text);
+
+/// The tags whose catalogues serve a language, the best one first: "pt-BR", "pt". Chinese without a
+/// script is in that of its region: "zh-CN", "zh-Hans", "zh".
+std::vector<std::string> serving_tags(std::string_view tag);
 
 }  // namespace hierfit

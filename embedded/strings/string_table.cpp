@@ -10,6 +10,7 @@
 
 #include "embedded/error.h"
 #include "embedded/files/whole_file.h"
+#include "embedded/strings/language.h"
 
 namespace hierfit {
 namespace {
@@ -18,16 +19,14 @@ using Facet = boost::locale::message_format<char>;
 
 constexpr std::string_view kKeysAsTheyStand = "C";
 
-/// The first of the language's tags that has a catalogue, from the full tag to its head, or "C".
+/// The first of the language's tags that has a catalogue, or "C".
 std::string catalogue_tag(const std::string& directory, std::string_view language) {
   // A tag names a file, so it has only what tags have.
   const bool is_tag = std::ranges::all_of(
       language, [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '-'; });
   if (language == kKeysAsTheyStand || !is_tag) return std::string(kKeysAsTheyStand);
-  for (std::string tag(language); !tag.empty();) {
-    if (std::filesystem::exists(directory + "/" + tag + ".mo")) return tag;
-    const size_t dash = tag.rfind('-');
-    tag.resize(dash == std::string::npos ? 0 : dash);
+  for (std::string& tag : serving_tags(language)) {
+    if (std::filesystem::exists(directory + "/" + tag + ".mo")) return std::move(tag);
   }
   return std::string(kKeysAsTheyStand);
 }

@@ -14,8 +14,8 @@ class StringTable {
   StringTable();
   /// Reads one catalogue file; a file that does not exist gives an empty table.
   explicit StringTable(const std::string& file);
-  /// Reads `<directory>/<tag>.mo` of the first of the language's tags that has a file, from the
-  /// full tag to its head: "pt-BR", then "pt". "C", and a language without a file, give an empty
+  /// Reads `<directory>/<tag>.mo` of the first of the tags that serve the language and have a file:
+  /// "pt-BR", then "pt". "C", and a language without a file, give an empty
   /// table. Throws `FileError` for a file that is no catalogue.
   StringTable(const std::string& directory, std::string_view language);
   ~StringTable();

@@ -105,6 +105,9 @@ TEST_CASE("options and documents reach the report") {
   CHECK(shell("hierfit -l C " + kDocuments).output.find("Model Summary") != std::string::npos);
   CHECK(shell("LC_ALL= LC_MESSAGES=sv_SE.UTF-8 " + kCommand + " " + kDocuments).output ==
         shell("hierfit " + kDocuments).output);
+  CHECK(shell("hierfit -s apa " + kDocuments).output.find("< .001") != std::string::npos);
+  CHECK(shell("hierfit -l xx " + kDocuments).errors ==
+        "hierfit: there is no string table for the language \"xx\"; texts show as their keys\n");
   CHECK(shell("hierfit --help").output.starts_with("Usage: hierfit"));
   CHECK(shell("hierfit --version nothing").output.starts_with("hierfit "));
 }
@@ -119,7 +122,7 @@ TEST_CASE("a failure is one sentence with its file, and a status") {
   write(directory / "empty", "");
   write(directory / "broken.xml", "<StatXML>\n  <a></b>\n</StatXML>");
   write(directory / "other.xml", "<StatXML>\n<PMMLModel/>\n</StatXML>");
-  write(directory / "table.pmml", "<PMML>\n<DataDictionary/>\n</PMML>");
+  write(directory / "table.pmm", "<PMML>\n<DataDictionary/>\n</PMML>");
   write(directory / "schema.json", "{\"fields\": [{\"name\": \"spp\", \"title\": 3}]}");
   write(directory / "broken.json", "{\n\"fields\"; []}");
   const std::string model = kExample + "model.pmml ";
@@ -138,11 +141,11 @@ TEST_CASE("a failure is one sentence with its file, and a status") {
        at + "broken.xml:2:8: not well-formed: this end tag does not match its start tag"},
       {model + at + "other.xml", 1,
        at + "other.xml:1: element StatXML lacks the element PMMLModel/PredictiveSummary"},
-      {at + "table.pmml" + result, 1,
-       at + "table.pmml:1: the document has no model: its root element PMML holds none"},
+      {at + "table.pmm" + result, 1,
+       at + "table.pmm:1: the document has no model: its root element PMML holds none"},
       {at + "nothing" + result, 2,
        "hierfit: " + at + "nothing: cannot be read: No such file or directory"},
-      {model + at, 2, "hierfit: " + at + ": cannot be read: Is a directory"},
+      {model + at, 2, "hierfit: \"" + kExample + "model.pmml\" needs a result document behind it."},
       {"-d " + at + "schema.json " + model + result, 2,
        "hierfit: " + at + "schema.json: fields[0].title: must be a string"},
       {"-d " + at + "broken.json " + model + result, 2,
@@ -153,15 +156,23 @@ TEST_CASE("a failure is one sentence with its file, and a status") {
        "hierfit: " + at + ": cannot be written: Is a directory"},
       {"", 2, "hierfit: a model document and a result document are needed. Try 'hierfit --help'"},
       {model + result + " third", 2,
-       "hierfit: The following argument was not expected: third. Try 'hierfit --help'"},
-      {"--formt html " + model + result, 2, "hierfit: The following arguments were not expected: "},
+       "hierfit: \"third\" needs a result document behind it. Try 'hierfit --help'"},
+      {"--formt html " + model + result, 2,
+       "hierfit: there is no option --formt; did you mean --format? Try 'hierfit --help'"},
+      {"--xyzzy " + model + result, 2, "hierfit: there is no option --xyzzy. Try 'hierfit --help'"},
+      {"--chart 1.5 " + model + result, 2,
+       "hierfit: --chart cannot be \"1.5\"; it is a whole number from 1 to 1000000."},
       {"-o r.docm " + model + result, 2,
        "hierfit: the ending of \"r.docm\" tells no form; say it with --format. Try "
        "'hierfit --help'"},
-      {"--format pdfx " + model + result, 2,
-       "hierfit: there is no form \"pdfx\". Try 'hierfit --help'"},
+      {"--format jsn " + model + result, 2, "hierfit: --format cannot be \"jsn\"; it is one of "},
+      {"--style= " + model + result, 2, "hierfit: --style needs an argument that is not empty."},
       {"--color sometimes " + model + result, 2,
-       "hierfit: --color must be auto, always or never. Try 'hierfit --help'"},
+       "hierfit: --color cannot be \"sometimes\"; it is one of auto, always or never. Try "},
+      {kExample + ".. --format html", 2, "hierfit: several reports need one folder: -o FOLDER."},
+      {"-o r.html " + kExample, 2,
+       "hierfit: several reports need a folder, and \"r.html\" names a file."},
+      {at, 2, "hierfit: the folder \"" + at + "\" holds no model document (.pmml)."},
       {"- -", 2, "hierfit: only one input can be standard input. Try 'hierfit --help'"},
   };
   const std::string before = directory.listing();
@@ -174,6 +185,62 @@ TEST_CASE("a failure is one sentence with its file, and a status") {
     CHECK(std::ranges::count(outcome.errors, '\n') == 1);
   }
   CHECK(directory.listing() == before);
+}
+
+TEST_CASE("several pairs make a report each and an index") {
+  const Directory directory;
+  fs::create_directories(directory / "in/a/b");
+  const auto copy = [&](const char* file, const std::string& to) {
+    fs::copy_file(kExample + file, directory / to);
+  };
+  copy("model.pmml", "in/a/model.pmml");
+  copy("result.xml", "in/a/result.xml");
+  copy("dictionary.json", "in/a/dictionary.json");
+  copy("model.pmml", "in/a/b/one.pmml");
+  copy("result.xml", "in/a/b/one.xml");
+  copy("model.pmml", "in/a/b/two & <three>.pmml");
+  write(directory / "in/a/b/two & <three>.xml", "<StatXML>\n<a></b>");
+  copy("model.pmml", "in/a/b/alone.pmml");
+
+  const std::string out = directory / "out";
+  const Outcome outcome =
+      shell("hierfit -o " + out + " -f html -f text --charts " + out + " " + (directory / "in"));
+  CHECK(outcome.status == 2);
+  CHECK(outcome.errors == "hierfit: " + (directory / "in/a/b/alone.pmml") +
+                              ": has no result document (.xml) beside it\n" +
+                              (directory / "in/a/b/two & <three>.xml") +
+                              ":2:6: not well-formed: this end tag does not match its start tag\n"
+                              "hierfit: 2 of 4 reports are not made\n");
+  CHECK(text_of(out + "/a/b/one.txt") == shell("hierfit " + kDocuments).output);
+  CHECK(text_of(out + "/a.txt") ==
+        shell("hierfit -d " + kExample + "dictionary.json " + kDocuments).output);
+  CHECK(fs::exists(out + "/a/01-predicted-by-observed.svg"));
+  const std::string index = text_of(out + "/index.html");
+  CHECK(index.find("<a href=\"./a/b/one.html\"") != std::string::npos);
+  CHECK(index.find("two &amp; &lt;three&gt;") != std::string::npos);
+  CHECK(std::ranges::count(index, '\n') < 100000);
+
+  CHECK(shell("hierfit -j 1 -o " + (directory / "two") + " " + kDocuments + " " + kDocuments)
+            .status == 0);
+  CHECK(fs::exists(directory / "two/salamanders-model.html"));
+}
+
+TEST_CASE("the manual page and the completions hold every option") {
+  const std::string manual = shell("hierfit --manual").output;
+  const std::string bash = shell("hierfit --completion bash").output;
+  for (const char* option : {"dictionary", "style", "chart-format", "version"}) {
+    CHECK(manual.find(std::string("-") + option) != std::string::npos);
+    CHECK(bash.find(std::string("--") + option) != std::string::npos);
+  }
+  CHECK(shell("hierfit --manual | mandoc -T lint -W all").output.empty());
+  CHECK(shell("hierfit --completion zsh | zsh -n").status == 0);
+  CHECK(shell("hierfit --completion fish | fish -n").status == 0);
+  const std::string complete =
+      "source <(hierfit --completion bash); _init() { COMP_WORDS=(\"$@\"); COMP_CWORD=$(($#-1)); "
+      "_hierfit; echo \"${COMPREPLY[*]}\"; }; _init hierfit ";
+  CHECK(shell(complete + "--style = a").output == "apa\n");
+  CHECK(shell(complete + "-f js").output == "json\n");
+  CHECK(shell(complete + "--dict").output == "--dictionary\n");
 }
 
 TEST_CASE("an old report survives every failure, and keeps its mode and its link") {

@@ -172,6 +172,11 @@ TEST_CASE("the language chooses the marks of the document") {
   CHECK(number_style("de-AT").decimal_mark == ",");
   CHECK(number_style("de-CH").decimal_mark == ".");
   CHECK(number_style("es-MX").decimal_mark == ".");
+  CHECK(number_style("fr-CA").percent == "\u202F%");
+  CHECK(canonical_tag("pt_br") == "pt-BR");
+  CHECK(canonical_tag("ZH_hANS-cn") == "zh-Hans-CN");
+  CHECK(serving_tags("zh-CN") == std::vector<std::string>{"zh-CN", "zh-Hans", "zh"});
+  CHECK(serving_tags("zh-Hant-HK") == std::vector<std::string>{"zh-Hant-HK", "zh-Hant", "zh"});
   CHECK(is_right_to_left("ar-EG"));
   CHECK_FALSE(is_right_to_left("art"));
 }

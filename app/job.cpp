@@ -1,0 +1,186 @@
+#include "app/job.h"
+
+#include <deque>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <unistd.h>
+
+#include "app/environment.h"
+#include "app/new_file.h"
+#include "embedded/files/whole_file.h"
+#include "embedded/session.h"
+#include "embedded/strings/language.h"
+#include "embedded/strings/string_table.h"
+#include "report/preset.h"
+
+namespace hierfit::app {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string name_of(const std::string& path) {
+  return path == kStandardStream ? "standard input" : path;
+}
+
+SessionInput read_inputs(const Pair& pair) {
+  SessionInput input;
+  input.pmml_name = name_of(pair.model);
+  input.pmml = read_whole_file(pair.model);
+  if (pair.result.empty()) {
+    throw FileError({pair.model, 0, 0}, "has no result document (.xml) beside it");
+  }
+  input.statxml_name = name_of(pair.result);
+  input.statxml = read_whole_file(pair.result);
+  if (!pair.dictionary.empty()) {
+    input.dictionary_name = name_of(pair.dictionary);
+    input.dictionary = read_whole_file(pair.dictionary);
+  }
+  return input;
+}
+
+/// The language asked for; one that only the environment asks for gives way to English when there
+/// is no catalogue for it.
+std::string language_of(const Options& options, const std::string& resources) {
+  if (!options.language.empty()) return canonical_tag(options.language);
+  std::string language = canonical_tag(language_of_environment());
+  const bool has_catalogue = StringTable(resources + "/locale", language).language() != "C";
+  return has_catalogue ? language : "en";
+}
+
+/// The journal on its way to a file.
+class JournalFile {
+ public:
+  explicit JournalFile(const std::string& path)
+      : path_(path), file_(path), stream_(file_.writable_path(), std::ios::binary) {
+    check();
+  }
+
+  std::ostream& stream() { return stream_; }
+
+  void finish() {
+    stream_.close();
+    check();
+    file_.flush();
+  }
+
+  void put_in_place() { file_.put_in_place(); }
+
+ private:
+  void check() const {
+    if (!stream_) throw FileError({path_, 0, 0}, "the journal cannot be written");
+  }
+
+  std::string path_;
+  NewFile file_;
+  std::ofstream stream_;
+};
+
+/// Everything that a job writes: first beside its place, then standard output, and only then into
+/// place.
+class Delivery {
+ public:
+  void add_file(const std::string& path, std::string_view text) {
+    files_.emplace_back(path).write(text);
+    files_.back().flush();
+  }
+
+  void add_folder(const std::string& path, const std::vector<report::File>& files) {
+    make_folder(path);
+    for (const report::File& file : files)
+      add_file((fs::path(path) / file.name).string(), file.text);
+  }
+
+  void add_standard_output(const std::string& text) { standard_output_.push_back(text); }
+
+  void finish() {
+    for (const std::string& text : standard_output_) {
+      if (write_standard_output(text) == Written::PipeClosed) break;
+    }
+    for (NewFile& file : files_)
+      file.put_in_place();
+  }
+
+ private:
+  static void make_folder(const std::string& path) {
+    std::error_code error;
+    fs::create_directories(path, error);
+    if (error) throw FileError({path, 0, 0}, "cannot be made: " + error.message());
+  }
+
+  std::deque<NewFile> files_;
+  std::vector<std::string> standard_output_;
+};
+
+output::Document make_document(SessionInput input,
+                               const Workshop& workshop,
+                               std::ostream* journal) {
+  Session session(std::move(input), {.language = workshop.language,
+                                     .resource_directory = workshop.program.resources,
+                                     .journal = journal});
+  const std::unique_ptr<CFProcCustom> procedure = workshop.module.make_procedure();
+  session.run(*procedure);
+  output::Document document = session.take_document();
+  report::apply(*report::preset_by_name(workshop.options.style), document);
+  return document;
+}
+
+report::Options look_of(const Output& output, const Options& options) {
+  constexpr size_t kWidthOfFiles = 80;
+  report::Options look;
+  look.chart = options.chart;
+  look.chart_width = options.chart_width;
+  look.resolution = options.resolution;
+  look.width = options.width;
+  if (output.to_standard_output()) {
+    look.colour = uses_colour(options.colour, STDOUT_FILENO);
+    if (look.width == Options::kTerminalWidth) look.width = display_width(STDOUT_FILENO);
+  }
+  if (look.width == Options::kTerminalWidth) look.width = kWidthOfFiles;
+  return look;
+}
+
+void render(const Output& output,
+            const output::Document& document,
+            const Options& options,
+            Delivery& delivery) {
+  const report::Options look = look_of(output, options);
+  if (output.folder) {
+    delivery.add_folder(output.path, output.form->render_folder(document, look));
+  } else if (output.to_standard_output()) {
+    delivery.add_standard_output(output.form->render(document, look));
+  } else {
+    delivery.add_file(output.path, output.form->render(document, look));
+  }
+}
+
+}  // namespace
+
+Workshop::Workshop(const Options& given)
+    : program(find_program()),
+      module(program.module),
+      language(language_of(given, program.resources)),
+      options(given) {}
+
+output::Document make(const Job& job, const Workshop& workshop) {
+  SessionInput input = read_inputs(job.pair);
+  std::optional<JournalFile> journal;
+  if (!job.journal.empty()) journal.emplace(job.journal);
+  output::Document document =
+      make_document(std::move(input), workshop, journal ? &journal->stream() : nullptr);
+  if (journal) journal->finish();
+
+  Delivery delivery;
+  for (const Output& output : job.outputs)
+    render(output, document, workshop.options, delivery);
+  for (const report::ChartForm* form : job.chart_forms) {
+    const report::Options look = look_of({}, workshop.options);
+    delivery.add_folder(job.charts_folder, report::render_charts(document, *form, look));
+  }
+  delivery.finish();
+  if (journal) journal->put_in_place();
+  document.content = {};
+  return document;
+}
+
+}  // namespace hierfit::app

@@ -1,0 +1,138 @@
+#include "app/pairs.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <map>
+#include <unordered_map>
+
+#include "app/options.h"
+#include "embedded/error.h"
+
+namespace hierfit::app {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kDictionary = "dictionary.json";
+/// The index of the reports has this name.
+constexpr const char* kIndex = "index";
+
+std::string lower_case(std::string text) {
+  std::ranges::transform(text, text.begin(), [](unsigned char c) { return std::tolower(c); });
+  return text;
+}
+
+/// The documents that lie side by side.
+struct Neighbours {
+  std::vector<fs::path> models;
+  std::vector<fs::path> results;
+  bool dictionary = false;
+};
+
+/// All documents below a folder, by the folder they are in.
+std::map<fs::path, Neighbours> documents_below(const fs::path& folder) {
+  std::map<fs::path, Neighbours> found;
+  std::error_code error;
+  fs::recursive_directory_iterator entry(folder, error);
+  for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+    const fs::path& path = entry->path();
+    std::error_code unknown;
+    if (!entry->is_regular_file(unknown)) continue;
+    const std::string ending = lower_case(path.extension().string());
+    Neighbours& here = found[path.parent_path()];
+    if (ending == ".pmml") here.models.push_back(path);
+    if (ending == ".xml") here.results.push_back(path);
+    if (path.filename() == kDictionary) here.dictionary = true;
+  }
+  if (error) throw FileError({folder.string(), 0, 0}, "cannot be read: " + error.message());
+  for (auto& [path, here] : found) {
+    std::ranges::sort(here.models);
+    std::ranges::sort(here.results);
+  }
+  return found;
+}
+
+/// The result document of a model document, or nothing.
+fs::path result_of(const fs::path& model, const Neighbours& here) {
+  const auto same = std::ranges::find(here.results, model.stem(), &fs::path::stem);
+  if (same != here.results.end()) return *same;
+  if (here.models.size() == 1 && here.results.size() == 1) return here.results[0];
+  return {};
+}
+
+/// A model document that is alone in its folder is called as the folder.
+std::string name_of(const fs::path& model, const fs::path& folder, const Neighbours& here) {
+  const fs::path inside = model.lexically_relative(folder);
+  const fs::path parent = inside.parent_path();
+  if (here.models.size() == 1 && !parent.empty()) return parent.generic_string();
+  return (parent / inside.stem()).generic_string();
+}
+
+/// Collects pairs and keeps their names apart.
+class Collector {
+ public:
+  explicit Collector(const std::string& dictionary) : dictionary_(dictionary) {}
+
+  void add_folder(const std::string& input) {
+    const fs::path folder = fs::path(input).lexically_normal();
+    const size_t before = found_.pairs.size();
+    for (const auto& [path, here] : documents_below(folder)) {
+      for (const fs::path& model : here.models) {
+        const bool own = dictionary_.empty() && here.dictionary;
+        add({model.string(), result_of(model, here).string(),
+             own ? (path / kDictionary).string() : dictionary_, name_of(model, folder, here)});
+      }
+    }
+    if (found_.pairs.size() == before) {
+      throw UsageError("the folder \"" + input + "\" holds no model document (.pmml)");
+    }
+    found_.several = true;
+  }
+
+  void add_documents(const std::string& model, const std::string& result) {
+    const fs::path path = fs::absolute(model).lexically_normal();
+    std::string name = model == "-" ? "standard-input" : path.stem().string();
+    const std::string longer = path.parent_path().filename().string() + "-" + name;
+    if (uses_.contains(lower_case(name))) name = longer;
+    add({model, result, dictionary_, name});
+  }
+
+  Pairs take() {
+    found_.several = found_.several || found_.pairs.size() > 1;
+    return std::move(found_);
+  }
+
+ private:
+  void add(Pair pair) {
+    const std::string wanted = pair.name;
+    while (uses_[lower_case(pair.name)]++ > 0) {
+      pair.name = wanted + "-" + std::to_string(uses_[lower_case(wanted)]);
+    }
+    found_.pairs.push_back(std::move(pair));
+  }
+
+  const std::string& dictionary_;
+  Pairs found_;
+  std::unordered_map<std::string, size_t> uses_ = {{kIndex, 1}};  ///< by name in small letters
+};
+
+}  // namespace
+
+Pairs find_pairs(const std::vector<std::string>& inputs, const std::string& dictionary) {
+  Collector collector(dictionary);
+  std::error_code unknown;
+  for (size_t at = 0; at < inputs.size(); ++at) {
+    if (fs::is_directory(inputs[at], unknown)) {
+      collector.add_folder(inputs[at]);
+    } else if (at + 1 == inputs.size() || fs::is_directory(inputs[at + 1], unknown)) {
+      throw UsageError("\"" + inputs[at] + "\" needs a result document behind it");
+    } else {
+      collector.add_documents(inputs[at], inputs[at + 1]);
+      ++at;
+    }
+  }
+  return collector.take();
+}
+
+}  // namespace hierfit::app

@@ -1,0 +1,189 @@
+#include "app/several.h"
+
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
+#include <iostream>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <unistd.h>
+
+#include "app/complaint.h"
+#include "app/environment.h"
+#include "app/new_file.h"
+#include "app/progress.h"
+#include "report/index.h"
+
+namespace hierfit::app {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kIndexFile = "index.html";
+constexpr const char* kFormWithoutOption = "html";
+
+std::string folder_of(const Options& options) {
+  if (options.outputs.size() != 1 || options.outputs[0] == kStandardStream) {
+    throw UsageError("several reports need one folder: -o FOLDER");
+  }
+  if (!options.journal.empty()) throw UsageError("--journal is for one pair of documents");
+  std::error_code unknown;
+  const std::string& folder = options.outputs[0];
+  if (!fs::is_directory(folder, unknown) && report::form_by_ending(folder) != nullptr) {
+    throw UsageError("several reports need a folder, and \"" + folder + "\" names a file");
+  }
+  return folder;
+}
+
+std::vector<const report::Form*> forms_of(const Options& options) {
+  std::vector<const report::Form*> forms;
+  for (const std::string& name : options.forms) {
+    const report::Form* form = report::form_by_name(name);
+    if (std::ranges::find(forms, form) == forms.end()) forms.push_back(form);
+  }
+  if (forms.empty()) forms.push_back(report::form_by_name(kFormWithoutOption));
+  return forms;
+}
+
+std::string usual_ending(const report::Form& form) {
+  return std::string(form.endings.substr(0, form.endings.find(' ')));
+}
+
+/// What the makers of the reports share.
+class Makers {
+ public:
+  Makers(const SeveralJobs& several, const Workshop& workshop)
+      : several_(several), workshop_(workshop), failures_(several.jobs.size()) {}
+
+  /// Gives when every report is made or has failed; the progress has gone then.
+  void make_all() {
+    Progress progress(!workshop_.options.quiet, progress_line(0));
+    progress_ = &progress;
+    size_t count = workshop_.options.jobs;
+    if (count == 0) count = std::max(1U, std::thread::hardware_concurrency());
+    std::vector<std::jthread> threads;
+    for (size_t i = 1; i < std::min(count, several_.jobs.size()); ++i) {
+      threads.emplace_back([this] { work(); });
+    }
+    work();
+  }
+
+  const std::vector<std::optional<Complaint>>& failures() const { return failures_; }
+  /// The language and words of the reports; plain English when none was made.
+  const output::Document& words() const { return words_; }
+
+ private:
+  /// Takes jobs until none is left.
+  void work() {
+    for (size_t job; (job = next_++) < several_.jobs.size();) {
+      try {
+        make_one(several_.jobs[job]);
+      } catch (...) {
+        failures_[job] = current_complaint();
+        Location& where = failures_[job]->where;
+        if (where.file.empty()) where.file = several_.jobs[job].pair.model;
+      }
+      progress_->say(progress_line(++done_));
+    }
+  }
+
+  void make_one(const Job& job) {
+    for (const Output& output : job.outputs)
+      fs::create_directories(fs::path(output.path).parent_path());
+    output::Document words = make(job, workshop_);
+    const std::lock_guard lock(words_mutex_);
+    if (words_.words.empty()) words_ = std::move(words);
+  }
+
+  std::string progress_line(size_t done) const {
+    return "hierfit: " + std::to_string(done) + " of " + std::to_string(several_.jobs.size()) +
+           " reports \u2026";
+  }
+
+  const SeveralJobs& several_;
+  const Workshop& workshop_;
+  std::atomic<size_t> next_ = 0;
+  std::atomic<size_t> done_ = 0;
+  std::vector<std::optional<Complaint>> failures_;  ///< by job; each written by one thread
+  std::mutex words_mutex_;
+  output::Document words_;
+  Progress* progress_ = nullptr;
+};
+
+report::IndexEntry entry_of(const Job& job,
+                            const std::optional<Complaint>& failure,
+                            const std::string& folder) {
+  report::IndexEntry entry = {job.pair.name, {}, {}};
+  if (failure) {
+    entry.failure = failure->sentence;
+    return entry;
+  }
+  for (const Output& output : job.outputs) {
+    const fs::path path = fs::path(output.path).lexically_relative(folder);
+    entry.links.push_back({std::string(output.form->name), path.generic_string()});
+  }
+  return entry;
+}
+
+void write_index(const SeveralJobs& several, const Makers& makers) {
+  std::vector<report::IndexEntry> entries;
+  for (size_t job = 0; job < several.jobs.size(); ++job) {
+    entries.push_back(entry_of(several.jobs[job], makers.failures()[job], several.folder));
+  }
+  NewFile file((fs::path(several.folder) / kIndexFile).string());
+  file.write(report::render_index(makers.words(), entries));
+  file.flush();
+  file.put_in_place();
+}
+
+/// Says which reports are not made; gives the exit status.
+int complain(const SeveralJobs& several, const Makers& makers, bool colour) {
+  int status = kWritten;
+  size_t count = 0;
+  for (size_t job = 0; job < several.jobs.size(); ++job) {
+    const std::optional<Complaint>& failure = makers.failures()[job];
+    if (!failure) continue;
+    ++count;
+    status = std::max(status, failure->status);
+    std::cerr << complaint_line(*failure, colour);
+  }
+  if (count > 0) {
+    const std::string sentence = std::to_string(count) + " of " +
+                                 std::to_string(several.jobs.size()) + " reports are not made";
+    std::cerr << complaint_line({{}, sentence, status}, colour);
+  }
+  return status;
+}
+
+}  // namespace
+
+SeveralJobs several_jobs(const std::vector<Pair>& pairs,
+                         const std::vector<const report::ChartForm*>& chart_forms,
+                         const Options& options) {
+  SeveralJobs several = {folder_of(options), {}};
+  const std::vector<const report::Form*> forms = forms_of(options);
+  const fs::path folder = several.folder;
+  for (const Pair& pair : pairs) {
+    Job& job = several.jobs.emplace_back(Job{pair, {}, {}, chart_forms, {}});
+    for (const report::Form* form : forms) {
+      job.outputs.push_back({(folder / (pair.name + usual_ending(*form))).string(), form});
+    }
+    if (!options.charts.empty()) {
+      job.charts_folder = (fs::path(options.charts) / pair.name).string();
+    }
+  }
+  return several;
+}
+
+int make_several(const SeveralJobs& several, const Workshop& workshop) {
+  std::error_code error;
+  fs::create_directories(several.folder, error);
+  if (error) throw FileError({several.folder, 0, 0}, "cannot be made: " + error.message());
+  Makers makers(several, workshop);
+  makers.make_all();
+  write_index(several, makers);
+  return complain(several, makers, uses_colour(workshop.options.colour, STDERR_FILENO));
+}
+
+}  // namespace hierfit::app
