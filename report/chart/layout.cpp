@@ -56,6 +56,9 @@ class Page {
     scene_.title = chart.title.empty() ? texts.title : chart.title;
     scene_.description = describe(binding_);
     scene_.marks = std::move(page_.marks);
+    std::erase_if(scene_.marks, [](const Mark& mark) {
+      return mark.kind == MarkKind::Text && mark.text.empty();
+    });
     return std::move(scene_);
   }
 

@@ -1,7 +1,11 @@
-// Prints sample charts, for looking at: show_chart html [NAME...], or show_chart (svg|scene) NAME
+// Prints sample charts: show_chart html|marks [NAME...], or show_chart svg|scene NAME
+//
+// `marks` tells for each chart, as the page draws it for wide and for narrow screens, where its
+// marks lie; check_chart_page.py holds them against what a browser makes of `html`.
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "report/chart/chart.h"
@@ -12,31 +16,72 @@
 namespace {
 
 using namespace hierfit;
+using namespace hierfit::report::chart;
+using nlohmann::json;
+
+json point_json(const Point& point) { return {point.x, point.y}; }
+
+/// The points whose bounding box a browser finds for the mark; of a text the corners.
+std::vector<Point> extent_of(const Mark& mark) {
+  std::vector<Point> points = corners_of(mark);
+  if (mark.kind == MarkKind::Symbol)
+    points = symbol_outline(mark.symbol, {mark.box.x, mark.box.y}, mark.size);
+  std::erase_if(points, is_break);
+  return points;
+}
+
+void append_marks(json& out, const std::vector<Mark>& marks) {
+  for (const Mark& mark : marks) {
+    append_marks(out, mark.children);
+    if (mark.kind == MarkKind::Group) continue;
+    json points = json::array();
+    for (const Point& point : extent_of(mark))
+      points.push_back(point_json(point));
+    out.push_back({{"points", points}, {"text", mark.text}, {"tip", mark.tooltip}});
+    if (mark.kind == MarkKind::Image) out.back()["text"] = "";
+  }
+}
+
+json marks_of(const std::string& name, const output::Chart& chart) {
+  json all = {{"name", name}};
+  for (const auto& [key, width] : {std::pair{"wide", 740.0}, {"narrow", 358.0}}) {
+    const Scene scene = lay_out(chart, output::Document(), {.width = width, .texts = false});
+    json marks = json::array();
+    append_marks(marks, scene.marks);
+    all[key] = {{"width", scene.width}, {"height", scene.height}, {"marks", marks}};
+  }
+  return all;
+}
 
 std::string shown(const std::string& form, output::Document& document) {
   if (form == "html" || document.content.items.empty()) return report::render_html(document, {});
   const auto& chart = *std::get<std::unique_ptr<output::Chart>>(document.content.items.front());
   if (form == "svg") return report::render_svg(chart, document);
-  return report::chart::to_text(report::chart::lay_out(chart, document, {}));
+  return to_text(lay_out(chart, document, {}));
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   if (argc < 2) return 2;
+  const std::string form = argv[1];
   std::vector<tests::ChartSample> samples = tests::chart_samples();
   std::ranges::move(tests::hard_chart_samples(), std::back_inserter(samples));
   output::Document document;
   document.title = "Charts";
+  json marks = json::array();
   for (tests::ChartSample& sample : samples) {
     const bool wanted = argc == 2 || std::any_of(argv + 2, argv + argc, [&](const char* name) {
                           return sample.name == name;
                         });
     if (!wanted) continue;
+    if (form == "marks") marks.push_back(marks_of(sample.name, sample.chart));
     sample.chart.title += " (" + sample.name + ")";
     document.content.items.emplace_back(std::make_unique<output::Chart>(std::move(sample.chart)));
   }
-  const std::string text = shown(argv[1], document);
+  const std::string text = form == "marks"
+                               ? marks.dump(-1, ' ', false, json::error_handler_t::replace)
+                               : shown(form, document);
   std::fwrite(text.data(), 1, text.size(), stdout);
   return 0;
 }
