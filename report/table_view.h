@@ -1,0 +1,43 @@
+// A table laid out and its numbers written: what the writers of typeset forms look at.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "report/aligned_cells.h"
+#include "report/layout/table_layout.h"
+
+namespace hierfit::report {
+
+struct TableView {
+  TableView(const output::Document& of, const output::Table& shown);
+
+  /// What a head shows; null for nothing.
+  const output::Text* label_of(const Head& head) const;
+  /// The title over a stub column; null for none.
+  const output::Text* stub_title(size_t stub) const;
+  bool has_stub_titles() const;
+  /// The rows over the body, those of the columns or one for the titles of the stubs.
+  uint32_t head_rows() const;
+  uint32_t stubs() const { return static_cast<uint32_t>(layout.stubs.size()); }
+  uint32_t lines() const { return static_cast<uint32_t>(layout.lines.size()); }
+
+  /// The number of a cell that shows one.
+  const output::Number& number_of(const PlacedCell& placed) const;
+  /// The text of a cell that shows one, or of a label, caption or note.
+  std::string text(const output::Text& text) const;
+
+  /// The marks of notes as they are printed, "a,b"; empty for none.
+  std::string marks(const std::vector<uint32_t>& notes) const;
+  std::string marks(const Head& head) const;
+  std::string marks(const PlacedCell& placed) const;
+  bool captioned() const { return table.caption && !table.caption->shown.empty(); }
+
+  const output::Document& document;
+  const output::Table& table;
+  output::NumberStyle style;  ///< the document's, with a true minus
+  TableLayout layout;
+  AlignedCells cells;
+};
+
+}  // namespace hierfit::report

@@ -1,0 +1,171 @@
+// The workbook form: a sheet of contents, and one for each table and chart.
+#include <algorithm>
+
+#include "report/chart/chart.h"
+#include "report/outline.h"
+#include "report/picture/picture.h"
+#include "report/report.h"
+#include "report/xlsx/table_sheets.h"
+
+namespace hierfit::report {
+
+using output::Document;
+
+namespace xlsx {
+namespace {
+
+/// A workbook of more cells than this is written row by row; each sheet has a file of its own until
+/// the end then, so there must not be too many.
+constexpr size_t kManyCells = 200'000;
+constexpr size_t kManySheets = 200;
+
+/// Charts as pictures have twice the points of a screen.
+constexpr double kPictureScale = 2;
+
+constexpr char kContentsLink[] = "internal:'";
+
+class Report {
+ public:
+  Report(const Document& document, const Options& options)
+      : document_(document),
+        options_(options),
+        entries_(outline(document)),
+        workbook_(is_large(entries_)) {}
+
+  std::string write() {
+    set_properties();
+    write_contents();
+    for (const Entry& entry : entries_) {
+      if (entry.as<output::Table>() != nullptr) write_table(workbook_, document_, entry);
+      if (const auto* chart = entry.as<output::Chart>()) write_chart(entry, *chart);
+    }
+    return workbook_.take();
+  }
+
+ private:
+  static bool is_large(const std::vector<Entry>& entries) {
+    size_t cells = 0;
+    size_t sheets = 0;
+    for (const Entry& entry : entries) {
+      const auto* table = entry.as<output::Table>();
+      if (table != nullptr) cells += table->cells.size();
+      if (table != nullptr || entry.as<output::Chart>() != nullptr) ++sheets;
+    }
+    return cells > kManyCells && sheets < kManySheets;
+  }
+
+  /// The time of making would make each file another.
+  void set_properties() {
+    std::string title = report_title(document_);
+    title = first_units(title, 255);
+    lxw_doc_properties properties = {};
+    properties.title = title.data();
+    properties.created = 1;
+    workbook_set_properties(workbook_.get(), &properties);
+  }
+
+  // The contents.
+
+  void write_contents() {
+    lxw_worksheet* sheet = workbook_.add_sheet(sheet_name(document_.word("Contents")));
+    set_up(sheet, document_, false);
+    worksheet_fit_to_pages(sheet, 1, 0);
+    worksheet_set_column(sheet, 0, 0, kNumberWidth, nullptr);
+    worksheet_set_column(sheet, 1, 1, kTitleWidth, nullptr);
+    const Look title = {.size = 15, .bold = true};
+    write_runs(workbook_, sheet, 0, 0, {{report_title(document_), title}}, title);
+    uint32_t row = 2;
+    for (const Entry& entry : entries_) {
+      if (row == kMostRows) break;
+      if (const auto* section = entry.as<output::Section>()) {
+        write_heading(sheet, ++row, entry, *section);
+      } else if (const auto* message = entry.as<output::Message>()) {
+        write_message(sheet, row, *message);
+      } else {
+        write_link(sheet, row, entry);
+      }
+      ++row;
+    }
+  }
+
+  void write_heading(lxw_worksheet* sheet,
+                     uint32_t row,
+                     const Entry& entry,
+                     const output::Section& section) {
+    Look look = {.size = entry.level > 1 ? 10.0 : 12.0, .bold = true};
+    write_runs(workbook_, sheet, row, 0, {{shown(section.title), look}}, look);
+  }
+
+  void write_message(lxw_worksheet* sheet, uint32_t row, const output::Message& message) {
+    const Look word = {.bold = true};
+    const std::string severity(severity_word(message.severity, document_));
+    write_runs(workbook_, sheet, row, 0, {{severity, word}}, word);
+    const Look text = {.wraps = true};
+    write_runs(workbook_, sheet, row, 1, {{shown(message.text), text}}, text);
+  }
+
+  void write_link(lxw_worksheet* sheet, uint32_t row, const Entry& entry) {
+    const Look number = {.quiet = true};
+    write_runs(workbook_, sheet, row, 0, {{numbered(entry, document_), number}}, number);
+    const std::string title = first_units(shown(title_of(entry)), kMostCharacters);
+    const Look link = {.link = true, .wraps = true};
+    if (row < kMostLinks) {
+      const std::string place = kContentsLink + sheet_name(entry, document_) + "'!A1";
+      worksheet_write_url(sheet, row, 1, place.c_str(), nullptr);
+    }
+    write_runs(workbook_, sheet, row, 1, {{title, link}}, link);
+  }
+
+  std::string shown(const output::Text& text) const {
+    output::NumberStyle style = document_.numbers;
+    style.minus = "\u2212";
+    return clean(restyled(text, style));
+  }
+
+  // A chart: its picture on a sheet.
+
+  void write_chart(const Entry& entry, const output::Chart& chart) {
+    lxw_worksheet* sheet = workbook_.add_sheet(sheet_name(entry, document_));
+    set_up(sheet, document_, true);
+    write_title(workbook_, sheet, numbered(entry, document_),
+                {{shown(title_of(entry)), {.italic = true}}});
+    fix_grid(sheet);
+    const std::string svg = render_svg(chart, document_, options_.chart_width);
+    const std::string png = png_of_svg(svg, kPictureScale);
+    std::string description = clean(describe_chart(chart, document_));
+    lxw_image_options place = {};
+    place.description = description.data();
+    place.object_position = LXW_OBJECT_MOVE_DONT_SIZE;
+    worksheet_insert_image_buffer_opt(sheet, kTitleRows, 0,
+                                      reinterpret_cast<const unsigned char*>(png.data()),
+                                      png.size(), &place);
+    worksheet_fit_to_pages(sheet, 1, 1);
+  }
+
+  /// Programs take the size of a picture from the cells under it: those must have the same size
+  /// everywhere.
+  static void fix_grid(lxw_worksheet* sheet) {
+    constexpr double kRowHeight = 15.75;
+    constexpr double kColumnWidth = 9;
+    constexpr lxw_col_t kColumnsUnder = 40;
+    worksheet_set_default_row(sheet, kRowHeight, LXW_FALSE);
+    worksheet_set_column(sheet, 0, kColumnsUnder, kColumnWidth, nullptr);
+  }
+
+  static constexpr double kNumberWidth = 12;
+  static constexpr double kTitleWidth = 80;
+
+  const Document& document_;
+  const Options& options_;
+  std::vector<Entry> entries_;
+  Workbook workbook_;
+};
+
+}  // namespace
+}  // namespace xlsx
+
+std::string render_xlsx(const Document& document, const Options& options) {
+  return xlsx::Report(document, options).write();
+}
+
+}  // namespace hierfit::report
