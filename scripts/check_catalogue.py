@@ -2,8 +2,8 @@
 """Checks the string tables: check_catalogue.py [CATALOGUE.po ...]
 
 The keys are those of locale/en.po. English is held against its keys, any other language against
-English: the same keys, places (^n), list forms ([first:further:]n) and escapes. Without arguments
-it checks all of locale/. Each fault is one line, "file:line: message"; the status is 1 then, and 2
+English: the same keys, places (^n), list forms ([first:further:]n) and escapes. A key of English is
+asked for somewhere in the sources. Without arguments it checks all of locale/. Each fault is one line, "file:line: message"; the status is 1 then, and 2
 for a catalogue that cannot be read.
 """
 import ast
@@ -13,7 +13,15 @@ from collections import Counter
 from dataclasses import dataclass
 from pathlib import Path
 
-LOCALE = Path(__file__).resolve().parent.parent / "locale"
+ROOT = Path(__file__).resolve().parent.parent
+LOCALE = ROOT / "locale"
+
+# Where keys are asked for. The list of the report's words only repeats what report/ asks for.
+SOURCES = ("backend", "embedded", "report")
+LIST_OF_WORDS = ROOT / "embedded/strings/report_words.h"
+
+# Keys that the engine's documents bring.
+KEYS_OF_DOCUMENTS = re.compile(r"kGLMM_C\d+|Dispersion|Var\(\^1\)|Cov\(\^1,\^2\)")
 
 # Keys that do not show all places of their text: a pattern that does.
 PLACES_OF_KEYS = {
@@ -41,6 +49,7 @@ PLACES_IN_ORDER = "Probability Distribution ^1, Link Function ^2 ..."
 LIST_FORM = re.compile(r"\[((?:[^\\\[\]:]|\\.)*):((?:[^\\\[\]:]|\\.)*):\]([1-9])", re.DOTALL)
 PLACE = re.compile(r"\\.|\^([1-9])", re.DOTALL)
 ESCAPE = re.compile(r"\\(.?)", re.DOTALL)
+LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
 PO_LINE = re.compile(r'(?:(msgid|msgstr)\s+)?("(?:[^"\\]|\\[nt"\\])*")\s*')
 
 
@@ -174,6 +183,27 @@ def check_entries(entries, english, is_english):
             yield 1, f'"{key}" is missing'.replace("\n", "\\n")
 
 
+def literals():
+    """The texts between quotation marks in the sources; those side by side are one."""
+    found = set()
+    for folder in SOURCES:
+        for path in (ROOT / folder).rglob("*"):
+            if path.suffix not in (".cpp", ".h") or path == LIST_OF_WORDS:
+                continue
+            joined = re.sub(r'"\s*\n\s*"', "", path.read_text(encoding="utf-8"))
+            found.update(text.replace("\\n", "\n").replace('\\"', '"').replace("\\\\", "\\")
+                         for text in LITERAL.findall(joined))
+    return found
+
+
+def check_use(entries):
+    """The keys that nothing asks for."""
+    asked = literals()
+    for entry in entries:
+        if entry.key not in asked and not KEYS_OF_DOCUMENTS.fullmatch(entry.key):
+            yield entry.line, f'"{entry.key}" is asked for nowhere'.replace("\n", "\\n")
+
+
 def check_catalogue(path, english):
     """All faults of one catalogue, each with its line."""
     entries = read_entries(path)
@@ -184,6 +214,7 @@ def check_catalogue(path, english):
     if is_english:
         absent = PLACES_OF_KEYS.keys() | {FIXED_LIST_FORM, PLACES_IN_ORDER}
         faults += [(1, f'"{key}" is missing') for key in sorted(absent - english.keys())]
+        faults += check_use(entries[1:])
     return faults + list(check_entries(entries[1:], english, is_english))
 
 
