@@ -26,6 +26,12 @@ class Digits {
         std::to_chars(buffer_.data(), buffer_.data() + buffer_.size(), magnitude, form, precision);
     length_ = error == std::errc() ? static_cast<size_t>(end - buffer_.data()) : 0;
   }
+  /// As few digits as read back as the same number, in fixed form.
+  explicit Digits(double magnitude) {
+    const auto [end, error] = std::to_chars(buffer_.data(), buffer_.data() + buffer_.size(),
+                                            magnitude, std::chars_format::fixed);
+    length_ = error == std::errc() ? static_cast<size_t>(end - buffer_.data()) : 0;
+  }
   std::string_view view() const { return {buffer_.data(), length_}; }
 
  private:
@@ -94,20 +100,31 @@ bool is_significance(const Number& number) {
   return number.format == Format::Significance && number.value >= 0 && number.value <= 1;
 }
 
+void append_probability(std::string& out, std::string_view digits, const NumberStyle& style) {
+  const bool drops_zero = !style.significance_zero && digits.starts_with("0.");
+  append_with_mark(out, digits.substr(drops_zero ? 1 : 0), style);
+}
+
+/// A significance beyond what the style tells apart: the bound, in the digits that it needs.
+void append_bound(std::string& out,
+                  const std::string& relation,
+                  double bound,
+                  const NumberStyle& style) {
+  out += relation;
+  append_probability(out, Digits(bound).view(), style);
+}
+
 void append_significance(std::string& out, double value, const NumberStyle& style) {
   const auto* step = std::ranges::find_if(
       style.significance, [&](const SignificanceStep& each) { return value >= each.from; });
   if (step == style.significance.end()) {
-    step = &style.significance.back();
-    value = step->from;
-    out += style.less_than;
+    append_bound(out, style.less_than, style.significance.back().from, style);
   } else if (value > style.largest_significance) {
-    value = style.largest_significance;
-    out += style.more_than;
+    append_bound(out, style.more_than, style.largest_significance, style);
+  } else {
+    const Digits digits(value, std::chars_format::fixed, step->decimals);
+    append_probability(out, digits.view(), style);
   }
-  const Digits digits(value, std::chars_format::fixed, step->decimals);
-  const bool drops_zero = !style.significance_zero && digits.view().starts_with("0.");
-  append_with_mark(out, digits.view().substr(drops_zero ? 1 : 0), style);
 }
 
 }  // namespace

@@ -1,0 +1,81 @@
+// House styles: how numbers look in each, and that nothing but the look changes.
+#include "report/preset.h"
+
+#include <doctest/doctest.h>
+#include <nlohmann/json.hpp>
+
+#include "report/report.h"
+#include "tests/report/sample_documents.h"
+
+namespace hierfit::tests {
+namespace {
+
+using nlohmann::json;
+using output::Format;
+
+std::string shown_in(const char* preset, double value, Format format) {
+  output::Document document;
+  report::apply(*report::preset_by_name(preset), document);
+  return output::shown({value, format}, document.numbers);
+}
+
+/// A JSON report without what a reader sees: the numbers and where they stand.
+json without_looks(json value) {
+  if (value.is_object()) {
+    for (const char* look : {"shown", "label", "title", "format"})
+      value.erase(look);
+  }
+  if (value.is_structured()) {
+    for (json& inner : value)
+      inner = without_looks(std::move(inner));
+  }
+  return value;
+}
+
+}  // namespace
+
+TEST_CASE("house styles write numbers as their manuals say") {
+  struct Row {
+    double value;
+    Format format;
+    const char* normal;
+    const char* apa;
+    const char* jama;
+    const char* lancet;
+  };
+  const Row rows[] = {
+      {1.23456, Format::Coefficient, "1.235", "1.23", "1.23", "1\u00B723"},
+      {0.5, Format::GeneralStat, "0.500", "0.50", "0.50", "0\u00B750"},
+      {0.0004, Format::Coefficient, "4.000E-4", "4.000E-4", "4.000E-4", "4\u00B7000E-4"},
+      {0.23456, Format::Significance, "0.235", ".235", ".23", "0\u00B723"},
+      {0.01, Format::Significance, "0.010", ".010", ".01", "0\u00B7010"},
+      {0.0057, Format::Significance, "0.006", ".006", ".006", "0\u00B70057"},
+      {0.0005, Format::Significance, "<0.001", "< .001", "<.001", "0\u00B700050"},
+      {0.00005, Format::Significance, "<0.001", "< .001", "<.001", "<0\u00B70001"},
+      {0.9999, Format::Significance, "1.000", "1.000", ">.99", "1\u00B700"},
+      {1, Format::Significance, "1.000", "1.000", ">.99", "1\u00B700"},
+      {12, Format::Count, "12", "12", "12", "12"},
+      {45.678, Format::Percent, "45.7%", "45.7%", "45.7%", "45\u00B77%"},
+  };
+  for (const Row& row : rows) {
+    CAPTURE(row.value);
+    CHECK(shown_in("default", row.value, row.format) == row.normal);
+    CHECK(shown_in("apa", row.value, row.format) == row.apa);
+    CHECK(shown_in("jama", row.value, row.format) == row.jama);
+    CHECK(shown_in("lancet", row.value, row.format) == row.lancet);
+  }
+}
+
+TEST_CASE("a house style changes how cells look, not which there are") {
+  const json plain = json::parse(report::render_json(procedure_document(), {}));
+  for (const report::Preset& preset : report::kPresets) {
+    CAPTURE(preset.name);
+    output::Document document = procedure_document();
+    report::apply(preset, document);
+    const json styled = json::parse(report::render_json(document, {}));
+    CHECK(without_looks(styled) == without_looks(plain));
+    CHECK((styled == plain) == (preset.name == "default"));
+  }
+}
+
+}  // namespace hierfit::tests
