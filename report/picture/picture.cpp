@@ -106,6 +106,11 @@ std::string png_of_svg(std::string_view svg, double scale) {
   return png;
 }
 
+PictureSize size_of_svg(std::string_view svg) {
+  const Picture picture = load(svg);
+  return {picture.width, picture.height};
+}
+
 std::string pdf_of_svg(std::string_view svg) {
   const Picture picture = load(svg);
   const double width = picture.width * kPointsPerInch / kPixelsPerInch;

@@ -11,6 +11,15 @@ namespace hierfit::report {
 /// `std::runtime_error` when it is no SVG.
 std::string png_of_svg(std::string_view svg, double scale);
 
+/// A size in pixels of 1/96 inch.
+struct PictureSize {
+  double width = 0;
+  double height = 0;
+};
+
+/// How large an SVG is. Throws as `png_of_svg`.
+PictureSize size_of_svg(std::string_view svg);
+
 /// An SVG as a PDF of one page of its size, with text as text and lines as lines. Throws as
 /// `png_of_svg`.
 std::string pdf_of_svg(std::string_view svg);

@@ -73,6 +73,8 @@ Workbook::Workbook(bool sequential) : file_(memfd_create("workbook", MFD_CLOEXEC
     close(file_);
     fail("no memory for it");
   }
+  // Programs measure columns in digits of the first format's font.
+  set(STAILQ_FIRST(workbook_->formats), {});
 }
 
 Workbook::~Workbook() {

@@ -129,8 +129,8 @@ class Report {
     set_up(sheet, document_, true);
     write_title(workbook_, sheet, numbered(entry, document_),
                 {{shown(title_of(entry)), {.italic = true}}});
-    fix_grid(sheet);
     const std::string svg = render_svg(chart, document_, options_.chart_width);
+    fix_grid(sheet, size_of_svg(svg));
     const std::string png = png_of_svg(svg, kPictureScale);
     std::string description = clean(describe_chart(chart, document_));
     lxw_image_options place = {};
@@ -144,12 +144,16 @@ class Report {
 
   /// Programs take the size of a picture from the cells under it: those must have the same size
   /// everywhere.
-  static void fix_grid(lxw_worksheet* sheet) {
+  static void fix_grid(lxw_worksheet* sheet, const PictureSize& size) {
     constexpr double kRowHeight = 15.75;
+    constexpr double kRowPixels = 21;
     constexpr double kColumnWidth = 9;
-    constexpr lxw_col_t kColumnsUnder = 40;
-    worksheet_set_default_row(sheet, kRowHeight, LXW_FALSE);
-    worksheet_set_column(sheet, 0, kColumnsUnder, kColumnWidth, nullptr);
+    constexpr double kColumnPixels = 68;
+    const auto rows = static_cast<uint32_t>(std::min(size.height / kRowPixels, 1000.0)) + 1;
+    for (uint32_t row = 0; row < rows; ++row)
+      worksheet_set_row(sheet, kTitleRows + row, kRowHeight, nullptr);
+    const double columns = std::min(size.width / kColumnPixels, 1000.0);
+    worksheet_set_column(sheet, 0, static_cast<lxw_col_t>(columns), kColumnWidth, nullptr);
   }
 
   static constexpr double kNumberWidth = 12;
