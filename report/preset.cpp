@@ -17,6 +17,11 @@ using output::Text;
 constexpr std::string_view kSignificanceLabels[] = {"Sig.", "Adj. Sig."};
 constexpr std::string_view kSymbolLabels[] = {"F", "t", "df", "df1", "df2"};
 
+/// Other scripts have no italics.
+bool is_latin(std::string_view text) {
+  return std::ranges::all_of(text, [](unsigned char c) { return c < 0x80; });
+}
+
 void write_number_style(const Preset& preset, output::NumberStyle& numbers) {
   if (!preset.decimal_mark.empty()) numbers.decimal_mark = preset.decimal_mark;
   numbers.less_than = preset.less_than;

@@ -17,7 +17,8 @@ ROOT = Path(__file__).resolve().parent.parent
 LOCALE = ROOT / "locale"
 
 # Where keys are asked for. The list of the report's words only repeats what report/ asks for.
-SOURCES = ("backend", "embedded", "report")
+SOURCES = ("backend", "embedded", "report", "templates")
+SUFFIXES = (".cpp", ".h", ".xml", ".glyphtemplate")
 LIST_OF_WORDS = ROOT / "embedded/strings/report_words.h"
 
 # Keys that the engine's documents bring.
@@ -188,7 +189,7 @@ def literals():
     found = set()
     for folder in SOURCES:
         for path in (ROOT / folder).rglob("*"):
-            if path.suffix not in (".cpp", ".h") or path == LIST_OF_WORDS:
+            if path.suffix not in SUFFIXES or path == LIST_OF_WORDS:
                 continue
             joined = re.sub(r'"\s*\n\s*"', "", path.read_text(encoding="utf-8"))
             found.update(text.replace("\\n", "\n").replace('\\"', '"').replace("\\\\", "\\")
