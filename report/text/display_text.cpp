@@ -43,14 +43,47 @@ void split(std::string_view text, char divider, Visit visit) {
   }
 }
 
+bool holds(std::u32string_view set, int32_t code) {
+  return set.find(static_cast<char32_t>(code)) != std::u32string_view::npos;
+}
+
+bool is_digit(int32_t code) { return code >= '0' && code <= '9'; }
+
+/// Whether a line may end between two characters of a word: around a wide character, as in Chinese
+/// and Japanese, but not behind an opening bracket nor ahead of a closing one or a stop; ahead of a
+/// bracket and behind an operator or a separator, but not inside a number.
+bool divides(const Character& before, const Character& after) {
+  constexpr std::u32string_view kNotAtEnd = U"([{\u3008\u300A\u300C\u300E\u3010\uFF08";
+  constexpr std::u32string_view kNotAtStart =
+      U")]}\u3001\u3002\u3009\u300B\u300D\u300F\u3011\u30FC\uFF01\uFF05\uFF09\uFF0C\uFF1A\uFF1B"
+      U"\uFF1F,.:;%";
+  if (before.width == 2 || after.width == 2) {
+    return after.width > 0 && !holds(kNotAtEnd, before.code) && !holds(kNotAtStart, after.code);
+  }
+  if (holds(U",:", before.code)) return !is_digit(after.code);
+  return holds(U"([{", after.code) || holds(U"*/=;|+&", before.code);
+}
+
 /// The bytes of the first part that a word may be divided into; all of them when it has one part.
 size_t first_piece(std::string_view word) {
-  for (size_t at = 1; at < word.size(); ++at) {
-    const bool opens = std::string_view("([{").find(word[at]) != std::string_view::npos;
-    const bool behind = std::string_view("*/=,;:|+&").find(word[at - 1]) != std::string_view::npos;
-    if (opens || behind) return at;
+  Character before = first_character(word);
+  for (size_t at = before.bytes; at < word.size();) {
+    const Character after = first_character(word.substr(at));
+    if (divides(before, after)) return at;
+    at += after.bytes;
+    if (after.width > 0) before = after;
   }
   return word.size();
+}
+
+/// Whether the word is of a script that does without blanks, so that its line need not end first.
+bool runs_on(std::string_view word) {
+  while (!word.empty()) {
+    const Character next = first_character(word);
+    if (next.width == 2) return true;
+    word.remove_prefix(next.bytes);
+  }
+  return false;
 }
 
 /// Fills lines with words.
@@ -69,8 +102,12 @@ class Wrapper {
     const size_t width = display_width(word);
     const size_t gap = line_.empty() ? 0 : 1;
     if (used_ + gap + width <= width_) return append(gap, word, width);
-    if (!line_.empty()) end_line();
-    if (width <= width_) return append(0, word, width);
+    if (runs_on(word)) {
+      if (used_ + gap < width_) append(gap, "", 0);
+    } else {
+      if (!line_.empty()) end_line();
+      if (width <= width_) return append(0, word, width);
+    }
     while (!word.empty()) {
       const size_t bytes = first_piece(word);
       add_piece(word.substr(0, bytes));
@@ -102,6 +139,7 @@ class Wrapper {
   }
 
   void end_line() {
+    if (line_.ends_with(' ')) line_.pop_back();
     lines_.push_back(std::move(line_));
     line_.clear();
     used_ = 0;

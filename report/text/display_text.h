@@ -16,9 +16,9 @@ size_t display_width(std::string_view line);
 std::string printable(std::string_view text);
 
 /// The lines of a printable text, each at most `width` columns (at least 2): broken at its line
-/// feeds, else at blanks, else inside a word: where it may be divided, in front of a bracket or
-/// behind one of "*/=,;:|+&", or else anywhere but ahead of a combining character. One empty line
-/// for an empty text.
+/// feeds, else at blanks, else inside a word: where it may be divided (around wide characters, in
+/// front of a bracket, behind one of "*/=;|+&", and behind "," and ":" outside numbers), or else
+/// anywhere but ahead of a combining character. One empty line for an empty text.
 std::vector<std::string> wrapped(std::string_view text, size_t width);
 
 /// The width of the longest word, of the longest part of a word that it may be divided into, or of

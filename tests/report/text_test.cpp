@@ -118,6 +118,9 @@ TEST_CASE("text for a terminal") {
     CHECK(display_width("日本") == 4);
     CHECK(display_width("e\u0301") == 1);
     CHECK(wrapped("日本語", 4) == std::vector<std::string>{"日本", "語"});
+    CHECK(wrapped("a 値が小さい。次（x）", 8) ==
+          std::vector<std::string>{"a 値が小", "さい。次", "（x）"});
+    CHECK(wrapped("p=0,05: 97,5%-KI", 9) == std::vector<std::string>{"p=0,05:", "97,5%-KI"});
     CHECK(wrapped("e\u0301e\u0301e\u0301", 2) ==
           std::vector<std::string>{"e\u0301e\u0301", "e\u0301"});
   }
