@@ -2,10 +2,10 @@
 #include <algorithm>
 #include <array>
 
-#include "report/html/assets.h"
 #include "report/html/html_chart.h"
 #include "report/html/html_table.h"
 #include "report/html/markup.h"
+#include "report/html/page.h"
 #include "report/report.h"
 #include "report/wording.h"
 
@@ -30,6 +30,22 @@ constexpr std::array<MessageLook, 3> kMessageLooks = {{
     {"error", "Error:"},
 }};
 
+/// What a reader can do with a table: the name of the action for the script, its word, and the sign
+/// that a button shows in its place. Without an action the word stands ahead of the next buttons.
+struct Tool {
+  std::string_view action;
+  std::string_view word;
+  std::string_view sign;
+};
+constexpr std::array<Tool, 6> kTools = {{
+    {"text", "Copy as text", ""},
+    {"table", "Copy as table", ""},
+    {"", "Decimals", ""},
+    {"fewer", "Fewer decimals", "\u2212"},
+    {"more", "More decimals", "+"},
+    {"given", "Decimals as in the report", "\u21BA"},
+}};
+
 class HtmlReport {
  public:
   HtmlReport(const Document& document, const Options& options)
@@ -38,59 +54,21 @@ class HtmlReport {
   }
 
   std::string write() {
-    write_head();
-    write_masthead();
+    html::append_page_begin(out_, document_,
+                            document_.title.empty() ? document_.word("Report") : document_.title,
+                            options_.theme);
     write_contents();
     out_ += "<main id=\"main\">\n";
+    write_way_back();
     write_items(document_.content, 2);
-    out_ += "</main>\n<script>";
-    out_ += html::kScript.content;
-    out_ += "</script>\n</body>\n</html>\n";
+    out_ += "</main>\n";
+    write_tools();
+    html::append_page_end(out_);
     return std::move(out_);
   }
 
  private:
   void write_word(std::string_view key) { html::append_escaped(out_, document_.word(key)); }
-
-  void write_title() {
-    if (document_.title.empty()) return write_word("Report");
-    html::append_escaped(out_, document_.title);
-  }
-
-  void write_head() {
-    out_ += "<!doctype html>\n<html lang=\"";
-    html::append_escaped(out_, document_.language);
-    out_ += document_.right_to_left ? "\" dir=\"rtl\"" : "\" dir=\"ltr\"";
-    if (options_.theme == "light" || options_.theme == "dark") {
-      ((out_ += " data-theme=\"") += options_.theme) += '"';
-    }
-    out_ += ">\n<head>\n<meta charset=\"utf-8\">\n";
-    out_ +=
-        "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src '";
-    out_ += html::kStyle.source;
-    out_ += "'; script-src '";
-    out_ += html::kScript.source;
-    out_ += "'; img-src data:; base-uri 'none'; form-action 'none'\">\n";
-    out_ += "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>";
-    write_title();
-    out_ += "</title>\n<style>";
-    out_ += html::kStyle.content;
-    out_ += "</style>\n</head>\n";
-  }
-
-  void write_masthead() {
-    out_ += "<body>\n<a class=\"skip\" href=\"#main\">";
-    write_word("Skip to the results");
-    out_ += "</a>\n<header>\n<h1>";
-    write_title();
-    out_ += "</h1>\n<button id=\"theme\" type=\"button\" hidden data-auto=\"";
-    write_word("Theme: automatic");
-    out_ += "\" data-light=\"";
-    write_word("Theme: light");
-    out_ += "\" data-dark=\"";
-    write_word("Theme: dark");
-    out_ += "\"></button>\n</header>\n";
-  }
 
   // The contents: the headings, the tables and the charts, nested as they lie.
 
@@ -98,10 +76,21 @@ class HtmlReport {
     if (!has_entries(document_.content)) return;
     out_ += "<nav aria-labelledby=\"contents\">\n<h2 id=\"contents\">";
     write_word("Contents");
-    out_ += "</h2>\n";
+    out_ += "</h2>\n<input id=\"filter\" type=\"search\" autocomplete=\"off\" hidden";
+    html::append_attribute(out_, "aria-label", document_.word("Filter the contents"));
+    html::append_attribute(out_, "placeholder", document_.word("Filter the contents"));
+    out_ += ">\n";
     write_entries(document_.content);
     out_ += "</nav>\n";
     sections_ = tables_ = charts_ = 0;
+  }
+
+  /// A link to the contents that stays in view where they do not stand at the side.
+  void write_way_back() {
+    if (!has_entries(document_.content)) return;
+    out_ += "<a class=\"back\" href=\"#contents\">";
+    write_word("Contents");
+    out_ += "</a>\n";
   }
 
   static bool has_entries(const Section& section) {
@@ -150,6 +139,45 @@ class HtmlReport {
   void open_entry(char part, uint32_t number) {
     ((out_ += "<li><a href=\"#") += part) += std::to_string(number);
     out_ += "\">";
+  }
+
+  /// What the script puts beneath each table, with the marks that it writes numbers by.
+  void write_tools() {
+    out_ += "<template id=\"tools\"";
+    write_value("mark", style_.decimal_mark);
+    write_value("minus", style_.minus);
+    write_value("less", style_.less_than);
+    if (style_.largest_significance < 1) write_value("more", style_.more_than);
+    if (style_.significance_zero) write_value("zero", "0");
+    out_ += "><div class=\"tools\" role=\"group\">\n";
+    for (const auto& [action, key, sign] : kTools)
+      write_tool(action, document_.word(key), sign);
+    out_ += "<span role=\"status\"";
+    write_value("copied", document_.word("Copied"));
+    out_ += "></span>\n</div></template>\n";
+  }
+
+  void write_tool(std::string_view action, std::string_view word, std::string_view sign) {
+    if (action.empty()) {
+      out_ += "<span class=\"d\">";
+      html::append_escaped(out_, word);
+      out_ += "</span>\n";
+      return;
+    }
+    out_ += "<button type=\"button\"";
+    write_value("do", action);
+    if (!sign.empty()) {
+      html::append_attribute(out_, "class", "d");
+      html::append_attribute(out_, "aria-label", word);
+      html::append_attribute(out_, "title", word);
+    }
+    out_ += '>';
+    html::append_escaped(out_, sign.empty() ? word : sign);
+    out_ += "</button>\n";
+  }
+
+  void write_value(std::string_view name, std::string_view value) {
+    html::append_attribute(out_, "data-" + std::string(name), value);
   }
 
   // The results.

@@ -176,11 +176,7 @@ void HtmlTable::write_gap(uint32_t columns) {
 
 void HtmlTable::write_cell(const AlignedCell& cell, const PlacedCell& placed) {
   out_ += "<td";
-  if (cells_.columns[placed.column].mixed) {
-    out_ += " class=\"t\"";
-  } else if (cell.kind == CellKind::Number) {
-    write_padding(cell, placed.column);
-  }
+  write_cell_class(cell, placed.column);
   if (named_) write_headers(placed.column);
   if (cell.kind == CellKind::Number) {
     out_ += " data-value=\"";
@@ -196,22 +192,24 @@ void HtmlTable::write_cell(const AlignedCell& cell, const PlacedCell& placed) {
   out_ += "</td>";
 }
 
-void HtmlTable::write_padding(const AlignedCell& cell, uint32_t column) {
+void HtmlTable::write_cell_class(const AlignedCell& cell, uint32_t column) {
+  std::string classes;
+  if (cells_.columns[column].mixed) classes = " t";
+  if (cell.kind == CellKind::Number && cell.format == output::Format::Significance) classes += " p";
+  if (cell.kind == CellKind::Number && !cells_.columns[column].mixed) {
+    append_padding(classes, cell, column);
+  }
+  if (!classes.empty()) ((out_ += " class=\"") += std::string_view(classes).substr(1)) += '"';
+}
+
+void HtmlTable::append_padding(std::string& classes,
+                               const AlignedCell& cell,
+                               uint32_t column) const {
   const int left = std::min(cells_.columns[column].whole - cell.whole, kMostLeftSteps);
   const int right =
       std::min(right_[column] - right_steps(cell.fraction, cell.tail), kMostRightSteps);
-  if (left == 0 && right == 0) return;
-  out_ += " class=\"";
-  if (left > 0) {
-    out_ += 'l';
-    append_number(out_, static_cast<uint32_t>(left));
-    if (right > 0) out_ += ' ';
-  }
-  if (right > 0) {
-    out_ += 'r';
-    append_number(out_, static_cast<uint32_t>(right));
-  }
-  out_ += '"';
+  if (left > 0) append_number(classes += " l", static_cast<uint32_t>(left));
+  if (right > 0) append_number(classes += " r", static_cast<uint32_t>(right));
 }
 
 void HtmlTable::write_headers(uint32_t column) {

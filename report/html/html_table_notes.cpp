@@ -74,7 +74,7 @@ void HtmlTable::write_note(uint32_t mark) {
   }
   out_ += " href=\"#";
   append_id('m', mark);
-  ((out_ += "\">") += mark_letters(mark)) += "</a></sup> ";
+  ((out_ += "\" role=\"doc-backlink\">") += mark_letters(mark)) += "</a></sup> ";
   append_text(out_, table_.notes[layout_.notes[mark]], style_);
   out_ += "</span></td></tr>\n";
 }

@@ -94,9 +94,12 @@ class HtmlTable {
   void write_gap(uint32_t columns);
   void write_cell(const AlignedCell& cell, const PlacedCell& placed);
 
+  /// "t" in a column with texts, "p" for a significance, and the padding.
+  void write_cell_class(const AlignedCell& cell, uint32_t column);
+
   /// The numbers of a column are padded to one width, so that centring them keeps their decimal
-  /// marks in line.
-  void write_padding(const AlignedCell& cell, uint32_t column);
+  /// marks in line: "l" and digits ahead of them, "r" and half digits behind.
+  void append_padding(std::string& classes, const AlignedCell& cell, uint32_t column) const;
   void write_headers(uint32_t column);
   void write_content(const AlignedCell& cell);
   void write_digits(std::string_view digits, uint8_t tail);

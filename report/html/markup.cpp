@@ -42,6 +42,7 @@ void append_escaped(std::string& out, std::string_view text) {
 }
 
 void append_text(std::string& out, const output::Text& text, const output::NumberStyle& style) {
+  if (text.symbol) out += "<i>";
   const std::string restyled_text = restyled(text, style);
   std::string_view rest = restyled_text;
   for (size_t feed; (feed = rest.find('\n')) != std::string_view::npos;) {
@@ -50,6 +51,7 @@ void append_text(std::string& out, const output::Text& text, const output::Numbe
     rest.remove_prefix(feed + 1);
   }
   append_escaped(out, rest);
+  if (text.symbol) out += "</i>";
 }
 
 void append_number(std::string& out, uint32_t number) {

@@ -13,7 +13,7 @@ namespace hierfit::report::html {
 /// does not allow, become U+FFFD; line feeds and tabs stay.
 void append_escaped(std::string& out, std::string_view text);
 
-/// A text with its lines divided by `<br>` and its numbers in `style`.
+/// A text with its lines divided by `<br>` and its numbers in `style`; a symbol in italics.
 void append_text(std::string& out, const output::Text& text, const output::NumberStyle& style);
 
 void append_number(std::string& out, uint32_t number);

@@ -15,8 +15,10 @@ output::Document with_table(TableBuilder builder) {
   return document;
 }
 
+/// A page without its script, which names tags, too.
 std::string page_of(TableBuilder builder) {
-  return report::render_html(with_table(std::move(builder)), {});
+  const std::string page = report::render_html(with_table(std::move(builder)), {});
+  return page.substr(0, page.find("<template"));
 }
 
 bool has(const std::string& page, std::string_view piece) {
@@ -47,6 +49,13 @@ TEST_CASE("cells of a page") {
     const std::string page = page_of(std::move(builder));
     CHECK(has(page, ">2.500<span class=\"e3\">E\u22125</span></td>"));
     CHECK(has(page, "<td class=\"r7\" data-value=\"1\">1.000</td>"));
+  }
+  SUBCASE("of a significance say so; a symbol at their head is in italics") {
+    builder.cell({{"a"}}, significance(0.0123)).cell({{"b"}}, significance(1e-9));
+    builder.table().dimensions[0].nodes[0].label.symbol = true;
+    const std::string page = page_of(std::move(builder));
+    CHECK(has(page, "<i>a</i></th><td class=\"p l1\" data-value=\"0.0123\">0.012</td>"));
+    CHECK(has(page, "<td class=\"p\" data-value=\"1e-09\">&lt;0.001</td>"));
   }
   SUBCASE("that are missing are empty to the eye and spoken") {
     output::Document document = with_table(std::move(builder.cell({{"a"}}, missing())));
@@ -83,7 +92,7 @@ TEST_CASE("note marks link to their notes and back, once") {
   const std::string page = page_of(std::move(builder));
   CHECK(occurrences(page, "href=\"#t1n0\"") == 2);
   CHECK(occurrences(page, "id=\"t1m0\"") == 1);
-  CHECK(occurrences(page, "id=\"t1n0\" href=\"#t1m0\"") == 1);
+  CHECK(occurrences(page, "id=\"t1n0\" href=\"#t1m0\" role=\"doc-backlink\"") == 1);
 }
 
 TEST_CASE("a long table is written in pieces, each with its heads") {
