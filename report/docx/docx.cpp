@@ -1,0 +1,298 @@
+// The text document form, for word processors.
+#include <algorithm>
+
+#include "report/docx/docx_table.h"
+#include "report/docx/markup.h"
+#include "report/docx/package.h"
+#include "report/docx/parts.h"
+#include "report/layout/page_table.h"
+#include "report/page_chart.h"
+#include "report/picture/picture.h"
+#include "report/report.h"
+
+namespace hierfit::report {
+
+using output::Document;
+
+namespace docx {
+namespace {
+
+constexpr uint32_t kDeepestHeading = 4;
+
+/// Pictures have three points for each of their pixels: 288 an inch.
+constexpr double kPictureScale = 3;
+constexpr double kPointsPerPixel = 0.75;
+constexpr double kEmusPerPoint = 12700;
+
+/// What a chart takes of a page at most, in points.
+constexpr double kChartWidth = kPaperWidth - 2 * kSideMargin;
+constexpr double kChartHeight = kPaperHeight - 2 * kEndMargin - 130;
+
+class Report {
+ public:
+  Report(const Document& document, const Options& options)
+      : document_(document), options_(options), pages_(plan_pages(document)) {}
+
+  std::string write() {
+    write_text();
+    std::vector<Part> parts = {{"[Content_Types].xml", std::string(kXml).append(kContentTypes)},
+                               {"_rels/.rels", std::string(kXml).append(kPackageRelations)},
+                               {"docProps/core.xml", core()},
+                               {"word/document.xml", std::move(out_)},
+                               {"word/_rels/document.xml.rels", relations()},
+                               {"word/styles.xml", styles()},
+                               {"word/settings.xml", std::string(kXml).append(kSettings)},
+                               {"word/footer1.xml", footer()}};
+    std::ranges::move(pictures_, std::back_inserter(parts));
+    return packed(parts);
+  }
+
+ private:
+  // The text.
+
+  void write_text() {
+    ((out_ = kXml) += "<w:document") += kNamespaces;
+    out_ += "><w:body>\n";
+    open_paragraph("Title");
+    append_run(out_, report_title(document_), {});
+    close_paragraph();
+    write_contents();
+    for (const auto& [entry, landscape] : pages_) {
+      turn(landscape);
+      std::visit([&, number = entry.number,
+                  level = entry.level](const auto* part) { write_part(*part, number, level); },
+                 entry.content);
+    }
+    write_section_end(landscape_);
+    out_ += "</w:body></w:document>\n";
+  }
+
+  void open_paragraph(std::string_view style) {
+    ((out_ += "<w:p><w:pPr><w:pStyle w:val=\"") += style) += "\"/></w:pPr>";
+  }
+  void close_paragraph() { out_ += "</w:p>\n"; }
+
+  /// A link to each heading, table and chart.
+  void write_contents() {
+    const auto listed = [](const PageEntry& page) {
+      return page.entry.as<output::Message>() == nullptr;
+    };
+    if (std::ranges::none_of(pages_, listed)) return;
+    open_paragraph("ContentsHeading");
+    append_run(out_, document_.word("Contents"), {});
+    close_paragraph();
+    for (const PageEntry& page : pages_) {
+      if (listed(page)) write_contents_entry(page.entry);
+    }
+    out_ += "<w:p><w:r><w:br w:type=\"page\"/></w:r></w:p>\n";
+  }
+
+  void write_contents_entry(const Entry& entry) {
+    constexpr double kStep = 12;
+    const std::string anchor = anchor_of(entry);
+    out_ += "<w:p><w:pPr><w:pStyle w:val=\"ContentsEntry\"/><w:ind";
+    append_attribute(out_, "w:left", twips(kStep * std::min(entry.level - 1, kDeepestHeading)));
+    out_ += "/></w:pPr>";
+    const bool heading = entry.as<output::Section>() != nullptr;
+    std::string number = numbered(entry, document_);
+    if (!number.empty()) append_run(out_, number += "  ", {.quiet = true, .link = anchor});
+    append_run(out_, one_line(shown(title_of(entry))), {.bold = heading, .link = anchor});
+    close_paragraph();
+  }
+
+  static std::string anchor_of(const Entry& entry) {
+    constexpr std::string_view kLetters = "stcm";
+    return kLetters[entry.content.index()] + std::to_string(entry.number);
+  }
+
+  static std::string one_line(std::string text) {
+    std::ranges::replace(text, '\n', ' ');
+    return text;
+  }
+
+  std::string shown(const output::Text& text) const {
+    output::NumberStyle style = document_.numbers;
+    style.minus = "\u2212";
+    return clean(restyled(text, style));
+  }
+
+  void write_part(const output::Section& section, uint32_t number, uint32_t level) {
+    open_paragraph("Heading" + std::to_string(std::min(level, kDeepestHeading)));
+    std::string title;
+    append_run(title, shown(section.title), {});
+    append_bookmark(out_, "s" + std::to_string(number), ++bookmarks_, title);
+    close_paragraph();
+  }
+
+  void write_part(const output::Table& table, uint32_t number, uint32_t) {
+    append_table(out_, document_, table, number, bookmarks_);
+  }
+
+  void write_part(const output::Message& message, uint32_t, uint32_t) {
+    open_paragraph("Message");
+    append_run(out_, severity_word(message.severity, document_), {.bold = true});
+    append_run(out_, " " + shown(message.text), {});
+    close_paragraph();
+  }
+
+  void write_part(const output::Chart& chart, uint32_t number, uint32_t) {
+    const double width = std::min(options_.chart_width, kChartWidth / kPointsPerPixel);
+    const PageChart page = page_chart(chart, document_, width);
+    std::string title;
+    append_run(title, page.title, {.italic = true});
+    if (!page.sub_title.empty()) append_run(title, "\n" + page.sub_title, {});
+    append_caption(out_, document_.word("Figure ^1"), "Figure", number,
+                   "c" + std::to_string(number), title, bookmarks_);
+    write_picture(page, number);
+    for (const std::string& note : page.notes) {
+      open_paragraph("TableNote");
+      append_run(out_, note, {});
+      close_paragraph();
+    }
+  }
+
+  void write_picture(const PageChart& page, uint32_t number) {
+    pictures_.push_back({"word/media/chart" + std::to_string(number) + ".png",
+                         png_of_svg(page.svg, kPictureScale)});
+    const PictureSize size = size_of_svg(page.svg);
+    const double scale = std::min({1.0, kChartWidth / (size.width * kPointsPerPixel),
+                                   kChartHeight / (size.height * kPointsPerPixel)});
+    std::string extent;
+    append_attribute(extent, "cx", emus(size.width * scale));
+    append_attribute(extent, "cy", emus(size.height * scale));
+    open_paragraph("Figure");
+    out_ += "<w:r><w:drawing><wp:inline distT=\"0\" distB=\"0\" distL=\"0\" distR=\"0\"><wp:extent";
+    (out_ += extent) += "/><wp:docPr";
+    write_picture_names(number, page.description);
+    out_ +=
+        "<wp:cNvGraphicFramePr><a:graphicFrameLocks noChangeAspect=\"1\"/>"
+        "</wp:cNvGraphicFramePr><a:graphic><a:graphicData "
+        "uri=\"http://schemas.openxmlformats.org/drawingml/2006/picture\"><pic:pic>"
+        "<pic:nvPicPr><pic:cNvPr";
+    write_picture_names(number, page.description);
+    ((out_ += "<pic:cNvPicPr/></pic:nvPicPr><pic:blipFill><a:blip r:embed=\"") +=
+     picture_relation(number)) +=
+        "\"/><a:stretch><a:fillRect/></a:stretch></pic:blipFill>"
+        "<pic:spPr><a:xfrm><a:off x=\"0\" y=\"0\"/><a:ext";
+    (out_ += extent) +=
+        "/></a:xfrm><a:prstGeom prst=\"rect\"><a:avLst/></a:prstGeom></pic:spPr>"
+        "</pic:pic></a:graphicData></a:graphic></wp:inline></w:drawing></w:r>";
+    close_paragraph();
+  }
+
+  static int64_t emus(double pixels) {
+    return static_cast<int64_t>(pixels * kPointsPerPixel * kEmusPerPoint);
+  }
+
+  void write_picture_names(uint32_t number, std::string_view description) {
+    append_attribute(out_, "id", number);
+    (out_ += " name=\"chart") += std::to_string(number);
+    out_ += "\" descr=\"";
+    append_escaped(out_, description);
+    out_ += "\"/>";
+  }
+
+  static std::string picture_relation(uint32_t number) { return "chart" + std::to_string(number); }
+
+  // Paper.
+
+  /// The way paper lies is that of a section, which its last paragraph tells.
+  void turn(bool landscape) {
+    if (landscape == landscape_) return;
+    out_ += "<w:p><w:pPr><w:pStyle w:val=\"TableEnd\"/>";
+    write_section_end(landscape_);
+    out_ += "</w:pPr></w:p>\n";
+    landscape_ = landscape;
+  }
+
+  void write_section_end(bool landscape) {
+    out_ += "<w:sectPr><w:footerReference w:type=\"default\" r:id=\"rId3\"/><w:pgSz";
+    append_attribute(out_, "w:w", twips(landscape ? kPaperHeight : kPaperWidth));
+    append_attribute(out_, "w:h", twips(landscape ? kPaperWidth : kPaperHeight));
+    if (landscape) out_ += " w:orient=\"landscape\"";
+    out_ += "/><w:pgMar";
+    for (const char* side : {"w:top", "w:bottom"})
+      append_attribute(out_, side, twips(kEndMargin));
+    for (const char* side : {"w:left", "w:right"})
+      append_attribute(out_, side, twips(kSideMargin));
+    out_ += " w:header=\"480\" w:footer=\"480\" w:gutter=\"0\"/>";
+    if (document_.right_to_left) out_ += "<w:bidi/>";
+    out_ += "</w:sectPr>";
+  }
+
+  std::string footer() const {
+    std::string out = std::string(kXml) + "<w:ftr";
+    out += kNamespaces;
+    out += "><w:p><w:pPr><w:pStyle w:val=\"Footer\"/></w:pPr>";
+    std::string_view rest = document_.word("Page ^1 of ^2");
+    for (size_t hole;
+         (hole = rest.find('^')) != std::string_view::npos && hole + 1 < rest.size();) {
+      append_run(out, rest.substr(0, hole), {});
+      append_field(out, rest[hole + 1] == '1' ? "PAGE" : "NUMPAGES", "1", {});
+      rest.remove_prefix(hole + 2);
+    }
+    if (!rest.empty()) append_run(out, rest, {});
+    return out += "</w:p></w:ftr>";
+  }
+
+  // The other parts.
+
+  std::string styles() const {
+    std::string language;
+    append_escaped(language, document_.language);
+    std::string out = std::string(kXml) + "<w:styles";
+    out += kNamespaces;
+    out +=
+        "><w:docDefaults><w:rPrDefault><w:rPr><w:rFonts w:ascii=\"Arial\" w:hAnsi=\"Arial\" "
+        "w:eastAsia=\"Arial\" w:cs=\"Arial\"/><w:color w:val=\"16181B\"/><w:sz w:val=\"20\"/>"
+        "<w:szCs w:val=\"20\"/><w:lang w:val=\"";
+    out += language + "\" w:eastAsia=\"" + language + "\" w:bidi=\"" + language;
+    out += "\"/></w:rPr></w:rPrDefault><w:pPrDefault><w:pPr>";
+    if (document_.right_to_left) out += "<w:bidi/>";
+    out +=
+        "<w:spacing w:after=\"100\" w:line=\"264\" w:lineRule=\"auto\"/></w:pPr>"
+        "</w:pPrDefault></w:docDefaults>\n";
+    return (out += kStyles) += "</w:styles>";
+  }
+
+  std::string core() const {
+    std::string out(kXml);
+    out +=
+        "<cp:coreProperties "
+        "xmlns:cp=\"http://schemas.openxmlformats.org/package/2006/metadata/core-properties\" "
+        "xmlns:dc=\"http://purl.org/dc/elements/1.1/\"><dc:title>";
+    append_escaped(out, report_title(document_));
+    out += "</dc:title><dc:language>";
+    append_escaped(out, document_.language);
+    return out += "</dc:language></cp:coreProperties>";
+  }
+
+  std::string relations() const {
+    std::string out(kXml);
+    out += kRelationsHead;
+    for (size_t i = 0; i < pictures_.size(); ++i) {
+      ((out += "<Relationship Id=\"") += picture_relation(static_cast<uint32_t>(i + 1))) +=
+          "\" Type=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships/image\" "
+          "Target=\"";
+      (out += pictures_[i].name.substr(std::string_view("word/").size())) += "\"/>";
+    }
+    return out += "</Relationships>";
+  }
+
+  const Document& document_;
+  const Options& options_;
+  std::vector<PageEntry> pages_;
+  std::string out_;
+  std::vector<Part> pictures_;
+  uint32_t bookmarks_ = 0;
+  bool landscape_ = false;
+};
+
+}  // namespace
+}  // namespace docx
+
+std::string render_docx(const Document& document, const Options& options) {
+  return docx::Report(document, options).write();
+}
+
+}  // namespace hierfit::report

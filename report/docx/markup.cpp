@@ -1,0 +1,110 @@
+#include "report/docx/markup.h"
+
+#include <cmath>
+#include <utf8proc.h>
+
+#include "report/outline.h"
+
+namespace hierfit::report::docx {
+namespace {
+
+/// Whether a text is of a script that runs from right to left, which programs want to be told.
+bool runs_leftward(std::string_view text) {
+  while (!text.empty()) {
+    utf8proc_int32_t code = 0;
+    const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                                         static_cast<utf8proc_ssize_t>(text.size()), &code);
+    if (length < 1) return false;
+    const auto direction = utf8proc_get_property(code)->bidi_class;
+    if (direction == UTF8PROC_BIDI_CLASS_R || direction == UTF8PROC_BIDI_CLASS_AL) return true;
+    text.remove_prefix(static_cast<size_t>(length));
+  }
+  return false;
+}
+
+void append_properties(std::string& out, std::string_view text, const RunLook& look) {
+  std::string properties;
+  if (look.bold) properties += "<w:b/><w:bCs/>";
+  if (look.italic) properties += "<w:i/><w:iCs/>";
+  if (look.quiet) properties += "<w:color w:val=\"555B63\"/>";
+  if (look.raised) properties += "<w:vertAlign w:val=\"superscript\"/>";
+  if (runs_leftward(text)) properties += "<w:rtl/>";
+  if (!properties.empty()) ((out += "<w:rPr>") += properties) += "</w:rPr>";
+}
+
+void open_link(std::string& out, std::string_view link) {
+  if (link.empty()) return;
+  ((out += "<w:hyperlink w:anchor=\"") += link) += "\" w:history=\"1\">";
+}
+
+void close_link(std::string& out, std::string_view link) {
+  if (!link.empty()) out += "</w:hyperlink>";
+}
+
+}  // namespace
+
+void append_escaped(std::string& out, std::string_view text) {
+  for (const char character : clean(text)) {
+    switch (character) {
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      default:
+        out += character;
+    }
+  }
+}
+
+void append_run(std::string& out, std::string_view text, const RunLook& look) {
+  open_link(out, look.link);
+  out += "<w:r>";
+  append_properties(out, text, look);
+  for (size_t feed; (feed = text.find('\n')) != std::string_view::npos;) {
+    out += "<w:t xml:space=\"preserve\">";
+    append_escaped(out, text.substr(0, feed));
+    out += "</w:t><w:br/>";
+    text.remove_prefix(feed + 1);
+  }
+  out += "<w:t xml:space=\"preserve\">";
+  append_escaped(out, text);
+  out += "</w:t></w:r>";
+  close_link(out, look.link);
+}
+
+void append_field(std::string& out,
+                  std::string_view instruction,
+                  std::string_view value,
+                  const RunLook& look) {
+  ((out += "<w:fldSimple w:instr=\" ") += instruction) += " \">";
+  append_run(out, value, look);
+  out += "</w:fldSimple>";
+}
+
+void append_bookmark(std::string& out,
+                     std::string_view name,
+                     uint32_t id,
+                     std::string_view content) {
+  const std::string number = std::to_string(id);
+  (out += "<w:bookmarkStart w:id=\"") += number;
+  ((out += "\" w:name=\"") += name) += "\"/>";
+  ((out += content) += "<w:bookmarkEnd w:id=\"") += number;
+  out += "\"/>";
+}
+
+void append_attribute(std::string& out, std::string_view name, int64_t value) {
+  (((out += ' ') += name) += "=\"") += std::to_string(value);
+  out += '"';
+}
+
+int64_t twips(double points) { return std::llround(points * 20); }
+
+}  // namespace hierfit::report::docx

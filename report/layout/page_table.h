@@ -1,0 +1,62 @@
+// Tables on paper: how wide their columns are, which way the paper lies, and where a table that is
+// wider than paper is divided. Lengths are in points.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "report/outline.h"
+#include "report/table_view.h"
+
+namespace hierfit::report {
+
+/// A sheet of A4 upright, and its margins.
+inline constexpr double kPaperWidth = 595.28;
+inline constexpr double kPaperHeight = 841.89;
+inline constexpr double kSideMargin = 45.4;
+inline constexpr double kEndMargin = 51;
+
+/// The text of tables, and what stands at either side of it in a cell.
+inline constexpr double kTableFont = 8.5;
+inline constexpr double kCellPadding = 4.5;
+/// By how much each enclosing group moves a label in, and how large a raised mark is.
+inline constexpr double kIndent = 9;
+inline constexpr double kMarkFont = 6.2;
+
+/// The widest numbers of a column on either side of the decimal mark.
+struct DecimalWidths {
+  double whole = 0;
+  double rest = 0;  ///< from the mark on
+};
+
+/// A table as it lies on paper. Widths are those of cells, padding and all.
+struct PageTable {
+  bool landscape = false;
+  std::vector<double> stubs;
+  std::vector<double> columns;
+  std::vector<DecimalWidths> decimals;  ///< by column
+  std::vector<uint32_t> fold_ends;      ///< where the columns end that stand side by side
+
+  /// The width of the row heads with the columns of a fold.
+  double width(uint32_t first_column, uint32_t end_column) const;
+};
+
+/// Plans a table: upright where it fits, else on its side, else divided, between groups of columns
+/// where there are some, with the row heads at each part.
+PageTable plan_table(const TableView& view);
+
+/// The widths of a number, given its characters and its cell.
+DecimalWidths decimal_widths(std::string_view number, const AlignedCell& cell);
+
+/// The heads by head row: those that cover it, from the start. A head of more rows is in each.
+std::vector<std::vector<const Head*>> head_grid(const TableLayout& layout);
+
+/// A part of the document with the way its paper lies. A heading goes with what follows it, a
+/// message with what is ahead.
+struct PageEntry {
+  Entry entry;
+  bool landscape = false;
+};
+std::vector<PageEntry> plan_pages(const output::Document& document);
+
+}  // namespace hierfit::report
