@@ -34,7 +34,7 @@ class HtmlIndex {
     html::append_page_begin(out_, document_, title, "auto");
     out_ += "<main id=\"main\">\n<div class=\"scroll\" role=\"region\" tabindex=\"0\"";
     html::append_attribute(out_, "aria-label", title);
-    out_ += ">\n<table>\n<thead><tr><th scope=\"col\" class=\"t\">";
+    out_ += ">\n<table>\n<thead><tr><th scope=\"col\" class=\"s\">";
     html::append_escaped(out_, document_.word("Model"));
     out_ += "</th><th scope=\"col\" class=\"t\">";
     html::append_escaped(out_, document_.word("Result"));
@@ -50,12 +50,11 @@ class HtmlIndex {
   void write_entry(const IndexEntry& entry) {
     out_ += "<tr><th scope=\"row\">";
     html::append_escaped(out_, entry.name);
-    out_ += "</th><td class=\"t\">";
+    out_ += "</th><td class=\"t forms\">";
     if (entry.links.empty()) {
       html::append_escaped(out_, filled(document_.word("Not made: ^1"), entry.failure));
     }
     for (const IndexLink& link : entry.links) {
-      if (&link != entry.links.data()) out_ += ' ';
       out_ += "<a";
       html::append_attribute(out_, "href", address_of(link.path));
       html::append_attribute(out_, "aria-label", entry.name + ", " + link.form);
