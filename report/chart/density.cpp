@@ -8,7 +8,7 @@
 namespace hierfit::report::chart {
 namespace {
 
-constexpr double kFaintest = 0.3;  ///< the share of white of a cell that holds one point
+constexpr double kFaintest = 0.3;  ///< the strength of a cell that holds next to nothing
 
 }  // namespace
 
@@ -24,14 +24,17 @@ void DensityRaster::add(double x, double y, double weight) {
       std::max(weight, 0.0);
 }
 
-std::string DensityRaster::png() const {
-  const double most = std::log1p(*std::ranges::max_element(cells_));
+double DensityRaster::most() const { return *std::ranges::max_element(cells_); }
+
+double DensityRaster::strength_of(double weight, double densest) {
+  if (!(weight > 0) || !(densest > 0)) return 0;
+  return kFaintest + (1 - kFaintest) * std::min(std::log1p(weight) / std::log1p(densest), 1.0);
+}
+
+std::string DensityRaster::png(double densest) const {
   std::vector<unsigned char> pixels(cells_.size());
-  for (size_t i = 0; i < cells_.size(); ++i) {
-    if (!(cells_[i] > 0) || !(most > 0)) continue;
-    const double share = std::min(std::log1p(cells_[i]) / most, 1.0);
-    pixels[i] = static_cast<unsigned char>(255 * (kFaintest + (1 - kFaintest) * share));
-  }
+  for (size_t i = 0; i < cells_.size(); ++i)
+    pixels[i] = static_cast<unsigned char>(255 * strength_of(cells_[i], densest));
   return grey_png(columns_, rows_, pixels);
 }
 

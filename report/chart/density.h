@@ -17,8 +17,14 @@ class DensityRaster {
   double width() const { return static_cast<double>(columns_) * kCell; }
   double height() const { return static_cast<double>(rows_) * kCell; }
 
-  /// A grey picture: black where nothing lies, white where most does, in between by the logarithm.
-  std::string png() const;
+  /// The largest sum of weights in a cell.
+  double most() const;
+
+  /// A grey picture: black where nothing lies, in between by `strength_of`.
+  std::string png(double densest) const;
+
+  /// How strong a cell is painted: from nothing, 0, by the logarithm to 1 for the densest cell.
+  static double strength_of(double weight, double densest);
 
  private:
   static constexpr double kCell = 2;

@@ -18,8 +18,10 @@ constexpr double kLargestCircle = 640;
 constexpr double kNarrowestPanel = 320;
 constexpr double kPanelGap = 16;
 constexpr double kLongestTurned = 150;
-constexpr size_t kMostUpright = 16;  ///< nodes whose labels are tried without turning
-constexpr size_t kMostEdges = 3000;  ///< marks of their own; beyond, one path a colour
+constexpr size_t kMostUpright = 16;    ///< nodes whose labels are tried without turning
+constexpr size_t kMostNodes = 100;     ///< of a circle
+constexpr size_t kMostLines = 12'000;  ///< in all circles
+constexpr size_t kMostEdges = 1500;    ///< marks of their own; beyond, one path a colour
 constexpr size_t kMostLabelLines = 3;
 
 struct CircleNode {
@@ -42,6 +44,7 @@ class Circles {
 
   Piece draw() {
     if (most_nodes_ == 0) return {};
+    limit_nodes();
     const auto count = binding_.panels.size();
     const double fitting = std::floor((width_ + kPanelGap) / (kNarrowestPanel + kPanelGap));
     const size_t columns =
@@ -49,6 +52,7 @@ class Circles {
     const double panel_width =
         (width_ - static_cast<double>(columns - 1) * kPanelGap) / static_cast<double>(columns);
     Piece piece;
+    piece.notes = std::move(notes_);
     piece.width = width_;
     double y = 0;
     for (size_t i = 0; i < count;) {
@@ -73,6 +77,7 @@ class Circles {
     nodes_.resize(binding_.panels.size());
     keys_.resize(binding_.panels.size());
     edges_.resize(binding_.panels.size());
+    index_.resize(binding_.panels.size());
     for (const BoundElement& element : binding_.elements) {
       for (size_t row = 0; row < element.rows(); ++row) {
         if (!element.panel_of_row.empty()) {
@@ -97,6 +102,52 @@ class Circles {
     if (keys_[panel].add(*key, row, binding_.numbers) == before) {
       nodes_[panel].push_back({&element, row, 0, {}});
     }
+  }
+
+  // Too many nodes.
+
+  /// As many nodes as have, joined each with each, no more edges than all circles may have.
+  size_t nodes_of_circle() const {
+    const double lines = static_cast<double>(kMostLines / binding_.panels.size());
+    return std::min(kMostNodes, static_cast<size_t>(std::sqrt(2 * lines)));
+  }
+
+  void limit_nodes() {
+    const size_t most = nodes_of_circle();
+    for (size_t panel = 0; panel < nodes_.size(); ++panel) {
+      if (nodes_[panel].size() > most) keep_most_significant(panel, most);
+      const auto& edges = edges_[panel];
+      edge_count_ += static_cast<size_t>(std::ranges::count_if(edges, [&](const auto& edge) {
+        return node_of(panel, (*edge.first)[RoleKind::From], edge.second) != nullptr &&
+               node_of(panel, (*edge.first)[RoleKind::To], edge.second) != nullptr;
+      }));
+    }
+    if (most_nodes_ <= most) return;
+    notes_.push_back(with_arguments(binding_.word("The ^1 most significant of ^2 are shown."),
+                                    {std::to_string(most), std::to_string(most_nodes_)}));
+  }
+
+  /// Leaves the nodes with the strongest edges.
+  void keep_most_significant(size_t panel, size_t most) {
+    Nodes& nodes = nodes_[panel];
+    const LineWidths widths(binding_, 1);
+    std::vector<double> scores(nodes.size());
+    for (const auto& [element, row] : edges_[panel]) {
+      for (const RoleKind end : {RoleKind::From, RoleKind::To}) {
+        const CircleNode* node = node_of(panel, (*element)[end], row);
+        if (node == nullptr) continue;
+        scores[static_cast<size_t>(node - nodes.data())] +=
+            widths.share_of(number_at((*element)[RoleKind::Size], row));
+      }
+    }
+    Nodes kept;
+    std::vector<size_t> index(nodes.size(), nodes.size());
+    for (const size_t place : greatest(scores, most)) {
+      index[place] = kept.size();
+      kept.push_back(nodes[place]);
+    }
+    nodes = std::move(kept);
+    index_[panel] = std::move(index);
   }
 
   Piece draw_panel(size_t index, double width) {
@@ -278,18 +329,18 @@ class Circles {
       Mark mark = rule_mark(from->at, to->at, paint, width);
       mark.dash = dash_for(binding_.plan.style.series(paint).dash, mark.stroke_width);
       if (count > 24) mark.stroke_opacity = 0.75;
-      if (edges.size() <= kMostEdges) mark.tooltip = binding_.tooltip_of(*element, row, row);
+      if (edge_count_ <= kMostEdges) mark.tooltip = binding_.tooltip_of(*element, row, row);
       drawn.emplace_back(paint.step, std::move(mark));
     }
     std::ranges::stable_sort(drawn, {}, &std::pair<uint32_t, Mark>::first);
     std::vector<Mark> marks;
     for (auto& [step, mark] : drawn) {
       const bool joined =
-          edges.size() > kMostEdges && !marks.empty() && marks.back().stroke == mark.stroke;
+          edge_count_ > kMostEdges && !marks.empty() && marks.back().stroke == mark.stroke;
       if (joined) {
         marks.back().points.insert(marks.back().points.end(),
                                    {kBreak, {mark.box.x, mark.box.y}, mark.end});
-      } else if (edges.size() > kMostEdges) {
+      } else if (edge_count_ > kMostEdges) {
         marks.push_back(path_mark({{mark.box.x, mark.box.y}, mark.end}, mark.stroke, 1));
       } else {
         marks.push_back(std::move(mark));
@@ -300,7 +351,8 @@ class Circles {
 
   const CircleNode* node_of(size_t panel, const ChartVariable* key, size_t row) const {
     if (key == nullptr) return nullptr;
-    const uint32_t place = keys_[panel].find(*key, row);
+    size_t place = keys_[panel].find(*key, row);
+    if (place < index_[panel].size()) place = index_[panel][place];
     return place < nodes_[panel].size() ? &nodes_[panel][place] : nullptr;
   }
 
@@ -310,7 +362,10 @@ class Circles {
   std::vector<Nodes> nodes_;  ///< by panel
   std::vector<ValueIndex> keys_;
   std::vector<std::vector<std::pair<const BoundElement*, size_t>>> edges_;
+  std::vector<std::vector<size_t>> index_;  ///< by panel: of a key's node, where some are left out
+  std::vector<std::string> notes_;
   size_t most_nodes_ = 0;
+  size_t edge_count_ = 0;  ///< that are drawn
 };
 
 }  // namespace

@@ -13,6 +13,7 @@ namespace {
 constexpr int kCategorical = 1;
 constexpr int kOrdinal = 2;
 constexpr double kMostBins = 60;
+constexpr double kNarrowestBar = 2;
 constexpr int kCurveSteps = 96;
 constexpr double kCurveRoom = 1.25;  ///< how far above the highest bar a curve may rise
 
@@ -41,7 +42,10 @@ class HistogramDrawing {
     box_.height -= font_.line_height() + 3;
     const bool categorical =
         embedded_.field_type == kCategorical || embedded_.field_type == kOrdinal;
-    categorical ? draw_values() : draw_bins();
+    const std::map<double, double> values = by_value();
+    // More values than there is room for bars are numbers like others.
+    const bool fit = static_cast<double>(values.size()) <= box_.width / kNarrowestBar;
+    categorical&& fit ? draw_values(values) : draw_bins();
     marks_.push_back(
         rule_mark({box_.x, box_.bottom()}, {box_.right(), box_.bottom()}, {Part::Axis}));
   }
@@ -65,17 +69,21 @@ class HistogramDrawing {
 
   // Categories: a bar for each value.
 
-  void draw_values() {
-    std::map<double, double> by_value;
+  std::map<double, double> by_value() const {
+    std::map<double, double> weights;
     for (const Count& count : counts_)
-      by_value[count.value] += count.weight;
+      weights[count.value] += count.weight;
+    return weights;
+  }
+
+  void draw_values(const std::map<double, double>& values) {
     double most = 0;
-    for (const auto& [value, weight] : by_value)
+    for (const auto& [value, weight] : values)
       most = std::max(most, weight);
-    const double band = box_.width / static_cast<double>(by_value.size());
+    const double band = box_.width / static_cast<double>(values.size());
     double x = box_.x;
     double label_end = -HUGE_VAL;
-    for (const auto& [value, weight] : by_value) {
+    for (const auto& [value, weight] : values) {
       draw_bar(x + band * 0.12, band * 0.76, weight / most, shown(value), weight);
       bool cut = false;
       const std::string whole = shown(value);

@@ -3,9 +3,9 @@
 #include <cmath>
 #include <map>
 
+#include "report/chart/density.h"
 #include "report/chart/pieces.h"
 #include "report/chart/scale.h"
-#include "report/picture/png.h"
 
 namespace hierfit::report::chart {
 namespace {
@@ -14,7 +14,6 @@ constexpr double kEntryGap = 18;
 constexpr double kSampleGap = 6;
 constexpr double kRowHeight = 19;
 constexpr size_t kMostEntries = 60;
-constexpr double kThickestEdge = 8;
 
 /// A legend's entry: what it looks like, drawn around the middle of a row, and what it means.
 struct Entry {
@@ -62,10 +61,10 @@ Entry color_entry(const Binding& binding, uint32_t step, const std::string& text
   return {{symbol_mark({6, 0}, 4.5, binding.symbol_of_step(step), paint)}, 12, text};
 }
 
-std::vector<Entry> color_entries(const Binding& binding) {
+std::vector<Entry> color_entries(const Binding& binding, const LegendFacts& facts) {
   std::vector<Entry> entries;
   const auto& values = binding.colors.values.entries();
-  for (uint32_t step = 0; step < values.size(); ++step) {
+  for (uint32_t step = 0; step < std::min(values.size(), facts.colors); ++step) {
     if (values[step].occurs && !values[step].shown.empty()) {
       entries.push_back(color_entry(binding, step, values[step].shown));
     }
@@ -73,7 +72,7 @@ std::vector<Entry> color_entries(const Binding& binding) {
   return entries;
 }
 
-std::vector<Entry> shape_entries(const Binding& binding) {
+std::vector<Entry> shape_entries(const Binding& binding, const LegendFacts& /*facts*/) {
   std::vector<Entry> entries;
   const auto& values = binding.shapes.values.entries();
   for (uint32_t i = 0; i < values.size(); ++i) {
@@ -118,11 +117,11 @@ std::vector<double> values_to_show(const ChartVariable& variable) {
   return values;
 }
 
-std::vector<Entry> size_entries(const Binding& binding) {
+std::vector<Entry> size_entries(const Binding& binding, const LegendFacts& facts) {
   std::vector<Entry> entries;
   const ChartVariable* variable = variable_of(binding, RoleKind::Size);
   if (variable == nullptr) return entries;
-  const LineWidths widths(binding, kThickestEdge);
+  const LineWidths widths(binding, facts.thickest);
   for (const double value : values_to_show(*variable)) {
     entries.push_back({line_sample({Part::Text}, widths.of(value), ""), 28,
                        shown_number(*variable, value, binding.numbers)});
@@ -130,32 +129,42 @@ std::vector<Entry> size_entries(const Binding& binding) {
   return entries;
 }
 
-bool is_raster(const Binding& binding) {
-  return std::ranges::any_of(binding.elements, [](const BoundElement& element) {
-    return element.element->kind == ElementKind::Point && element.rows() > kMostPoints;
-  });
+/// Weights from one to the densest cell's, each about the same step stronger.
+std::vector<double> raster_steps(double densest) {
+  constexpr double kSteps[] = {1, 2, 5};
+  std::vector<double> all;
+  for (double power = 1; power < densest; power *= 10) {
+    for (const double step : kSteps) {
+      if (step * power < densest) all.push_back(step * power);
+    }
+  }
+  constexpr size_t kMost = 4;
+  const size_t every = (all.size() + kMost - 1) / kMost;
+  std::vector<double> steps;
+  for (size_t i = 0; i < all.size(); i += every)
+    steps.push_back(all[i]);
+  // The last step keeps clear of the densest.
+  if (steps.size() > 1 && steps.back() * 1.5 > densest) steps.pop_back();
+  steps.push_back(densest);
+  return steps;
 }
 
-/// A strip from few to many.
-std::vector<Entry> raster_entries(const Binding& binding) {
-  constexpr size_t kSteps = 60;
-  std::vector<unsigned char> greys(kSteps);
-  for (size_t i = 0; i < kSteps; ++i)
-    greys[i] = static_cast<unsigned char>(77 + 178 * i / (kSteps - 1));
-  std::vector<Entry> entries(2);
-  entries[0].text = binding.word("few");
-  entries[0].width = 0;
-  entries[1].sample.push_back(
-      image_mark({0, -6, 90, 12}, grey_png(kSteps, 1, greys), {Part::Mark}));
-  entries[1].width = 90;
-  entries[1].text = binding.word("many");
+std::vector<Entry> raster_entries(const Binding& binding,
+                                  const ChartVariable& variable,
+                                  double densest) {
+  std::vector<Entry> entries;
+  for (const double weight : raster_steps(densest)) {
+    Mark mark = rect_mark({0, -6, 14, 12}, {Part::Mark});
+    mark.opacity = DensityRaster::strength_of(weight, densest);
+    entries.push_back({{std::move(mark)}, 14, shown_number(variable, weight, binding.numbers)});
+  }
   return entries;
 }
 
-std::vector<Entry> opacity_entries(const Binding& binding) {
+std::vector<Entry> opacity_entries(const Binding& binding, const LegendFacts& facts) {
   const ChartVariable* variable = variable_of(binding, RoleKind::Transparency);
   if (variable == nullptr) return {};
-  if (is_raster(binding)) return raster_entries(binding);
+  if (facts.densest > 0) return raster_entries(binding, *variable, facts.densest);
   std::vector<Entry> entries;
   const Opacity opacity(binding);
   for (const double value : values_to_show(*variable)) {
@@ -169,7 +178,7 @@ std::vector<Entry> opacity_entries(const Binding& binding) {
 
 struct LegendType {
   RoleKind role;
-  std::vector<Entry> (*entries)(const Binding&);
+  std::vector<Entry> (*entries)(const Binding&, const LegendFacts&);
 };
 constexpr LegendType kLegendTypes[] = {
     {RoleKind::Color, color_entries},
@@ -178,9 +187,9 @@ constexpr LegendType kLegendTypes[] = {
     {RoleKind::Transparency, opacity_entries},
 };
 
-std::vector<Entry> entries_of(const Binding& binding, RoleKind role) {
+std::vector<Entry> entries_of(const Binding& binding, RoleKind role, const LegendFacts& facts) {
   for (const LegendType& type : kLegendTypes) {
-    if (type.role == role) return type.entries(binding);
+    if (type.role == role) return type.entries(binding, facts);
   }
   return {};
 }
@@ -251,10 +260,10 @@ std::string title_of(const Legend& legend, const Binding& binding) {
 
 }  // namespace
 
-Piece draw_legends(const Binding& binding, double width) {
+Piece draw_legends(const Binding& binding, const LegendFacts& facts, double width) {
   Flow flow(binding, width);
   for (const Legend& legend : binding.graph.legends) {
-    std::vector<Entry> entries = entries_of(binding, legend.role);
+    std::vector<Entry> entries = entries_of(binding, legend.role, facts);
     if (entries.empty()) continue;
     const size_t left_out = entries.size() - std::min(entries.size(), kMostEntries);
     entries.resize(entries.size() - left_out);

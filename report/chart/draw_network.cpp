@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <tuple>
 
 #include "report/chart/pieces.h"
 #include "report/chart/scale.h"
@@ -16,8 +17,10 @@ constexpr double kLongestLabel = 250;
 constexpr double kShortestLabel = 80;
 constexpr double kClearance = 70;  ///< wished for between the nodes and the box of the target
 constexpr double kTallest = 30000;
-constexpr double kThickestEdge = 8;
 constexpr size_t kMostLabelLines = 2;
+constexpr size_t kMostNodes = 100;
+
+using Place = std::pair<double, double>;
 
 struct PlacedNode {
   const BoundElement* element;
@@ -36,7 +39,9 @@ class Network {
   Piece draw() {
     collect();
     if (nodes_.empty()) return {};
+    if (plain_ > kMostNodes) keep_most_significant();
     measure();
+    piece_.legend.thickest = plain_ > 60 ? 3.5 : plain_ > 30 ? 5 : piece_.legend.thickest;
     for (const BoundElement& element : binding_.elements) {
       if (element.element->kind == ElementKind::Edge) draw_edges(element);
     }
@@ -69,8 +74,6 @@ class Network {
                             : text_beside(element, row);
     const bool boxed = element.element->embedded != nullptr || own != nullptr;
     nodes_.push_back({&element, row, x, y, std::move(label), boxed});
-    x_range_.add(x);
-    y_range_.add(y);
     (boxed ? boxes_ : plain_) += 1;
   }
 
@@ -87,9 +90,56 @@ class Network {
     return {};
   }
 
+  // Too many nodes.
+
+  /// Leaves the nodes with the strongest edges, at even distances on the bend of them all.
+  void keep_most_significant() {
+    std::vector<PlacedNode> plain;
+    std::vector<PlacedNode> kept;
+    for (PlacedNode& node : nodes_)
+      (node.boxed ? kept : plain).push_back(std::move(node));
+    const std::vector<size_t> order = greatest(scores_of(plain), kMostNodes);
+    for (size_t i = 0; i < order.size(); ++i) {
+      const PlacedNode& place = plain[i * (plain.size() - 1) / (order.size() - 1)];
+      PlacedNode node = plain[order[i]];
+      moved_[{node.x, node.y}] = {place.x, place.y};
+      node.x = place.x;
+      node.y = place.y;
+      kept.push_back(std::move(node));
+    }
+    nodes_ = std::move(kept);
+    plain_ = order.size();
+    piece_.notes.push_back(
+        with_arguments(binding_.word("The ^1 most significant of ^2 are shown."),
+                       {std::to_string(order.size()), std::to_string(plain.size())}));
+  }
+
+  /// The strength of each node's edges.
+  std::vector<double> scores_of(const std::vector<PlacedNode>& nodes) const {
+    std::map<Place, size_t> index;
+    for (size_t i = 0; i < nodes.size(); ++i)
+      index.try_emplace({nodes[i].x, nodes[i].y}, i);
+    std::vector<double> scores(nodes.size());
+    const LineWidths widths(binding_, piece_.legend.thickest);
+    for (const BoundElement& element : binding_.elements) {
+      if (element.element->kind != ElementKind::Edge) continue;
+      for (size_t row = 0; row < element.rows(); ++row) {
+        const auto found = index.find(
+            {number_at(element[RoleKind::X], row), number_at(element[RoleKind::Y], row)});
+        if (found == index.end()) continue;
+        scores[found->second] += widths.share_of(number_at(element[RoleKind::Size], row));
+      }
+    }
+    return scores;
+  }
+
   // Places.
 
   void measure() {
+    for (const PlacedNode& node : nodes_) {
+      x_range_.add(node.x);
+      y_range_.add(node.y);
+    }
     const bool narrow = width_ < 500;
     box_size_ = {0, 0, narrow ? 124.0 : 190.0, has_embedded() ? (narrow ? 120.0 : 160.0) : 44.0};
     if (boxes_ == 0) box_size_ = {0, 0, 2 * kNodeRadius, 2 * kNodeRadius};
@@ -139,11 +189,12 @@ class Network {
     }
     line_room_ = static_cast<double>(lines) * font_.line_height();
     const double step = std::max(line_room_ + 6, 26.0);
-    double rows = std::max(1.0, y_range_.high - y_range_.low);
+    const double units = std::max(1.0, y_range_.high - y_range_.low);
+    const double rows = std::min(units, std::max(1.0, static_cast<double>(plain_)));
     double height = std::min(rows * step, kTallest);
     const double least = std::max(box_size_.height * 1.1, plain_ > 2 ? 180.0 : 90.0);
     if (plain_ > 1) height = std::max(height, least);
-    unit_ = height / rows;
+    unit_ = height / units;
     const double spread = (y_range_.high - y_range_.low) * unit_;
     const double half = std::max(line_room_, 2 * kNodeRadius) / 2 + 4;
     const double target = (spread - box_size_.height) / 2;
@@ -157,10 +208,15 @@ class Network {
   // Marks.
 
   void draw_edges(const BoundElement& element) {
-    const LineWidths widths(binding_, kThickestEdge);
+    const LineWidths widths(binding_, piece_.legend.thickest);
     for (size_t row = 0; row < element.rows(); ++row) {
-      const double from_x = number_at(element[RoleKind::X], row);
-      const double from_y = number_at(element[RoleKind::Y], row);
+      auto [from_x, from_y] =
+          Place{number_at(element[RoleKind::X], row), number_at(element[RoleKind::Y], row)};
+      if (!moved_.empty()) {
+        const auto moved = moved_.find({from_x, from_y});
+        if (moved == moved_.end()) continue;
+        std::tie(from_x, from_y) = moved->second;
+      }
       const double to_x = number_at(element[RoleKind::X2], row);
       const double to_y = number_at(element[RoleKind::Y2], row);
       if (!is_number(from_x) || !is_number(from_y) || !is_number(to_x) || !is_number(to_y))
@@ -228,6 +284,7 @@ class Network {
   double width_;
   Piece piece_;
   std::vector<PlacedNode> nodes_;
+  std::map<Place, Place> moved_;  ///< where kept nodes stand now; empty where all are shown
   size_t boxes_ = 0;
   size_t plain_ = 0;
   Range x_range_;

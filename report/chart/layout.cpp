@@ -66,18 +66,22 @@ class Page {
   void put_graph() {
     Piece graph = draw_graph(binding_, width_);
     if (graph.empty()) graph = draw_nothing(binding_, width_);
+    const std::vector<std::string> notes = std::move(graph.notes);
     const auto& margins = binding_.graph.margins;
     const double height = graph.height;
+    const LegendFacts facts = graph.legend;
     width_ = std::max(width_, graph.width);
     page_.width = width_;
     page_.take(std::move(graph), kMargin + margins[3], y_ + margins[0]);
     page_.width = width_ + margins[1] + margins[3];
     y_ += height + margins[0] + margins[2] + 8;
-    Piece legends = draw_legends(binding_, width_);
+    Piece legends = draw_legends(binding_, facts, width_);
     const double legend_height = legends.height;
     page_.take(std::move(legends), kMargin, y_);
     page_.width = width_ + margins[1] + margins[3];
     y_ += legend_height;
+    for (const std::string& note : notes)
+      put_line(note);
     if (binding_.left_out > 0) {
       put_line(with_arguments(binding_.word("Some panels are not shown: they are too many."), {}));
     }

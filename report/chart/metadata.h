@@ -11,7 +11,7 @@ namespace hierfit::report::chart {
 /// Sources with more rows, or with more bytes of them, are counted alone: the JSON form of the
 /// report holds them.
 inline constexpr size_t kMostDataRows = 20'000;
-inline constexpr size_t kMostDataBytes = 400'000;
+inline constexpr size_t kMostDataBytes = 250'000;
 
 /// Appends a `metadata` element with the sources of a chart, as docs/drawing.md describes it.
 /// Numbers stand in the fewest digits that read back as themselves.

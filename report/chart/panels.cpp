@@ -66,9 +66,9 @@ bool clear(const std::vector<TickLabel>& labels, const Font& font, bool upright)
   return true;
 }
 
-TickLabels all_labels(const HorizontalAxis& axis, double band, size_t every) {
+TickLabels all_labels(const HorizontalAxis& axis, size_t count, double band, size_t every) {
   TickLabels labels;
-  for (size_t i = 0; i < axis.categories.size(); i += every) {
+  for (size_t i = 0; i < count; i += every) {
     labels.labels.push_back(
         {(static_cast<double>(i) + 0.5) * band, axis.categories.entries()[i].shown});
   }
@@ -138,10 +138,11 @@ VerticalAxis vertical_axis(const Binding& binding) {
   return axis;
 }
 
-TickLabels category_labels(const HorizontalAxis& axis, const Font& font, double band, double lead) {
+TickLabels category_labels(
+    const HorizontalAxis& axis, size_t count, const Font& font, double band, double lead) {
   const double line = font.line_height();
   const auto every = static_cast<size_t>(std::max(1.0, std::ceil(line / std::max(band, 1e-3))));
-  TickLabels labels = all_labels(axis, band, every);
+  TickLabels labels = all_labels(axis, count, band, every);
   if (every == 1 && upright_labels(labels, font, band)) return labels;
   labels.lines = 1;
   const bool slanted = band >= kSlantedBand;

@@ -43,9 +43,10 @@ struct TickLabels {
   double height = 0;
 };
 
-/// Names of categories in bands of `band` pixels: in lines, else turned, else every n-th; `lead` is
-/// the room ahead of the axis.
-TickLabels category_labels(const HorizontalAxis& axis, const Font& font, double band, double lead);
+/// Names of the first `count` categories in bands of `band` pixels: in lines, else turned, else
+/// every n-th; `lead` is the room ahead of the axis.
+TickLabels category_labels(
+    const HorizontalAxis& axis, size_t count, const Font& font, double band, double lead);
 
 /// Numbers along an axis of `length` pixels that do not touch one another.
 std::vector<TickLabel> number_labels(const Binding& binding,

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <functional>
+#include <numeric>
 
 #include "report/chart/scale.h"
 
@@ -82,6 +84,19 @@ LineWidths::LineWidths(const Binding& binding, double thickest_line)
 double LineWidths::of(double value) const {
   if (!is_number(value) || low == high) return (thinnest + thickest) / 2;
   return thinnest + (thickest - thinnest) * share(value, low, high);
+}
+
+double LineWidths::share_of(double value) const {
+  return is_number(value) && low != high ? share(value, low, high) : 0;
+}
+
+std::vector<size_t> greatest(const std::vector<double>& scores, size_t most) {
+  std::vector<size_t> places(scores.size());
+  std::iota(places.begin(), places.end(), size_t{0});
+  std::ranges::stable_sort(places, std::greater<>(), [&](size_t place) { return scores[place]; });
+  places.resize(std::min(places.size(), most));
+  std::ranges::sort(places);
+  return places;
 }
 
 std::string dash_for(const std::string& dash, double width) {

@@ -1,6 +1,7 @@
 // The pieces that a layout is put together from. Each is drawn with its upper left corner at 0, 0.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -9,11 +10,20 @@
 
 namespace hierfit::report::chart {
 
+/// What a graph's legends have to know of how it was drawn.
+struct LegendFacts {
+  double densest = 0;        ///< the sum of weights that a density raster shows strongest
+  double thickest = 8;       ///< the widest line, in pixels
+  size_t colors = SIZE_MAX;  ///< colours that are shown
+};
+
 /// Marks and the room that they take.
 struct Piece {
   std::vector<Mark> marks;
   double width = 0;
   double height = 0;
+  std::vector<std::string> notes;  ///< sentences on what is not shown
+  LegendFacts legend;
 
   bool empty() const { return marks.empty(); }
   /// Takes over the marks of another piece, moved.
@@ -33,7 +43,7 @@ Piece draw_circles(const Binding& binding, double width);
 Piece draw_network(const Binding& binding, double width);
 
 /// What the colours, symbols, widths and transparencies mean.
-Piece draw_legends(const Binding& binding, double width);
+Piece draw_legends(const Binding& binding, const LegendFacts& facts, double width);
 
 /// A histogram with its curve, inside `box`.
 void draw_histogram(std::vector<Mark>& marks,
@@ -72,7 +82,12 @@ struct LineWidths {
 
   LineWidths(const Binding& binding, double thickest_line);
   double of(double value) const;
+  /// From 0 for the thinnest line to 1 for the thickest; 0 where there is no number.
+  double share_of(double value) const;
 };
+
+/// The places of the `most` greatest scores, ascending; of equal ones the first count.
+std::vector<size_t> greatest(const std::vector<double>& scores, size_t most);
 
 /// The dashes of a line as wide as this: longer the wider it is.
 std::string dash_for(const std::string& dash, double width);

@@ -25,6 +25,13 @@ std::vector<Point> round_corners(const Mark& mark) {
 
 std::vector<Point> path_corners(const Mark& mark) { return mark.points; }
 
+std::vector<Point> dots_corners(const Mark& mark) {
+  std::vector<Point> corners;
+  for (const auto& [x, y] : mark.points)
+    corners.insert(corners.end(), {{x - mark.size, y - mark.size}, {x + mark.size, y + mark.size}});
+  return corners;
+}
+
 std::vector<Point> text_corners(const Mark& mark) {
   const double width = text_width(mark.text, {mark.size, mark.bold});
   const double left = mark.anchor == Anchor::Start    ? 0
@@ -96,6 +103,11 @@ void print_path(std::string& out, const Mark& mark) {
   }
 }
 
+void print_dots(std::string& out, const Mark& mark) {
+  append_number(out, "r", mark.size);
+  print_path(out, mark);
+}
+
 void print_text(std::string& out, const Mark& mark) {
   constexpr std::string_view kAnchors[] = {"start", "middle", "end"};
   append_point(out, mark.box.x, mark.box.y);
@@ -122,8 +134,9 @@ struct MarkType {
 constexpr MarkType kMarkTypes[] = {
     {"rect", rect_corners, print_rect},      {"rule", rule_corners, print_rule},
     {"circle", round_corners, print_circle}, {"symbol", round_corners, print_symbol},
-    {"path", path_corners, print_path},      {"text", text_corners, print_text},
-    {"image", rect_corners, print_image},    {"group", no_corners, print_group},
+    {"path", path_corners, print_path},      {"dots", dots_corners, print_dots},
+    {"text", text_corners, print_text},      {"image", rect_corners, print_image},
+    {"group", no_corners, print_group},
 };
 
 const MarkType& type_of(const Mark& mark) { return kMarkTypes[static_cast<size_t>(mark.kind)]; }
@@ -225,6 +238,12 @@ Mark symbol_mark(Point centre, double radius, Symbol symbol, Paint fill) {
   mark.stroke = fill;
   mark.fill = {};
   mark.stroke_width = std::max(1.5, radius / 2.5);
+  return mark;
+}
+
+Mark dots_mark(double radius, Paint fill) {
+  Mark mark = circle_mark({}, radius, fill);
+  mark.kind = MarkKind::Dots;
   return mark;
 }
 

@@ -35,7 +35,7 @@ struct Box {
   double middle_y() const { return y + height / 2; }
 };
 
-enum class MarkKind : uint8_t { Rect, Rule, Circle, Symbol, Path, Text, Image, Group };
+enum class MarkKind : uint8_t { Rect, Rule, Circle, Symbol, Path, Dots, Text, Image, Group };
 enum class Anchor : uint8_t { Start, Middle, End };
 
 /// A mark. Which members count is told by its kind.
@@ -43,7 +43,7 @@ struct Mark {
   MarkKind kind = MarkKind::Rect;
   Box box;          ///< rect, image: its place. Others: `x`, `y` are their point
   Point end;        ///< rule: its other end
-  double size = 0;  ///< radius of a circle or symbol; text: its font's size
+  double size = 0;  ///< radius of a circle, symbol or dot; text: its font's size
   Symbol symbol = Symbol::Circle;
   Paint fill;
   Paint stroke;
@@ -55,7 +55,7 @@ struct Mark {
   bool bold = false;
   double turn = 0;   ///< text: degrees clockwise around its point, which is on the baseline
   std::string text;  ///< text: one line; image: a PNG whose lightness is the opacity of `fill`
-  std::vector<Point> points;   ///< path: lines through these, a new one behind each break
+  std::vector<Point> points;   ///< path: lines through these, a new one behind each break; dots
   std::string tooltip;         ///< lines of what is shown about the mark; empty: it is decoration
   std::vector<Mark> children;  ///< group
 };
@@ -73,6 +73,8 @@ Mark rect_mark(const Box& box, Paint fill);
 Mark rule_mark(Point from, Point to, Paint stroke, double width = 1);
 Mark circle_mark(Point centre, double radius, Paint fill);
 Mark symbol_mark(Point centre, double radius, Symbol symbol, Paint fill);
+/// Filled circles of one size, each painted over those before it.
+Mark dots_mark(double radius, Paint fill);
 Mark path_mark(std::vector<Point> points, Paint stroke, double width);
 Mark text_mark(Point at, std::string text, const Font& font, Anchor anchor = Anchor::Start);
 Mark image_mark(const Box& box, std::string png, Paint fill);

@@ -221,6 +221,23 @@ class SvgWriter {
     close(mark, "path");
   }
 
+  /// A line of no length with round ends is a circle, in the fewest bytes.
+  void write_dots(const Mark& mark) {
+    Mark look;
+    look.stroke = mark.fill;
+    look.stroke_width = 2 * mark.size;
+    look.stroke_opacity = mark.opacity;
+    out_ += "<g stroke-linecap=\"round\"";
+    paints(look);
+    out_ += ">\n";
+    for (const Point& point : mark.points) {
+      append_pixels(out_ += "<path d=\"M", point.x);
+      append_pixels(out_ += ' ', point.y);
+      out_ += "h0\"/>\n";
+    }
+    out_ += "</g>\n";
+  }
+
   void write_text(const Mark& mark) {
     constexpr std::string_view kAnchors[] = {"start", "middle", "end"};
     out_ += "<text";
@@ -376,8 +393,8 @@ void SvgWriter::write_mark(const Mark& mark) {
   /// By kind of mark.
   constexpr Write kWrites[] = {
       &SvgWriter::write_rect,   &SvgWriter::write_rule,  &SvgWriter::write_circle,
-      &SvgWriter::write_symbol, &SvgWriter::write_path,  &SvgWriter::write_text,
-      &SvgWriter::write_image,  &SvgWriter::write_group,
+      &SvgWriter::write_symbol, &SvgWriter::write_path,  &SvgWriter::write_dots,
+      &SvgWriter::write_text,   &SvgWriter::write_image, &SvgWriter::write_group,
   };
   (this->*kWrites[static_cast<size_t>(mark.kind)])(mark);
 }

@@ -22,7 +22,7 @@ struct SvgSettings {
 };
 
 /// Marks with tooltips that are reached by keyboard; of a scene with more, none is.
-inline constexpr size_t kMostReachable = 1000;
+inline constexpr size_t kMostReachable = 600;
 
 /// Appends an `svg` element. Its title and description are those of the scene. In a page each mark
 /// with a tooltip shows it under the pointer and with the keyboard's focus, without script; in a

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <doctest/doctest.h>
+#include <tuple>
 
 #include "report/chart/distribution.h"
 #include "report/chart/layout.h"
@@ -156,7 +157,38 @@ TEST_CASE("points become a density raster when they are too many") {
     return std::ranges::count(scene.marks, MarkKind::Image, &Mark::kind);
   };
   CHECK(images(20000) == 0);
-  CHECK(images(20001) == 2);  // and that of the legend
+  CHECK(images(20001) == 1);
+  output::Chart chart = scatter_chart(30000);
+  const std::string legend = to_text(scene_of(chart));
+  CHECK(legend.find(" \"1\" fill") != std::string::npos);
+  CHECK(legend.find(" \"100\" fill") != std::string::npos);
+}
+
+TEST_CASE("what is too much to be read is left out, and the picture says so") {
+  const std::tuple<output::Chart, std::string> rows[] = {
+      {means_chart(60, 40), "Level of the symptom: The first 12 of 60 are shown."},
+      {spans_chart(1500), " of 1500 are shown."},
+      {pairwise_chart(200), "The 100 most significant of 200 are shown."},
+      {diagram_chart(1000, 10), "The 100 most significant of 1000 are shown."},
+  };
+  for (const auto& [chart, note] : rows) {
+    CAPTURE(note);
+    CHECK(to_text(scene_of(chart)).find(note) != std::string::npos);
+  }
+  CHECK(to_text(scene_of(means_chart(500))).find("are shown") == std::string::npos);
+  SUBCASE("the strongest edges stay") {
+    output::Chart chart = diagram_chart(1000, 10);
+    output::ChartSource& edges = chart.sources[2];
+    const auto weight = std::ranges::find(edges.variables, "Weight", &output::ChartVariable::role);
+    REQUIRE(weight != edges.variables.end());
+    for (size_t row = 0; row < edges.rows; ++row)
+      weight->values.set(row, row % 10 == 7 ? 9 : 1);
+    const auto& tooltips = chart.sources[1].by_role("PointTooltip")->values;
+    const Scene scene = scene_of(chart);
+    for (const size_t row : {7, 507, 997})
+      CHECK(has_tooltip(scene, tooltips.text(row)));
+    CHECK_FALSE(has_tooltip(scene, tooltips.text(508)));
+  }
 }
 
 TEST_CASE("marks grow with the rows, not faster") {

@@ -561,6 +561,16 @@ std::vector<ChartSample> hard_chart_samples() {
       {"spans_1", spans_chart(7)},
       {"spans_5", spans_chart(6, 5)},
       {"broken", broken_chart()},
+      // More than is drawn mark by mark.
+      {"scatter_20000", scatter_chart(20000)},
+      {"diagram_1000", diagram_chart(1000, 30)},
+      {"means_500", means_chart(500)},
+      {"means_60_40", means_chart(60, 40)},
+      {"means_30_6_100", means_chart(30, 6, 100)},
+      {"numbers_200", numeric_means_chart(200)},
+      {"pairwise_200", pairwise_chart(200)},
+      {"pairwise_30_70", pairwise_chart(30, 70)},
+      {"spans_1500", spans_chart(1500)},
   };
   Chart awkward = means_chart(10, 10);
   Chart awkward_pairs = pairwise_chart(10);

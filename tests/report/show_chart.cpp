@@ -34,6 +34,9 @@ void append_marks(json& out, const std::vector<Mark>& marks) {
   for (const Mark& mark : marks) {
     append_marks(out, mark.children);
     if (mark.kind == MarkKind::Group) continue;
+    for (size_t i = 0; mark.kind == MarkKind::Dots && i < mark.points.size(); ++i)
+      out.push_back({{"points", {point_json(mark.points[i])}}, {"text", ""}, {"tip", ""}});
+    if (mark.kind == MarkKind::Dots) continue;
     json points = json::array();
     for (const Point& point : extent_of(mark))
       points.push_back(point_json(point));

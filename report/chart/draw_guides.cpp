@@ -1,0 +1,70 @@
+// Guides of panels: lines that stand for a number or for a relation.
+#include <algorithm>
+
+#include "report/chart/panel_frame.h"
+
+namespace hierfit::report::chart {
+namespace {
+
+constexpr double kWidth = 1.5;
+constexpr const char* kDash = "7 4";
+
+bool names_row(std::string_view value, const output::ChartColumn& values, size_t row) {
+  switch (values.kind(row)) {
+    case output::ChartColumn::Kind::Unset:
+      return false;
+    case output::ChartColumn::Kind::Number:
+      return output::names_value(value, values.number(row));
+    case output::ChartColumn::Kind::Text:
+      return output::names_value(value, values.text(row)) ||
+             output::names_value(value, output::plain_text(values.text(row)));
+  }
+  return false;
+}
+
+bool is_hidden(const LineGuide& guide, const Panel& panel) {
+  return std::ranges::any_of(guide.hidden.clauses(), [&](const auto& clause) {
+    const ChartVariable* variable =
+        panel.source == nullptr ? nullptr : panel.source->by_role(clause.name);
+    return variable != nullptr && !names_row(clause.value, variable->values, panel.at_row);
+  });
+}
+
+void put(std::vector<Mark>& marks, Point from, Point to) {
+  Mark mark = rule_mark(from, to, {Part::Guide}, kWidth);
+  mark.dash = kDash;
+  marks.push_back(std::move(mark));
+}
+
+/// The part of the line where both of its ends lie within the ranges.
+void draw_slope(std::vector<Mark>& marks, const PanelFrame& frame, const LineGuide& guide) {
+  double low = frame.x.range.low;
+  double high = frame.x.range.high;
+  if (guide.slope != 0) {
+    const double a = (frame.y.range.low - guide.intercept) / guide.slope;
+    const double b = (frame.y.range.high - guide.intercept) / guide.slope;
+    low = std::max(low, std::min(a, b));
+    high = std::min(high, std::max(a, b));
+  }
+  if (!(low < high)) return;
+  const auto point = [&](double at) {
+    return Point{frame.x_scale().at(at), frame.y_scale().at(guide.intercept + guide.slope * at)};
+  };
+  put(marks, point(low), point(high));
+}
+
+}  // namespace
+
+void draw_guides(std::vector<Mark>& marks, const PanelFrame& frame, uint32_t panel) {
+  for (const LineGuide& guide : frame.binding.graph.guides) {
+    if (is_hidden(guide, frame.binding.panels[panel])) continue;
+    if (!guide.y) {
+      if (!frame.x.categorical) draw_slope(marks, frame, guide);
+      continue;
+    }
+    const double y = frame.y_scale().at(*guide.y);
+    if (frame.inside(y)) put(marks, {0, y}, {frame.panel.width, y});
+  }
+}
+
+}  // namespace hierfit::report::chart
