@@ -43,6 +43,9 @@ std::string render_xlsx(const output::Document& document, const Options& options
 /// A text document for word processors, with real tables and pictures of the charts.
 std::string render_docx(const output::Document& document, const Options& options);
 
+/// The report on pages of A4, with charts as lines and text.
+std::string render_pdf(const output::Document& document, const Options& options);
+
 /// The chart that the options name, or all of them beneath one another, as a vector picture; with
 /// their data. Throws `std::out_of_range` when there is no chart of that number.
 std::string render_svg(const output::Document& document, const Options& options);
@@ -75,6 +78,7 @@ inline constexpr Form kForms[] = {
     {"json", ".json", &render_json},
     {"xlsx", ".xlsx", &render_xlsx},
     {"docx", ".docx", &render_docx},
+    {"pdf", ".pdf", &render_pdf},
     {"svg", ".svg", &render_svg, &render_svg_folder},
     {"png", ".png", &render_png, &render_png_folder},
 };

@@ -111,6 +111,10 @@ PictureSize size_of_svg(std::string_view svg) {
   return {picture.width, picture.height};
 }
 
+void draw_svg(std::string_view svg, cairo_t* context, double width, double height) {
+  draw(load(svg), context, width, height);
+}
+
 std::string pdf_of_svg(std::string_view svg) {
   const Picture picture = load(svg);
   const double width = picture.width * kPointsPerInch / kPixelsPerInch;

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+struct _cairo;
+
 namespace hierfit::report {
 
 /// An SVG as a PNG with `scale` picture points for each of its pixels (1 is 96 an inch), fewer
@@ -19,6 +21,9 @@ struct PictureSize {
 
 /// How large an SVG is. Throws as `png_of_svg`.
 PictureSize size_of_svg(std::string_view svg);
+
+/// Draws an SVG with its corner at the origin of `context`, in this size. Throws as `png_of_svg`.
+void draw_svg(std::string_view svg, _cairo* context, double width, double height);
 
 /// An SVG as a PDF of one page of its size, with text as text and lines as lines. Throws as
 /// `png_of_svg`.
