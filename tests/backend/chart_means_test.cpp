@@ -159,6 +159,18 @@ TEST_CASE("custom effects: rows, and what a missing number leaves empty") {
   }
 }
 
+TEST_CASE("custom effects: a predictor without a value is in no footnote") {
+  ChartRun run;
+  run.block().fvWarningList.clear();
+  run.block().fEstimates = means_of_group();
+  std::vector<EmmeansLabelData>& predictors = run.block().fvLabels;
+  predictors.insert(predictors.begin(), {"nobody", CFStatVariableValue("4")});
+  CHECK(holds(custom_effects(run).document(),
+              "<footnote>Continuous predictors fixed at x = 4.50</footnote>"));
+  predictors.pop_back();
+  CHECK(holds(custom_effects(run).document(), "<footnote></footnote>"));
+}
+
 TEST_CASE("custom effects: what two and three factors keep, and variables that move up") {
   ChartRun run;
   run.block().fvWarningList.clear();

@@ -138,22 +138,24 @@ void HFITChartImpl::EditCustomEffects(std::string& text,
   if (factorCount < 2) RemoveSecondFactor(text);
 }
 
-/// The continuous predictors with the values that the means are taken at; empty without any.
+/// The continuous predictors with the values that the means are taken at; empty without any. A
+/// predictor without a value is left out, as in the table's caption.
 ChartString HFITChartImpl::CustomEffectsFootnote(const EmmeansData& emmeansData) const {
-  if (emmeansData.fvLabels.empty()) return {};
+  std::string list;
+  for (const EmmeansLabelData& label : emmeansData.fvLabels) {
+    const OBS* value = label.fValue.GetObsValue();
+    if (value == nullptr) continue;
+    const VELT_Variable* variable = FindVariable(label.fFieldName);
+    const VELT_Format format = variable == nullptr ? kPlainFormat : variable->GetFormat();
+    if (!list.empty()) list += ", ";
+    list += EscapeXmlText(label.fFieldName) + " = " + EscapeXmlText(ToString(value, format));
+  }
+  if (list.empty()) return {};
+
   constexpr char kPlace[] = "999";
   std::string pattern = LookUp("Continuous predictors fixed at [%1=%2:,^1=^2:]1");
   ReplaceFirst(pattern, "[%1=%2:,^1=^2:]1", kPlace);
   ChartString footnote = XUtility::ChartStringFromOLANG(pattern.c_str());
-
-  std::string list;
-  for (const EmmeansLabelData& label : emmeansData.fvLabels) {
-    const VELT_Variable* variable = FindVariable(label.fFieldName);
-    const VELT_Format format = variable == nullptr ? kPlainFormat : variable->GetFormat();
-    if (!list.empty()) list += ", ";
-    list += EscapeXmlText(label.fFieldName) + " = " +
-            EscapeXmlText(ToString(label.fValue.GetObsValue(), format));
-  }
   footnote.replaceSubstring(ChartString(kPlace),
                             XUtility::ChartStringFromLocalCodePage(list.c_str()));
   return footnote;
