@@ -126,7 +126,8 @@ class DocxTable {
     out_ += "<w:tblW";
     append_attribute(out_, "w:w", twips(page_width()));
     out_ +=
-        " w:type=\"dxa\"/><w:tblLayout w:type=\"fixed\"/><w:tblLook w:val=\"00A0\" "
+        " w:type=\"dxa\"/><w:jc w:val=\"start\"/><w:tblLayout w:type=\"fixed\"/><w:tblLook "
+        "w:val=\"00A0\" "
         "w:firstRow=\"1\" w:firstColumn=\"1\" w:noVBand=\"1\" w:noHBand=\"1\"/><w:tblCaption "
         "w:val=\"";
     append_escaped(out_, view_.text(view_.table.title));

@@ -28,28 +28,6 @@ size_t character_bytes(char lead) {
   return byte < 0x80 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
 }
 
-uint8_t alignment_of(Side side) {
-  constexpr uint8_t kAlignments[] = {LXW_ALIGN_LEFT, LXW_ALIGN_CENTER, LXW_ALIGN_RIGHT};
-  return kAlignments[static_cast<size_t>(side)];
-}
-
-void set(lxw_format* format, const Look& look) {
-  format_set_font_name(format, kFontName);
-  format_set_font_size(format, look.size);
-  if (look.bold) format_set_bold(format);
-  if (look.italic) format_set_italic(format);
-  if (look.raised) format_set_font_script(format, LXW_FONT_SUPERSCRIPT);
-  if (look.link) format_set_font_color(format, kLinkColour);
-  if (look.quiet) format_set_font_color(format, kQuietColour);
-  if (look.wraps) format_set_text_wrap(format);
-  if (!look.number.empty()) format_set_num_format(format, look.number.c_str());
-  if (look.side != Side::Start) format_set_align(format, alignment_of(look.side));
-  format_set_align(format, look.low ? LXW_ALIGN_VERTICAL_BOTTOM : LXW_ALIGN_VERTICAL_TOP);
-  if (look.indent > 0) format_set_indent(format, look.indent);
-  format_set_top(format, kRules[static_cast<size_t>(look.above)]);
-  format_set_bottom(format, kRules[static_cast<size_t>(look.below)]);
-}
-
 /// What the file reads back as it was written, whatever its size.
 std::string contents_of(int file) {
   std::string bytes(static_cast<size_t>(lseek(file, 0, SEEK_END)), '\0');
@@ -63,7 +41,8 @@ std::string contents_of(int file) {
 
 }  // namespace
 
-Workbook::Workbook(bool sequential) : file_(memfd_create("workbook", MFD_CLOEXEC)) {
+Workbook::Workbook(bool sequential, bool right_to_left)
+    : right_to_left_(right_to_left), file_(memfd_create("workbook", MFD_CLOEXEC)) {
   if (file_ < 0) fail("no memory for it");
   lxw_workbook_options options = {};
   options.constant_memory = sequential ? LXW_TRUE : LXW_FALSE;
@@ -80,6 +59,27 @@ Workbook::Workbook(bool sequential) : file_(memfd_create("workbook", MFD_CLOEXEC
 Workbook::~Workbook() {
   if (workbook_ != nullptr) lxw_workbook_free(workbook_);
   close(file_);
+}
+
+void Workbook::set(lxw_format* format, const Look& look) const {
+  format_set_font_name(format, kFontName);
+  format_set_font_size(format, look.size);
+  if (look.bold) format_set_bold(format);
+  if (look.italic) format_set_italic(format);
+  if (look.raised) format_set_font_script(format, LXW_FONT_SUPERSCRIPT);
+  if (look.link) format_set_font_color(format, kLinkColour);
+  if (look.quiet) format_set_font_color(format, kQuietColour);
+  if (look.wraps) format_set_text_wrap(format);
+  if (!look.number.empty()) format_set_num_format(format, look.number.c_str());
+  if (look.side == Side::Centre) {
+    format_set_align(format, LXW_ALIGN_CENTER);
+  } else if (look.side == Side::End || right_to_left_) {
+    format_set_align(format, LXW_ALIGN_RIGHT);
+  }
+  format_set_align(format, look.low ? LXW_ALIGN_VERTICAL_BOTTOM : LXW_ALIGN_VERTICAL_TOP);
+  if (look.indent > 0) format_set_indent(format, look.indent);
+  format_set_top(format, kRules[static_cast<size_t>(look.above)]);
+  format_set_bottom(format, kRules[static_cast<size_t>(look.below)]);
 }
 
 lxw_worksheet* Workbook::add_sheet(const std::string& name) {

@@ -48,8 +48,8 @@ struct Look {
 class Workbook {
  public:
   /// With `sequential`, sheets keep a row at a time: it takes no memory for a large table, and
-  /// rows are written from the top.
-  explicit Workbook(bool sequential);
+  /// rows are written from the top. In one from right to left texts begin at the right.
+  Workbook(bool sequential, bool right_to_left);
   Workbook(const Workbook&) = delete;
   Workbook& operator=(const Workbook&) = delete;
   ~Workbook();
@@ -61,6 +61,9 @@ class Workbook {
   std::string take();
 
  private:
+  void set(lxw_format* format, const Look& look) const;
+
+  bool right_to_left_;
   int file_ = -1;
   lxw_workbook* workbook_ = nullptr;
   std::map<Look, lxw_format*> formats_;

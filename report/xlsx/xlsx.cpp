@@ -30,7 +30,7 @@ class Report {
       : document_(document),
         options_(options),
         entries_(outline(document)),
-        workbook_(is_large(entries_)) {}
+        workbook_(is_large(entries_), document.right_to_left) {}
 
   std::string write() {
     set_properties();
