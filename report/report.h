@@ -37,6 +37,12 @@ std::string render_text(const output::Document& document, const Options& options
 /// The document whole, as docs/report.schema.json describes it.
 std::string render_json(const output::Document& document, const Options& options);
 
+/// Every cell of every table as a line of fields; no charts.
+std::string render_csv(const output::Document& document, const Options& options);
+
+/// Headings, pipe tables as GitHub and pandoc read them, and charts in words and rows.
+std::string render_markdown(const output::Document& document, const Options& options);
+
 /// A workbook: a sheet of contents, and one for each table, with real numbers, and each chart.
 std::string render_xlsx(const output::Document& document, const Options& options);
 
@@ -58,6 +64,9 @@ struct File {
   std::string text;
 };
 
+/// Each table as a file, laid out as it is, and the data of each chart.
+std::vector<File> render_csv_folder(const output::Document& document, const Options& options);
+
 /// Each chart of the document as a file.
 std::vector<File> render_svg_folder(const output::Document& document, const Options& options);
 std::vector<File> render_png_folder(const output::Document& document, const Options& options);
@@ -76,6 +85,8 @@ inline constexpr Form kForms[] = {
     {"html", ".html .htm", &render_html},
     {"text", ".txt .text", &render_text},
     {"json", ".json", &render_json},
+    {"csv", ".csv", &render_csv, &render_csv_folder},
+    {"markdown", ".md .markdown", &render_markdown},
     {"xlsx", ".xlsx", &render_xlsx},
     {"docx", ".docx", &render_docx},
     {"pdf", ".pdf", &render_pdf},

@@ -1,7 +1,18 @@
 // The report's own short texts.
 #include "report/wording.h"
 
+#include <array>
+
 namespace hierfit::report {
+
+namespace {
+
+/// The raised letters, as far as Unicode has them.
+constexpr std::array<std::string_view, 26> kRaised = {"ᵃ", "ᵇ", "ᶜ", "ᵈ", "ᵉ", "ᶠ", "ᵍ", "ʰ",  "ⁱ",
+                                                      "ʲ", "ᵏ", "ˡ", "ᵐ", "ⁿ", "ᵒ", "ᵖ", "^q", "ʳ",
+                                                      "ˢ", "ᵗ", "ᵘ", "ᵛ", "ʷ", "ˣ", "ʸ", "ᶻ"};
+
+}  // namespace
 
 std::string filled(std::string_view pattern, std::string_view argument) {
   std::string text;
@@ -18,6 +29,13 @@ std::string mark_letters(uint32_t number) {
     letters.insert(letters.begin(), static_cast<char>('a' + (rest - 1) % 26));
   }
   return letters;
+}
+
+std::string raised_letters(uint32_t number) {
+  std::string raised;
+  for (const char letter : mark_letters(number))
+    raised += kRaised[static_cast<size_t>(letter - 'a')];
+  return raised;
 }
 
 }  // namespace hierfit::report

@@ -13,4 +13,7 @@ std::string filled(std::string_view pattern, std::string_view argument);
 /// The letters of a note's number, from 0: "a" ... "z", "aa", "ab", ...
 std::string mark_letters(uint32_t number);
 
+/// The same letters raised, as characters, for forms without type; "^q", which Unicode lacks.
+std::string raised_letters(uint32_t number);
+
 }  // namespace hierfit::report

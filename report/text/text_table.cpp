@@ -2,7 +2,6 @@
 #include "report/text/text_table.h"
 
 #include <algorithm>
-#include <array>
 
 #include "report/text/text_table_writer.h"
 #include "report/wording.h"
@@ -13,18 +12,6 @@ using output::Document;
 using output::Table;
 
 namespace {
-
-/// The raised letters, as far as Unicode has them.
-constexpr std::array<std::string_view, 26> kRaised = {"ᵃ", "ᵇ", "ᶜ", "ᵈ", "ᵉ", "ᶠ", "ᵍ", "ʰ",  "ⁱ",
-                                                      "ʲ", "ᵏ", "ˡ", "ᵐ", "ⁿ", "ᵒ", "ᵖ", "^q", "ʳ",
-                                                      "ˢ", "ᵗ", "ᵘ", "ᵛ", "ʷ", "ˣ", "ʸ", "ᶻ"};
-
-std::string raised(uint32_t mark) {
-  std::string marks;
-  for (char letter : mark_letters(mark))
-    marks += kRaised[static_cast<size_t>(letter - 'a')];
-  return marks;
-}
 
 void append_repeated(std::string& out, std::string_view piece, size_t times) {
   for (; times > 0; --times)
@@ -56,7 +43,7 @@ std::string TextTable::marks_of(const std::vector<uint32_t>& notes) const {
   std::string text;
   for (uint32_t mark : marks) {
     if (!text.empty()) text += "\u02D2";
-    text += raised(mark);
+    text += raised_letters(mark);
   }
   return text;
 }
@@ -216,7 +203,7 @@ void TextTable::write_notes() {
     append_wrapped(out_, note + ' ' + text_of(*table_.caption), options_, 0);
   }
   for (uint32_t mark = 0; mark < layout_.notes.size(); ++mark) {
-    const std::string letters = raised(mark);
+    const std::string letters = raised_letters(mark);
     append_wrapped(out_, letters + ' ' + text_of(table_.notes[layout_.notes[mark]]), options_,
                    display_width(letters) + 1);
   }

@@ -1,0 +1,74 @@
+// The forms of plain text for programs: CSV, Markdown, LaTeX and Vega-Lite.
+#include <algorithm>
+#include <doctest/doctest.h>
+
+#include "report/report.h"
+#include "tests/report/chart_samples.h"
+#include "tests/report/sample_documents.h"
+#include "tests/report/table_builder.h"
+
+namespace hierfit::tests {
+
+namespace {
+
+output::Document with_table(TableBuilder builder) {
+  output::Document document;
+  document.content.items.emplace_back(builder.take());
+  return document;
+}
+
+bool has(const std::string& text, std::string_view piece) {
+  return text.find(piece) != std::string::npos;
+}
+
+/// Labels that are markup somewhere, a group, a mark, a missing number and a text among numbers.
+output::Document hostile_document() {
+  TableBuilder builder("=cmd|' /C calc'!A0 & 50% $x_1$", "PairwiseMeans");
+  builder.rows("a|b").columns("c").hide_title();
+  builder.cell({{"-2 log", "x*y"}, {"95% CI", "Lower"}}, coefficient(-0.1)).cell_note("n\nm");
+  builder.cell({{"-2 log", "x*y"}, {"95% CI", "Upper"}}, significance(1e-6));
+  builder.cell({{"-7"}, {"95% CI", "Lower"}}, missing());
+  builder.cell({{"-7"}, {"95% CI", "Upper"}}, count(3));
+  builder.cell({{"\"q\", r"}, {"Text"}}, "@sum(1)\n<b>");
+  return with_table(std::move(builder));
+}
+
+}  // namespace
+
+TEST_CASE("CSV gives each cell whole, and no text that a spreadsheet would run") {
+  const output::Document document = hostile_document();
+  const std::string title = "1,PairwiseMeans,'=cmd|' /C calc'!A0 & 50% $x_1$,";
+  const std::string tidy = report::render_csv(document, {});
+  CHECK(has(tidy, title + "1,'-2 log / x*y,1,95% CI / Lower,-0.1,-0.100,\"n\nm\"\r\n"));
+  CHECK(has(tidy, title + "1,'-2 log / x*y,2,95% CI / Upper,1e-06,<0.001,\r\n"));
+  CHECK(has(tidy, title + "2,-7,1,95% CI / Lower,,,\r\n"));
+  CHECK(has(tidy, title + "3,\"\"\"q\"\", r\",3,Text,,\"'@sum(1)\n<b>\",\r\n"));
+}
+
+TEST_CASE("a folder of CSV has a file for each table, and for the data of each chart") {
+  output::Document document = hostile_document();
+  document.content.items.emplace_back(std::make_unique<output::Chart>(scatter_chart(3)));
+  const std::vector<report::File> files = report::render_csv_folder(document, {});
+  REQUIRE(files.size() >= 2);
+  CHECK(files[0].name == "01-pairwise-means.csv");
+  CHECK(files[0].text ==
+        "a|b,95% CI / Lower,95% CI / Upper,Text\r\n"
+        "'-2 log / x*y,-0.1,1e-06,\r\n-7,,3,\r\n"
+        "\"\"\"q\"\", r\",,,\"'@sum(1)\n<b>\"\r\n");
+  CHECK(files[1].name.starts_with("figure-01-"));
+  CHECK(std::ranges::count(files[1].text, '\n') == 4);
+}
+
+TEST_CASE("Markdown flattens heads, keeps marks, and escapes what is markup") {
+  const std::string text = report::render_markdown(hostile_document(), {});
+  CHECK(has(text, "*\\=cmd\\|\\' /C calc\\'!A0 & 50% \\$x\\_1\\$*\n"));
+  CHECK(has(text,
+            "| a\\|b       | 95% CI: Lower | 95% CI: Upper | Text           |\n"
+            "|:-----------|--------------:|--------------:|:---------------|\n"
+            "| \\-2 log    |               |               |                |\n"
+            "| &emsp;x\\*y |       −0.100ᵃ |       \\<0.001 |                |\n"));
+  CHECK(has(text, "| \\@sum(1) \\<b\\> |\n"));
+  CHECK(has(text, "\nᵃ n\\\nm\n"));
+}
+
+}  // namespace hierfit::tests
