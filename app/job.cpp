@@ -125,6 +125,19 @@ output::Document make_document(SessionInput input,
   return document;
 }
 
+/// The same with its journal. Of documents that cannot be read the journal tells, too.
+output::Document make_document(SessionInput input, const Workshop& workshop, JournalFile& journal) {
+  try {
+    output::Document document = make_document(std::move(input), workshop, &journal.stream());
+    journal.finish();
+    return document;
+  } catch (const DocumentError&) {
+    journal.finish();
+    journal.put_in_place();
+    throw;
+  }
+}
+
 report::Options look_of(const Output& output, const Options& options) {
   constexpr size_t kWidthOfFiles = 80;
   report::Options look;
@@ -166,9 +179,8 @@ output::Document make(const Job& job, const Workshop& workshop) {
   SessionInput input = read_inputs(job.pair);
   std::optional<JournalFile> journal;
   if (!job.journal.empty()) journal.emplace(job.journal);
-  output::Document document =
-      make_document(std::move(input), workshop, journal ? &journal->stream() : nullptr);
-  if (journal) journal->finish();
+  output::Document document = journal ? make_document(std::move(input), workshop, *journal)
+                                      : make_document(std::move(input), workshop, nullptr);
 
   Delivery delivery;
   for (const Output& output : job.outputs)

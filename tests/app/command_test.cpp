@@ -187,6 +187,18 @@ TEST_CASE("a failure is one sentence with its file, and a status") {
   CHECK(directory.listing() == before);
 }
 
+TEST_CASE("a document that cannot be read leaves its journal, and no report") {
+  const Directory directory;
+  write(directory / "other.xml", "<StatXML/>");
+  CHECK(shell("hierfit --journal " + (directory / "j.jsonl") + " -o " + (directory / "r.html") +
+              " " + kExample + "model.pmml " + (directory / "other.xml"))
+            .status == 1);
+  CHECK(directory.listing() == "j.jsonl other.xml ");
+  CHECK(text_of(directory / "j.jsonl") ==
+        "{\"call\":\"BpError\",\"args\":[{\"string\":\"StatXML parsing error ...\",\"key\":true},"
+        "2,3]}\n");
+}
+
 TEST_CASE("several pairs make a report each and an index") {
   const Directory directory;
   fs::create_directories(directory / "in/a/b");
