@@ -135,6 +135,7 @@ void append_part(std::string& out, const DataValueText& part) {
 void append_part(std::string& out, const CompositeText& part) {
   out += part.is_key ? 'C' : 'c';
   append_sized(out, part.pattern);
+  append_bytes(out, static_cast<uint32_t>(part.arguments.size()));
   for (const auto& argument : part.arguments) {
     out += argument.is_list ? '[' : '.';
     append_bytes(out, static_cast<uint32_t>(argument.items.size()));

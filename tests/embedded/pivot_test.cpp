@@ -112,6 +112,23 @@ TEST_CASE("a category asked for again is the same one only when all of its label
   CHECK(rows.nodes[6].label.shown == "one");
 }
 
+TEST_CASE("a label knows which of its arguments belong to a pattern within it") {
+  const auto pattern = [](const char* words, std::initializer_list<BpCellText> arguments) {
+    BpComposite composite(words, false);
+    for (const BpCellText& argument : arguments)
+      composite.Add(argument);
+    composite.Finish();
+    return composite;
+  };
+  const Outcome outcome = run([&](Script& s) {
+    BpPivotTable table = s.table();
+    BpDimension rows = table.Dimension(s.text("R"), 2);
+    rows.Category(pattern("^1 ^2", {pattern("(^1 ^2)", {s.text("a")}), s.text("b")}));
+    rows.Category(pattern("^1 ^2", {pattern("(^1 ^2)", {s.text("a"), s.text("b")})}));
+  });
+  CHECK(outcome.table().dimensions[0].leaves.size() == 2);
+}
+
 TEST_CASE("a cell crosses what was last asked for, whichever dimension came first") {
   const Outcome outcome = run([](Script& s) {
     BpPivotTable table = s.table();
