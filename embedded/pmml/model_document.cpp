@@ -61,9 +61,9 @@ class Reader {
                     attribute(node, "dataType"),
                     {}};
     each_child(node, "Value", [&](NodeId value) {
-      const std::string_view property = tree_.attribute_text(value, "property");
+      const char* property = tree_.attribute(value, "property");
       field.values.push_back({attribute(value, "value"), attribute(value, "displayValue"),
-                              property.empty() || property == "valid"});
+                              property == nullptr || property == std::string_view("valid")});
     });
     return field;
   }

@@ -32,6 +32,7 @@ const std::string kModel = test::pmml(
     R"(<DataField name="dose" displayName="Dose given" optype="ordinal" dataType="integer">
          <Value value="1" displayValue="low"/><Value value="2"/>
          <Value value="2" displayValue="high"/><Value value="9" property="missing"/>
+         <Value value="8" property=""/>
        </DataField>
        <DataField name="site" displayName="" optype="categorical" dataType="string">
          <Value value="a much longer value" property="valid" displayValue="A"/>
