@@ -167,7 +167,7 @@ class Circles {
     std::vector<Mark> marks = draw_edges(index);
     draw_nodes(marks, nodes);
     std::ranges::move(labels, std::back_inserter(marks));
-    fit(piece, std::move(marks), radius, width, top);
+    fit(piece, std::move(marks), width, top);
     return piece;
   }
 
@@ -183,14 +183,12 @@ class Circles {
   }
 
   /// Puts what was drawn around 0, 0 below the titles, in the middle.
-  static void fit(
-      Piece& piece, std::vector<Mark>&& marks, double radius, double width, double top) {
-    double left = -radius - kNodeRadius;
-    double high = left;
-    double right = -left;
-    double low = -left;
+  static void fit(Piece& piece, std::vector<Mark>&& marks, double width, double top) {
+    double left = HUGE_VAL;
+    double high = HUGE_VAL;
+    double right = -HUGE_VAL;
+    double low = -HUGE_VAL;
     for (const Mark& mark : marks) {
-      if (mark.kind != MarkKind::Text) continue;
       const Box box = box_of(mark);
       left = std::min(left, box.x);
       high = std::min(high, box.y);
@@ -206,17 +204,38 @@ class Circles {
     piece.height = top + low - high + 4;
   }
 
+  /// Two nodes lie side by side, more begin at the top.
   static void place(Nodes& nodes, double radius) {
+    constexpr double kTurn = 2 * std::numbers::pi;
+    const double first = nodes.size() == 2 ? 0.75 : 0;
     for (size_t i = 0; i < nodes.size(); ++i) {
-      nodes[i].angle =
-          2 * std::numbers::pi * static_cast<double>(i) / static_cast<double>(nodes.size());
+      const double share = first + static_cast<double>(i) / static_cast<double>(nodes.size());
+      nodes[i].angle = kTurn * (share - std::floor(share));
       nodes[i].at = {radius * std::sin(nodes[i].angle), -radius * std::cos(nodes[i].angle)};
     }
   }
 
   std::string label_of_node(const CircleNode& node) const {
     const ChartVariable* label = (*node.element)[RoleKind::Label];
-    return label == nullptr ? std::string() : shown_value(*label, node.row, binding_.numbers);
+    if (label == nullptr) return {};
+    std::string text = shown_value(*label, node.row, binding_.numbers);
+    return text.substr(shared_with_panel(node, *label, text));
+  }
+
+  /// The bytes of a text, not of a label, that only repeat the panel: a key tells panels apart by
+  /// having their values ahead.
+  size_t shared_with_panel(const CircleNode& node,
+                           const ChartVariable& label,
+                           const std::string& text) const {
+    if (label.values.kind(node.row) != output::ChartColumn::Kind::Text) return 0;
+    std::string panel;
+    for (const Facet& facet : binding_.graph.facets) {
+      const ChartVariable* variable = node.element->source->by_role(facet.variable);
+      if (variable != nullptr && variable->values.kind(node.row) == label.values.kind(node.row)) {
+        panel += output::plain_text(variable->values.text(node.row));
+      }
+    }
+    return text.size() > panel.size() && text.starts_with(panel) ? panel.size() : 0;
   }
 
   /// Labels beside their nodes in lines. False when two of them would touch.
@@ -241,9 +260,10 @@ class Circles {
     const double rise = -std::cos(node.angle);
     const bool middle = std::fabs(side) < 0.2;
     const double away = kNodeRadius + kLabelGap;
-    const double room = middle ? half : half - away - 4;
+    const double room = std::max(middle ? half : half - away - 4, 40.0);
     const std::string text = label_of_node(node);
-    const TextLines lines = fit_text(text, font_, std::max(room, 40.0), kMostLabelLines);
+    const bool whole_words = widest_word(text, font_) <= room;
+    const TextLines lines = fit_text(text, font_, room, whole_words ? kMostLabelLines : 1);
     const double height = static_cast<double>(lines.lines.size()) * font_.line_height();
     double y = node.at.y - height / 2;
     if (middle) y = rise < 0 ? node.at.y - away - height : node.at.y + away;

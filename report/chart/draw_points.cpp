@@ -8,7 +8,7 @@
 namespace hierfit::report::chart {
 namespace {
 
-constexpr double kWidestShare = 0.45;  ///< of a colour's room, that a point's radius takes
+constexpr double kWidestShare = 0.55;  ///< of a colour's room, that a point's radius takes
 constexpr double kSmallest = 0.9;
 
 double radius_of(const PanelFrame& frame, size_t points) {

@@ -30,6 +30,7 @@ struct Step {
   size_t bytes;
   double width;
   bool blank;
+  bool wide;  ///< lines may break on both of its sides
 };
 
 /// What stands at `at`; a byte that begins no character counts as one.
@@ -38,9 +39,9 @@ Step step_at(std::string_view text, size_t at, const Font& font) {
   const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data()) + at;
   const auto length =
       utf8proc_iterate(bytes, static_cast<utf8proc_ssize_t>(text.size() - at), &code);
-  if (length <= 0) return {1, kOtherWidth * font.size, false};
+  if (length <= 0) return {1, kOtherWidth * font.size, false, false};
   return {static_cast<size_t>(length), em_width(static_cast<uint32_t>(code), font.bold) * font.size,
-          code == ' '};
+          code == ' ', utf8proc_charwidth(code) == 2};
 }
 
 std::string_view whole_characters(std::string_view text, size_t most_bytes) {
@@ -56,19 +57,22 @@ struct Break {
   size_t next;
 };
 
-/// Breaks at the last blank that fits, else ahead of the first character that does not; a line has
-/// at least one character, and one without a width stays with the one ahead of it.
+/// Breaks at the last blank that fits or beside the last wide character, else ahead of the first
+/// character that does not fit; a line has at least one character, and one without a width stays
+/// with the one ahead of it.
 Break next_break(std::string_view text, size_t begin, const Font& font, double width) {
   double used = 0;
-  size_t blank = std::string_view::npos;
+  Break last{begin, begin};
+  bool after_wide = false;
   for (size_t at = begin; at < text.size();) {
     if (text[at] == '\n') return {at, at + 1};
     const Step step = step_at(text, at, font);
-    if (step.blank) blank = at;
+    if (step.blank) last = {at, at + 1};
+    if ((step.wide || after_wide) && step.width > 0 && !step.blank) last = {at, at};
+    if (step.width > 0) after_wide = step.wide;
     used += step.width;
     if (used > width && step.width > 0 && at > begin && !step.blank) {
-      if (blank != std::string_view::npos && blank > begin) return {blank, blank + 1};
-      return {at, at};
+      return last.end > begin ? last : Break{at, at};
     }
     at += step.bytes;
   }
@@ -134,10 +138,13 @@ TextLines fit_text(std::string_view text, const Font& font, double width, size_t
 double widest_word(std::string_view text, const Font& font) {
   text = whole_characters(text, kMostBytes);
   double widest = 0;
-  for (size_t begin = 0; begin <= text.size();) {
-    const size_t end = std::min(text.find_first_of(" \n", begin), text.size());
-    widest = std::max(widest, text_width(text.substr(begin, end - begin), font));
-    begin = end + 1;
+  double word = 0;
+  for (size_t at = 0; at < text.size();) {
+    const Step step = step_at(text, at, font);
+    const bool ends = step.blank || text[at] == '\n';
+    word = ends ? 0 : step.wide ? step.width : word + step.width;
+    widest = std::max(widest, word);
+    at += step.bytes;
   }
   return widest;
 }

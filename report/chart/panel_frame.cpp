@@ -16,7 +16,7 @@ constexpr double kTrail = 14;       ///< right of the panels
 constexpr double kLongestNumber = 116;
 
 // What people can still tell apart; more of it is left out, and a note says so.
-constexpr double kLeastSlot = 3;      ///< pixels for a mark beside others of its place
+constexpr double kLeastSlot = 2.5;    ///< pixels for a mark beside others of its place
 constexpr double kLeastPlace = 1.25;  ///< pixels for a mark that has its place to itself
 constexpr size_t kMostColors = 32;
 constexpr size_t kFewestCategories = 12;
@@ -138,7 +138,15 @@ class PanelArrangement {
  private:
   const Font& label_font() const { return frame_.font(Lettering::AxisLabel); }
 
+  /// Of a square with the same numbers along both sides those that fit along x, so that the grid is
+  /// of squares, too.
   std::vector<TickLabel> numbers_along_y() const {
+    const Range& x = frame_.x.range;
+    const Range& y = frame_.y.range;
+    if (binding_.graph.aspect == 1 && !frame_.x.categorical && x.low == y.low && x.high == y.high) {
+      return number_labels(binding_, frame_.y.variable, frame_.y_scale(), frame_.panel.width,
+                           label_font(), true);
+    }
     return number_labels(binding_, frame_.y.variable, frame_.y_scale(), frame_.panel.height,
                          label_font(), false);
   }

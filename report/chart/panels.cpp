@@ -10,6 +10,7 @@ constexpr double kGap = 8;  ///< between names
 constexpr size_t kMostLabelLines = 3;
 constexpr double kLongestTurned = 130;
 constexpr double kSlantedBand = 24;  ///< the narrowest for names at half a right angle
+constexpr double kNearZero = 0.2;    ///< a share of the range
 constexpr double kSlope = 0.70710678;
 
 bool is_positional(const Element& element) {
@@ -31,9 +32,11 @@ Range with_limits(Range range, const Axis& axis) {
   if (axis.min && axis.max && *axis.min < *axis.max) return {*axis.min, *axis.max, false};
   const Range proper = range.proper();
   range = proper.widened(0.05);
-  // Room beside the marks makes no numbers of the other sign.
-  if (proper.low >= 0) range.low = std::max(range.low, 0.0);
-  if (proper.high <= 0) range.high = std::min(range.high, 0.0);
+  // Zero, where it is near, ends the axis; room beside the marks makes no numbers of the other
+  // sign.
+  const double near = kNearZero * (proper.high - proper.low);
+  if (proper.low >= 0) range.low = proper.low <= near ? 0 : std::max(range.low, 0.0);
+  if (proper.high <= 0) range.high = proper.high >= -near ? 0 : std::min(range.high, 0.0);
   if (axis.min && *axis.min < range.high) range.low = *axis.min;
   if (axis.max && *axis.max > range.low) range.high = *axis.max;
   return range;

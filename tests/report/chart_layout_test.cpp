@@ -146,6 +146,38 @@ TEST_CASE("what charts say") {
   }
 }
 
+TEST_CASE("circles") {
+  const auto has_text = [](const Scene& scene, const std::string& text) {
+    return std::ranges::any_of(scene.marks, [&](const Mark& mark) { return mark.text == text; });
+  };
+  SUBCASE("two nodes lie side by side") { CHECK(scene_of(pairwise_chart(2)).height < 140); }
+  SUBCASE("words are cut, not broken") {
+    output::Chart chart = pairwise_chart(3);
+    for (output::ChartSource& source : chart.sources) {
+      for (output::ChartVariable& variable : source.variables) {
+        if (variable.number_labels.contains(1)) variable.number_labels[1] = std::string(80, 'n');
+      }
+    }
+    const Scene scene = scene_of(chart, 358);
+    CHECK(has_tooltip(scene, std::string(80, 'n')));
+    CHECK(std::ranges::count_if(scene.marks, [](const Mark& mark) {
+            return mark.kind == MarkKind::Text && mark.text.starts_with("nn");
+          }) == 1);
+  }
+  SUBCASE("keys do not repeat the values of their panel") {
+    output::Chart chart = pairwise_chart(2, 2);
+    for (output::ChartVariable& variable : chart.sources[0].variables) {
+      for (const size_t row : {0, 1, 2, 3}) {
+        const std::string site = row < 2 ? "no" : "yes";
+        variable.values.set(row,
+                            variable.name == "node" ? site + (row % 2 == 0 ? "A" : "B") : site);
+      }
+    }
+    CHECK(has_text(scene_of(chart), "A"));
+    CHECK_FALSE(has_text(scene_of(chart), "noA"));
+  }
+}
+
 TEST_CASE("a guide shows in its own panel alone") {
   CHECK(count_marks(scene_of(spans_chart(3, 2, 3)), MarkKind::Rule, {Part::Guide}) == 6);
   CHECK(count_marks(scene_of(spans_chart(3)), MarkKind::Rule, {Part::Guide}) == 1);
@@ -224,6 +256,10 @@ TEST_CASE("texts are measured and broken like a font sets them") {
   const TextLines lines = fit_text("one two\nthree", font, 40, 3);
   CHECK(lines.lines == std::vector<std::string>{"one two", "three"});
   CHECK(fit_text("one two three four", font, 40, 2).lines.back() == "three\u2026");
+  // Wide characters need no blanks to break between; a word does.
+  CHECK(fit_text("ab\u793E\u4F1A\u5B66cd", font, 32, 2).lines ==
+        std::vector<std::string>{"ab\u793E\u4F1A", "\u5B66cd"});
+  CHECK(widest_word("ab\u793E\u4F1A cd", font) < 15);
   for (const std::string& label : kAwkwardLabels) {
     for (const std::string& line : fit_text(label, font, 60, 4).lines)
       CHECK(text_width(line, font) <= 60);
