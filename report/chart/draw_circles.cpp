@@ -227,7 +227,8 @@ class Circles {
   size_t shared_with_panel(const CircleNode& node,
                            const ChartVariable& label,
                            const std::string& text) const {
-    if (label.values.kind(node.row) != output::ChartColumn::Kind::Text) return 0;
+    const bool is_text = label.values.kind(node.row) == output::ChartColumn::Kind::Text;
+    if (!is_text || label.label_of(label.values.text(node.row)) != nullptr) return 0;
     std::string panel;
     for (const Facet& facet : binding_.graph.facets) {
       const ChartVariable* variable = node.element->source->by_role(facet.variable);
