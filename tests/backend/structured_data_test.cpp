@@ -256,6 +256,20 @@ TEST_CASE("what a document unpacks to stays in proportion to its text") {
                       "<Covariate field=\"" + std::string(2'000, 'x') + "\" power=\"9999\"/>");
     CHECK_FALSE(Reading(documents).reads);
   }
+  SUBCASE("long labels of estimates") {
+    ResultDocuments documents;
+    documents.replace("<Covariate field=\"x\" power=\"1\"/>",
+                      "<Covariate field=\"" + std::string(200, 'x') + "\" power=\"9999\"/>");
+    std::string labels;
+    for (int i = 0; i < 100; ++i) {
+      labels += R"(<PrintableList pattern="P1" mapId="0"/>)";
+    }
+    documents.insert_before("<Statistic name=\"fixedEffectIndex\"",
+                            "<PrintableList>" + labels + "</PrintableList>");
+    CHECK(Reading(documents).store.GetParamCollect() != nullptr);
+    documents.insert_before("<PrintableList pattern=\"P1\" mapId=\"0\"/><PrintableList", labels);
+    CHECK(Reading(documents).store.GetParamCollect() == nullptr);
+  }
   SUBCASE("a longer text may hold more") {
     ResultDocuments documents = diagonals(2);
     documents.insert_before("<BuildSettings>", "<!--" + std::string(8'000'000, ' ') + "-->");

@@ -203,6 +203,11 @@ bool HFITParseOutXML::Unpack(std::size_t byteCount) {
   return fUnpackedBytes <= kUnpackedBytes + kUnpackedPerByte * fpStatXMLStr->size();
 }
 
+bool HFITParseOutXML::UnpackText(const PrintableListData& printableListData, std::string& text) {
+  fpHFITOutputStats->GetPrintableText(printableListData, text);
+  return Unpack(text.size());
+}
+
 const VELT_Variable* HFITParseOutXML::TargetVariable() const {
   if (fpBuildSettings == nullptr) return nullptr;
   return fpDataSource->GetVariable(fpBuildSettings->fTargetIndex);

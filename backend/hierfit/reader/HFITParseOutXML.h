@@ -160,6 +160,9 @@ class HFITParseOutXML {
   /// Counts what a short text unpacks to. False when all of it together is out of proportion to
   /// the result document.
   bool Unpack(std::size_t byteCount);
+  /// Makes the text of a list within a label, since a short list can stand for a long term. False
+  /// as `Unpack` is.
+  bool UnpackText(const PrintableListData& printableListData, std::string& text);
   /// The target's variable; null without one.
   const VELT_Variable* TargetVariable() const;
   /// The position of a dictionary's field among the variables of the model, if it is one.
@@ -175,5 +178,5 @@ class HFITParseOutXML {
   const std::string* fpPMMLStr;
   const std::string* fpStatXMLStr;
   std::vector<std::string_view> fvItems;  ///< of the array in hand; its room serves the next one
-  std::size_t fUnpackedBytes = 0;  ///< of all matrices and of the labels of covariances so far
+  std::size_t fUnpackedBytes = 0;         ///< of all matrices and all labels of covariances so far
 };

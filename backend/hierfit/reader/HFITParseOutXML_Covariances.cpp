@@ -30,10 +30,7 @@ bool HFITParseOutXML::ReadEffectLabels(SDOMXMLIterator* labelIter,
     PrintableListData printableList;
     isRead = ReadPrintableList(FirstElement(*labelElm, "PrintableList"), printableList);
     if (!isRead) continue;
-    std::string& label = vEffectLabels.emplace_back();
-    fpHFITOutputStats->GetPrintableText(printableList, label);
-    // One short list can stand for a long term.
-    if (!Unpack(label.size())) return false;
+    if (!UnpackText(printableList, vEffectLabels.emplace_back())) return false;
   }
   return isRead;
 }

@@ -128,6 +128,10 @@ bool HFITParseOutXML::ReadParameterStats(SDOMXMLWrapper* paramStatsElm,
       !ReadPrintableList(printableListElm, paramStatData.fPrintableList)) {
     return false;
   }
+  for (const PrintableListData& subList : paramStatData.fPrintableList.fvSubLists) {
+    std::string text;
+    if (!UnpackText(subList, text)) return false;
+  }
   return ReadAttributes(*paramStatsElm, kParamStatAttributes, paramStatData);
 }
 
