@@ -19,7 +19,7 @@ constexpr double kNarrowestPanel = 320;
 constexpr double kPanelGap = 16;
 constexpr double kLongestTurned = 150;
 constexpr size_t kMostUpright = 16;    ///< nodes whose labels are tried without turning
-constexpr size_t kMostNodes = 100;     ///< of a circle
+constexpr size_t kMostNodes = 60;      ///< of a circle
 constexpr size_t kMostLines = 12'000;  ///< in all circles
 constexpr size_t kMostEdges = 1500;    ///< marks of their own; beyond, one path a colour
 constexpr size_t kMostLabelLines = 3;
@@ -339,7 +339,7 @@ class Circles {
   std::vector<Mark> draw_edges(size_t panel) const {
     const auto& edges = edges_[panel];
     const size_t count = nodes_[panel].size();
-    const LineWidths widths(binding_, count > 24 ? 1 : count > 9 ? 2.5 : 4.5);
+    const LineWidths widths(binding_, count > 40 ? 0.6 : count > 24 ? 1 : count > 9 ? 2.5 : 4.5);
     std::vector<std::pair<uint32_t, Mark>> drawn;
     for (const auto& [element, row] : edges) {
       const CircleNode* from = node_of(panel, (*element)[RoleKind::From], row);
@@ -362,7 +362,8 @@ class Circles {
         marks.back().points.insert(marks.back().points.end(),
                                    {kBreak, {mark.box.x, mark.box.y}, mark.end});
       } else if (edge_count_ > kMostEdges) {
-        marks.push_back(path_mark({{mark.box.x, mark.box.y}, mark.end}, mark.stroke, 1));
+        marks.push_back(path_mark({{mark.box.x, mark.box.y}, mark.end}, mark.stroke, 0.5));
+        marks.back().stroke_opacity = mark.stroke_opacity;
       } else {
         marks.push_back(std::move(mark));
       }

@@ -7,7 +7,6 @@
 namespace hierfit::report::chart {
 namespace {
 
-constexpr double kInset = 8;  ///< free of marks along the edges of a panel
 constexpr double kWidestSquare = 460;
 constexpr double kNarrowestPanel = 190;
 constexpr double kUsualHeight = 260;
@@ -18,6 +17,7 @@ constexpr double kLongestNumber = 116;
 // What people can still tell apart; more of it is left out, and a note says so.
 constexpr double kLeastSlot = 2.5;    ///< pixels for a mark beside others of its place
 constexpr double kLeastPlace = 1.25;  ///< pixels for a mark that has its place to itself
+constexpr double kWidestPlace = 60;   ///< over numbers
 constexpr size_t kMostColors = 32;
 constexpr size_t kFewestCategories = 12;
 constexpr size_t kMostTooltips = 2000;  ///< points that say what they are
@@ -41,7 +41,7 @@ size_t most_points(const Binding& binding) {
 
 }  // namespace
 
-LinearScale PanelFrame::x_scale() const { return {x.range, kInset, panel.width - kInset}; }
+LinearScale PanelFrame::x_scale() const { return {x.range, inset, panel.width - inset}; }
 LinearScale PanelFrame::y_scale() const { return {y.range, panel.height - kInset, kInset}; }
 
 double PanelFrame::title_height() const {
@@ -241,6 +241,10 @@ class PanelArrangement {
     const size_t fewest = std::clamp<size_t>(categories, 1, kFewestCategories);
     if (beside) frame_.colors = std::min(frame_.colors, std::max<size_t>(1, most / fewest));
     frame_.slots = beside ? frame_.colors : 1;
+    // The first and the last place along x take the room of their colours, too.
+    if (beside && !frame_.x.categorical) {
+      frame_.inset += numeric_band() * binding_.graph.cluster / 2;
+    }
     frame_.categories = std::min(categories, std::max(fewest, most / frame_.slots));
     note_limit(frame_.x.variable, frame_.categories, categories);
     note_limit(binding_.colors.variable, frame_.colors, colors);
@@ -301,7 +305,7 @@ class PanelArrangement {
       }
     }
     std::ranges::sort(places);
-    double least = 60;
+    double least = std::min(kWidestPlace, 20 * static_cast<double>(frame_.slots));
     for (size_t i = 1; i < places.size(); ++i) {
       if (places[i] - places[i - 1] > 0.01) least = std::min(least, places[i] - places[i - 1]);
     }

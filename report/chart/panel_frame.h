@@ -12,6 +12,7 @@
 
 namespace hierfit::report::chart {
 
+inline constexpr double kInset = 8;  ///< free of marks along the edges of a panel
 inline constexpr double kTick = 5;
 inline constexpr double kPanelGap = 18;
 /// Marks of their own, with tooltips; those of one colour are one mark beyond.
@@ -36,6 +37,7 @@ struct PanelFrame {
   TextLines y_title;
   std::vector<TickLabel> y_labels;
   TickLabels x_labels;
+  double inset = kInset;        ///< free of places at both ends of x
   size_t categories = 0;        ///< along x, that are shown
   size_t colors = 0;            ///< that are shown
   size_t slots = 1;             ///< colours side by side in one place

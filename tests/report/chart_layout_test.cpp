@@ -200,7 +200,7 @@ TEST_CASE("what is too much to be read is left out, and the picture says so") {
   const std::tuple<output::Chart, std::string> rows[] = {
       {means_chart(60, 40), "Level of the symptom: The first 12 of 60 are shown."},
       {spans_chart(1500), " of 1500 are shown."},
-      {pairwise_chart(200), "The 100 most significant of 200 are shown."},
+      {pairwise_chart(200), "The 60 most significant of 200 are shown."},
       {diagram_chart(1000, 10), "The 100 most significant of 1000 are shown."},
   };
   for (const auto& [chart, note] : rows) {
