@@ -160,11 +160,13 @@ bool SDOMXMLWrapper::Impl::read_array(Items& items, std::string& storage, const 
     items.clear();
     return false;
   }
-  const auto count = hierfit::parse_number(of.attribute_text(node, "n"));
+  const std::string_view stated = of.attribute_text(node, "n");
+  const auto count = hierfit::parse_number(stated);
   const std::string_view text = of.text(node, storage);
   const auto most = static_cast<double>(text.size() / 2 + 1);  // an item and a blank each
   if (count && *count > 0 && *count <= most) items.reserve(static_cast<size_t>(*count));
-  const bool fits = split(text, items) && (!count || *count == static_cast<double>(items.size()));
+  const bool fits = split(text, items) &&
+                    (!hierfit::is_number(stated) || count == static_cast<double>(items.size()));
   if (!fits) {
     items.clear();
     trace().missed(of, LookupTrace::Step::Array, node, "n");

@@ -206,6 +206,7 @@ TEST_CASE("arrays split at white space outside quotes") {
       {"<Array n='2.0'>1 2</Array>", "1|2|"},
       {"<Array n='3'>1 2</Array>", "unreadable"},
       {"<Array n='-1'/>", "unreadable"},
+      {"<Array n='1e999'>1 2</Array>", "unreadable"},
       {"<Array>\"open</Array>", "unreadable"},
       {"<Array>\"open\\\"</Array>", "unreadable"},
       {"<Array>\"a\"b</Array>", "unreadable"},
