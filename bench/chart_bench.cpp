@@ -4,7 +4,7 @@
 
 #include "bench/documents.h"
 #include "bench/run.h"
-#include "report/chart/chart.h"
+#include "report/chart_files.h"
 
 namespace {
 
@@ -53,25 +53,37 @@ void send_points(benchmark::State& state) {
   send(state, observed_by_predicted(static_cast<size_t>(state.range(0))));
 }
 
-void draw(benchmark::State& state) {
+/// Draws a scatter plot of as many points as the state says.
+void draw(benchmark::State& state, std::string_view form) {
   Run run(observed_by_predicted(static_cast<size_t>(state.range(0))));
   read(run);
   const output::Document document = run.write();
   const output::Chart* chart = first_chart(document.content);
   if (chart == nullptr) throw std::logic_error("the document makes no chart");
+  const auto render = report::chart_form_by_name(form)->render;
   size_t bytes = 0;
   for (auto step : state)
-    bytes = report::render_svg(*chart, document).size();
+    bytes = render(*chart, document, {}).size();
   state.SetItemsProcessed(state.iterations() * state.range(0));
   state.counters["bytes"] = static_cast<double>(bytes);
 }
 
 BENCHMARK(send_points)->Name("charts/send/points")->Arg(1'000'000)->Unit(benchmark::kMillisecond);
-BENCHMARK(draw)
+BENCHMARK_CAPTURE(draw, svg, "svg")
     ->Name("charts/draw/points")
     ->Arg(100)
     ->Arg(1'000)
     ->Arg(10'000)
+    ->Arg(1'000'000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(draw, png, "png")
+    ->Name("charts/draw/png")
+    ->Arg(1'000)
+    ->Arg(1'000'000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(draw, pdf, "pdf")
+    ->Name("charts/draw/pdf")
+    ->Arg(1'000)
     ->Arg(1'000'000)
     ->Unit(benchmark::kMillisecond);
 
