@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "embedded/session_state.h"
+#include "embedded/strings/cut_text.h"
 
 using namespace hierfit;
 using journal::Journal;
@@ -63,6 +64,16 @@ ChartColumn* VarDataProcessor::Impl::column(const _varinfo& handle) {
 ChartColumn* VarDataProcessor::Impl::column(const std::string& source,
                                             const std::string& variable) {
   return column(find(source, variable));
+}
+
+void VarDataProcessor::Impl::set_text(ChartColumn* column, int32_t row, const std::string& text) {
+  text_bytes += std::min(text.size(), chart::kMaxTextBytes);
+  if (text_bytes <= chart::kMaxTextBytes || text.size() <= chart::kShortText) {
+    return set_value(column, row, text);
+  }
+  std::string cut = text.substr(0, chart::kShortText + 1);
+  cut_text(cut, chart::kShortText);
+  set_value(column, row, cut);
 }
 
 _varinfo VarDataProcessor::Impl::find(const std::string& source,
@@ -160,7 +171,7 @@ void VarDataProcessor::SetStringVariableValue(const _varinfo* handle,
     const auto [source, variable] = names_of(*impl_, info);
     write_line(*impl_, kSetText, source, variable, row, value);
   }
-  set_value(impl_->column(info), row, value);
+  impl_->set_text(impl_->column(info), row, value);
 }
 
 void VarDataProcessor::SetStringVariableValue(const std::string& source,
@@ -168,7 +179,7 @@ void VarDataProcessor::SetStringVariableValue(const std::string& source,
                                               int32_t row,
                                               const std::string& value) {
   if (impl_->journal != nullptr) write_line(*impl_, kSetText, source, variable, row, value);
-  set_value(impl_->column(source, variable), row, value);
+  impl_->set_text(impl_->column(source, variable), row, value);
 }
 
 char* VarDataProcessor::GetDataStream(int32_t& length) {

@@ -16,6 +16,10 @@ namespace hierfit::chart {
 /// Rows of one source, at most. Values of rows beyond it, or of negative rows, are dropped.
 inline constexpr int32_t kMaxRows = 1 << 26;
 
+/// The texts of one chart, in bytes, at most; from there on a text is cut to `kShortText` bytes.
+inline constexpr size_t kMaxTextBytes = size_t{64} << 20;
+inline constexpr size_t kShortText = 240;
+
 /// The sources as bytes, for `read_data_stream`; all numbers have their low byte first. A text is
 /// its length in bytes (u32) and its bytes.
 ///
@@ -39,12 +43,15 @@ struct VarDataProcessor::Impl {
   hierfit::output::ChartColumn* column(const std::string& source, const std::string& variable);
   _varinfo find(const std::string& source, const std::string& variable) const;
   _varinfo add(const std::string& source, const std::string& variable);
+  /// Sets the text of a row; null is no column.
+  void set_text(hierfit::output::ChartColumn* column, int32_t row, const std::string& text);
   /// Hands the data over; the processor holds no source then.
   std::vector<hierfit::output::ChartSource> take_sources();
 
   std::vector<hierfit::output::ChartSource> sources;
   Index source_index;
   std::vector<Index> variable_index;  ///< by source
+  size_t text_bytes = 0;              ///< of all texts so far
   hierfit::journal::Journal* journal = nullptr;
   hierfit::journal::Id id;
 };

@@ -1,6 +1,7 @@
 #include "embedded/dictionary/variable.h"
 
 #include "embedded/framework/number_text.h"
+#include "embedded/strings/cut_text.h"
 
 namespace hierfit {
 
@@ -17,7 +18,13 @@ void Variable::set_format(VELT_Format format) {
   }
 }
 
+void Variable::set_label(std::string label) {
+  cut_text(label, kLongestLabel);
+  label_ = std::move(label);
+}
+
 bool Variable::set_value_label(std::string_view value, std::string label) {
+  cut_text(label, kLongestLabel);
   if (labels_.of_strings) {
     labels_.by_text.insert_or_assign(std::string(value), std::move(label));
     return true;

@@ -30,6 +30,10 @@ namespace hierfit {
 /// Codes of a measurement level, as `VELT_Variable::GetMeasurementLevel` gives them.
 enum class MeasurementLevel : int32_t { Unknown = 0, Categorical = 1, Ordinal = 2, Continuous = 3 };
 
+/// The bytes of a label, at most; a longer one is cut. A label stands in each row of some tables
+/// and charts, so without a bound those would outgrow every document.
+inline constexpr size_t kLongestLabel = 32 * 1024;
+
 /// A variable, which is the metadata field of the same index, too.
 class Variable final : public VELT_Variable, public CFField {
  public:
@@ -45,7 +49,7 @@ class Variable final : public VELT_Variable, public CFField {
   bool holds_strings() const { return format_.type == kStringFormatType; }
 
   /// An empty label is none.
-  void set_label(std::string label) { label_ = std::move(label); }
+  void set_label(std::string label);
   void set_level(MeasurementLevel level) { level_ = level; }
   /// A change of the kind, string or number, carries the value labels over where their values can
   /// be read as the new kind.

@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <optional>
 
+#include "embedded/strings/cut_text.h"
+
 namespace hierfit {
 namespace {
 
 using output::Text;
 
-constexpr std::string_view kEllipsis = "\u2026";
 constexpr std::string_view kListSeparator = ", ";
 
 /// The number of a place such as "^2" at the head of `text`, 0 when none begins there.
@@ -49,12 +50,7 @@ class Filling {
 
  private:
   void cut() {
-    size_t end = kMaxFilledBytes - kEllipsis.size();
-    while (end > 0 && (static_cast<unsigned char>(text_.shown[end]) & 0xC0) == 0x80) {
-      --end;
-    }
-    text_.shown.resize(end);
-    text_.shown += kEllipsis;
+    const size_t end = cut_text(text_.shown, kMaxFilledBytes);
     std::erase_if(text_.numbers, [end](const output::NumberSpan& span) {
       return span.begin + uint64_t{span.length} > end;
     });

@@ -76,6 +76,19 @@ TEST_CASE("a column holds numbers, texts and gaps") {
   }
 }
 
+TEST_CASE("texts stay whole until they outgrow a document, and are short from there on") {
+  Sample sample;
+  const std::string text(chart::kMaxTextBytes / 2, 'x');
+  const std::string wide = "\u00E9" + std::string(chart::kShortText, 'y') + "\u00E9";
+  const std::string* const texts[] = {&text, &text, &wide};
+  for (int32_t row = 0; row < 3; ++row) {
+    sample.data.SetStringVariableValue(&sample.a, row, *texts[row]);
+  }
+  CHECK(sample.column(0).text(1).size() == text.size());
+  CHECK(sample.column(0).text(2).size() == chart::kShortText);
+  CHECK(sample.column(0).text(2).ends_with("y\u2026"));
+}
+
 TEST_CASE("values for nothing that is there are dropped") {
   Sample sample;
   const _varinfo unknown;
