@@ -43,6 +43,9 @@ std::string render_csv(const output::Document& document, const Options& options)
 /// Headings, pipe tables as GitHub and pandoc read them, and charts in words and rows.
 std::string render_markdown(const output::Document& document, const Options& options);
 
+/// An article that pdflatex, lualatex and xelatex take as it is; its figures are files beside it.
+std::string render_latex(const output::Document& document, const Options& options);
+
 /// A workbook: a sheet of contents, and one for each table, with real numbers, and each chart.
 std::string render_xlsx(const output::Document& document, const Options& options);
 
@@ -87,6 +90,7 @@ inline constexpr Form kForms[] = {
     {"json", ".json", &render_json},
     {"csv", ".csv", &render_csv, &render_csv_folder},
     {"markdown", ".md .markdown", &render_markdown},
+    {"latex", ".tex .latex", &render_latex},
     {"xlsx", ".xlsx", &render_xlsx},
     {"docx", ".docx", &render_docx},
     {"pdf", ".pdf", &render_pdf},

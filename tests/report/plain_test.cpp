@@ -71,4 +71,21 @@ TEST_CASE("Markdown flattens heads, keeps marks, and escapes what is markup") {
   CHECK(has(text, "\nᵃ n\\\nm\n"));
 }
 
+TEST_CASE("LaTeX lines numbers up, merges heads, and has no command that a label gives") {
+  const std::string text = report::render_latex(hostile_document(), {});
+  CHECK(has(text, "\\textit{=cmd{\\textbar}' /C calc'!A0 \\& 50\\% \\$x\\_1\\$}"));
+  CHECK(has(text, "{95\\% CI}"));
+  CHECK(has(text, "\\cmidrule(lr){2-3}"));
+  CHECK(has(text, "\\hspace*{1em}x*y & $-$0.100\\rlap{\\textsuperscript{a}} & $<$0.001 &  \\\\\n"));
+  CHECK(has(text, "-7 &  & \\lead{$<$0}{3}\\trail{.001}{} &  \\\\\n"));
+  CHECK(has(text, "\\textsuperscript{a} n\\newline m\\par\n"));
+  SUBCASE("and declares the characters that not every engine has") {
+    output::Document document;
+    document.title = "\u4E2D e\u0301 \u03B1 **--";
+    const std::string declared = report::render_latex(document, {});
+    CHECK(has(declared, "\\declarecharacter{\u4E2D}{4E2D}\n"));
+    CHECK(has(declared, "\u4E2D \u00E9 $\\alpha$ **-{}-}"));
+  }
+}
+
 }  // namespace hierfit::tests

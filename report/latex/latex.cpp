@@ -1,0 +1,127 @@
+// The LaTeX form: an article that compiles as it is, with tables to be taken into others.
+#include <algorithm>
+#include <array>
+
+#include "report/aligned_cells.h"
+#include "report/chart/chart.h"
+#include "report/file_name.h"
+#include "report/latex/latex_table.h"
+#include "report/latex/latex_text.h"
+#include "report/outline.h"
+#include "report/report.h"
+
+namespace hierfit::report {
+
+using latex::TextWriter;
+using output::Document;
+
+namespace {
+
+constexpr std::string_view kPreamble = R"(\documentclass[10pt,a4paper]{article}
+\usepackage[hmargin=45.4pt,vmargin=51pt]{geometry}
+\usepackage{iftex}
+\ifpdftex
+  \IfFileExists{lmodern.sty}{\usepackage[T1]{fontenc}\usepackage{lmodern}}{%
+    % Outlines for what the first fonts have, bitmaps of the wider ones for the rest.
+    \usepackage[T1,OT1]{fontenc}
+    \DeclareTextSymbolDefault{\textquotedbl}{T1}
+    \DeclareTextSymbolDefault{\guillemotleft}{T1}
+    \DeclareTextSymbolDefault{\guillemotright}{T1}
+    \DeclareTextSymbolDefault{\guilsinglleft}{T1}
+    \DeclareTextSymbolDefault{\guilsinglright}{T1}
+    \DeclareTextSymbolDefault{\quotedblbase}{T1}
+    \DeclareTextSymbolDefault{\quotesinglbase}{T1}
+    \DeclareTextSymbolDefault{\DH}{T1}
+    \DeclareTextSymbolDefault{\dh}{T1}
+    \DeclareTextSymbolDefault{\DJ}{T1}
+    \DeclareTextSymbolDefault{\dj}{T1}
+    \DeclareTextSymbolDefault{\NG}{T1}
+    \DeclareTextSymbolDefault{\ng}{T1}
+    \DeclareTextSymbolDefault{\TH}{T1}
+    \DeclareTextSymbolDefault{\th}{T1}
+    \DeclareTextAccentDefault{\k}{T1}}
+\else
+  \usepackage{fontspec}
+\fi
+\usepackage{array,booktabs,longtable,pdflscape,graphicx}
+\setlength{\tabcolsep}{4.5pt}
+\setlength{\LTleft}{0pt}
+\setlength{\LTpre}{14pt}
+\setlength{\LTpost}{4pt}
+\setlength{\parindent}{0pt}
+\setcounter{secnumdepth}{0}
+% A part of a number beside its decimal mark, in the room of the widest one of its column.
+\newcommand*{\lead}[2]{\hphantom{#1}\llap{#2}}
+\newcommand*{\trail}[2]{\rlap{#2}\hphantom{#1}}
+\newenvironment{tablenotes}{\footnotesize\raggedright}{\par\medskip}
+% The folder of the charts, written by --charts with --chart-format=pdf.
+\newcommand*{\chartfolder}{charts}
+% #1: file, #2: what it shows
+\newcommand{\chart}[2]{\IfFileExists{\chartfolder/#1}%
+  {\includegraphics[width=\linewidth,height=.8\textheight,keepaspectratio]{\chartfolder/#1}}%
+  {\fbox{\parbox{.95\linewidth}{\raggedright\small #2}}}\par}
+)";
+
+constexpr std::array<std::string_view, 4> kHeadings = {"section", "subsection", "subsubsection",
+                                                       "paragraph"};
+
+class LatexReport {
+ public:
+  explicit LatexReport(const Document& document)
+      : document_(document), entries_(outline(document)), style_(document.numbers) {
+    style_.minus = "\u2212";
+    charts_ = static_cast<size_t>(std::ranges::count_if(
+        entries_, [](const Entry& entry) { return entry.as<output::Chart>() != nullptr; }));
+  }
+
+  std::string write() {
+    ((out_ += "\\section*{\\Large ") += texts_.escaped(report_title(document_))) += "}\n";
+    for (const Entry& entry : entries_) {
+      out_ += '\n';
+      std::visit([&](const auto* part) { write(*part, entry); }, entry.content);
+    }
+    // What the body needs is known at its end.
+    return std::string(kPreamble) + texts_.declarations() + "\\begin{document}\n" + out_ +
+           "\\end{document}\n";
+  }
+
+ private:
+  void write(const output::Section& section, const Entry& entry) {
+    const size_t level = std::min<size_t>(entry.level, kHeadings.size()) - 1;
+    ((out_ += '\\') += kHeadings[level]) += '{';
+    (out_ += texts_.escaped(restyled(section.title, style_))) += "}\n";
+  }
+
+  void write(const output::Table&, const Entry& entry) {
+    latex::append_table(out_, texts_, document_, entry);
+  }
+
+  void write(const output::Message& message, const Entry&) {
+    ((out_ += "\\textbf{") += texts_.escaped(severity_word(message.severity, document_))) += "} ";
+    (out_ += texts_.escaped(restyled(message.text, style_), "\\newline ")) += "\\par\n";
+  }
+
+  void write(const output::Chart& chart, const Entry& entry) {
+    ((out_ += "\\begin{figure}[htbp]\n\\raggedright\n\\textbf{") +=
+     texts_.escaped(numbered(entry, document_))) += "}\\\\\n";
+    ((out_ += "\\textit{") += texts_.escaped(chart.title, "\\\\ ")) += "}\\par\\smallskip\n";
+    ((out_ += "\\chart{") += file_name(entry.number, charts_, chart.kind, "chart")) += ".pdf}{";
+    (out_ += texts_.escaped(describe_chart(chart, document_), "\\newline ")) +=
+        "}\n\\end{figure}\n";
+  }
+
+  const Document& document_;
+  std::vector<Entry> entries_;
+  output::NumberStyle style_;
+  size_t charts_ = 0;
+  TextWriter texts_;
+  std::string out_;
+};
+
+}  // namespace
+
+std::string render_latex(const Document& document, const Options&) {
+  return LatexReport(document).write();
+}
+
+}  // namespace hierfit::report
