@@ -60,18 +60,22 @@ std::string padded(size_t number, size_t width) {
   return std::string(width - std::min(width, digits.size()), '0') + digits;
 }
 
-/// A chart laid out, and its data.
-struct Drawing {
-  chart::Plan plan;
-  chart::Scene scene;
-  std::string data;
-};
-
-Drawing drawing_of(const Chart& chart, const Document& document, const Options& options) {
-  Drawing drawing{chart::read_plan(chart), {}, {}};
-  drawing.scene = chart::lay_out(drawing.plan, chart, document, {.width = width_of(options)});
-  chart::append_metadata(drawing.data, chart);
-  return drawing;
+/// Appends the picture of a chart with its data, of less than a megabyte; gives its scene.
+chart::Scene append_picture(std::string& out,
+                            const Chart& chart,
+                            const Document& document,
+                            const Options& options,
+                            const chart::SvgSettings& settings) {
+  constexpr std::string_view kEnd = "</svg>\n";
+  constexpr size_t kMostBytes = 950'000;
+  const chart::Plan plan = chart::read_plan(chart);
+  chart::Scene scene = chart::lay_out(plan, chart, document, {.width = width_of(options)});
+  const size_t begin = out.size();
+  chart::append_svg(out, scene, plan.style, settings);
+  out.resize(out.size() - kEnd.size());
+  chart::append_metadata(out, chart, kMostBytes - std::min(kMostBytes, out.size() - begin));
+  out += kEnd;
+  return scene;
 }
 
 /// A picture of a line of text, for a document without charts.
@@ -97,12 +101,11 @@ std::string stacked_svg(const std::vector<const Chart*>& charts,
   double height = 0;
   std::string pictures;
   for (size_t i = 0; i < charts.size(); ++i) {
-    const Drawing drawing = drawing_of(*charts[i], document, options);
     const std::string prefix = "c" + std::to_string(i + 1);
-    chart::append_svg(pictures, drawing.scene, drawing.plan.style,
-                      {.prefix = prefix, .metadata = drawing.data, .top = height});
-    width = std::max(width, drawing.scene.width);
-    height += drawing.scene.height;
+    const chart::Scene scene =
+        append_picture(pictures, *charts[i], document, options, {.prefix = prefix, .top = height});
+    width = std::max(width, scene.width);
+    height += scene.height;
   }
   std::string svg(kHead);
   chart::append_svg_start(svg, width, height);
@@ -125,9 +128,8 @@ std::string svg_of_document(const Document& document, const Options& options) {
 }  // namespace
 
 std::string svg_of_chart(const Chart& chart, const Document& document, const Options& options) {
-  const Drawing drawing = drawing_of(chart, document, options);
   std::string svg(kHead);
-  chart::append_svg(svg, drawing.scene, drawing.plan.style, {.metadata = drawing.data});
+  append_picture(svg, chart, document, options, {});
   return svg;
 }
 

@@ -1,5 +1,6 @@
 #include "report/chart/metadata.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 
@@ -16,7 +17,7 @@ using Kind = output::ChartColumn::Kind;
 
 class MetadataWriter {
  public:
-  explicit MetadataWriter(std::string& out) : out_(out) {}
+  MetadataWriter(std::string& out, size_t room) : out_(out), room_(room) {}
 
   void write(const Chart& chart) {
     out_ += "<metadata>\n<data xmlns=\"urn:x-hierfit:chart-data\"";
@@ -111,11 +112,13 @@ class MetadataWriter {
   }
 
   std::string& out_;
-  size_t room_ = kMostDataBytes;
+  size_t room_;
 };
 
 }  // namespace
 
-void append_metadata(std::string& out, const Chart& chart) { MetadataWriter(out).write(chart); }
+void append_metadata(std::string& out, const Chart& chart, size_t room) {
+  MetadataWriter(out, room).write(chart);
+}
 
 }  // namespace hierfit::report::chart

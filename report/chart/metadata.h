@@ -8,13 +8,12 @@
 
 namespace hierfit::report::chart {
 
-/// Sources with more rows, or with more bytes of them, are counted alone: the JSON form of the
-/// report holds them.
+/// Sources with more rows are counted alone: the JSON form of the report holds them.
 inline constexpr size_t kMostDataRows = 20'000;
-inline constexpr size_t kMostDataBytes = 250'000;
 
-/// Appends a `metadata` element with the sources of a chart, as docs/drawing.md describes it.
+/// Appends a `metadata` element with the sources of a chart, as docs/drawing.md describes it. The
+/// rows of a source that would take more than what is left of `room` bytes are counted alone.
 /// Numbers stand in the fewest digits that read back as themselves.
-void append_metadata(std::string& out, const output::Chart& chart);
+void append_metadata(std::string& out, const output::Chart& chart, size_t room);
 
 }  // namespace hierfit::report::chart

@@ -106,7 +106,6 @@ class SvgWriter {
     out_ += '>';
     text(scene_.description);
     out_ += "</desc>\n";
-    out_ += settings_.metadata;
     if (settings_.by_class) return;
     out_ += "<rect width=\"100%\" height=\"100%\"";
     color("fill", {Part::Ground});

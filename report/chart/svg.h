@@ -15,8 +15,6 @@ struct SvgSettings {
   bool by_class = false;
   /// Ahead of every id; unique in the page.
   std::string_view prefix = "c";
-  /// Markup that stands behind the title and the description.
-  std::string_view metadata = {};
   /// Where the picture begins within another one, in pixels from its top.
   std::optional<double> top = {};
 };

@@ -70,9 +70,9 @@ TEST_CASE("charts as files") {
 }
 
 TEST_CASE("a picture holds its data") {
-  const auto data = [](const output::Chart& chart) {
+  const auto data = [](const output::Chart& chart, size_t room = 1000000) {
     std::string out;
-    report::chart::append_metadata(out, chart);
+    report::chart::append_metadata(out, chart, room);
     return out;
   };
   SUBCASE("numbers whole, texts escaped, what is missing as such") {
@@ -90,6 +90,7 @@ TEST_CASE("a picture holds its data") {
     CHECK(text.find("rows=\"30000\"") != std::string::npos);
     CHECK(count(text, "<see form=\"json\"/>") == 1);
     CHECK(count(text, "<row>") == 0);
+    CHECK(count(data(scatter_chart(300), 1000), "<see form=\"json\"/>") == 1);
   }
 }
 
