@@ -1,0 +1,262 @@
+"""Reads reports of several forms back and holds them against the JSON form.
+
+check_forms.py HIERFIT SOURCES FORM...: SOURCES is the root of the sources, whose examples and test
+documents are rendered. A reader gives what each table of a form holds, by the number of the table.
+Office documents are also printed by an office program, and read as pages.
+"""
+import collections
+import decimal
+import json
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unicodedata
+import zipfile
+
+CAPTION = re.compile(r"^\s*Table (\d+)( \(continued\))?\s*$")
+
+
+class Found:
+    """What a form holds of a table: numbers as doubles, where the form has them, and its text."""
+
+    def __init__(self):
+        self.values, self.text = None, []
+
+
+def plain(text):
+    """One kind of minus and of letters, and no marks of pages and joints."""
+    text = unicodedata.normalize("NFKC", str(text).replace("\u2212", "-"))
+    return text.replace("\u200b", "").replace("\x0c", " ")
+
+
+# Readers: a file, and the folder for what has to be made of it, to {number of a table: Found}.
+
+
+def read_xlsx(path):
+    import openpyxl
+    book = openpyxl.load_workbook(path)
+    tables = {}
+    for sheet in book.worksheets[1:]:
+        caption = CAPTION.match(str(sheet["A1"].value))
+        if not caption:
+            continue
+        found = tables.setdefault(int(caption[1]), Found())
+        found.values = found.values or []
+        for row in sheet.iter_rows():
+            for cell in row:
+                if cell.data_type == "f":
+                    raise AssertionError(f"{sheet.title}!{cell.coordinate} is a formula")
+                if cell.data_type == "n" and cell.value is not None:
+                    found.values.append(float(cell.value))
+                elif cell.value is not None:
+                    found.text.append(str(cell.value))
+    return tables
+
+
+def read_docx(path):
+    import docx
+    from docx.table import Table
+    from docx.text.paragraph import Paragraph
+    document = docx.Document(path)
+    tables, current = {}, None
+    for element in document.element.body:
+        if element.tag.endswith("}p"):
+            paragraph = Paragraph(element, document)
+            text = "".join(node.text or "\n" for node in element.iter()
+                           if node.tag.endswith(("}t", "}br")))
+            caption = CAPTION.match(text.split("\n")[0])
+            if caption:
+                current = tables.setdefault(int(caption[1]), Found())
+            elif paragraph.style.name not in ("Table Note", "Table End"):
+                current = None
+            if current is not None:
+                current.text.append(text)
+        elif element.tag.endswith("}tbl"):
+            read_cells(Table(element, document), current)
+    return tables
+
+
+def read_cells(table, found):
+    widths = {sum(cell.grid_span for cell in line._tr.tc_lst) for line in table.rows}
+    if len(widths) != 1:
+        raise AssertionError(f"a table has rows of unequal width: {widths}")
+    for cell in table._tbl.iter_tcs():
+        runs = [(run, "".join(node.text or "" for node in run.iter() if node.tag.endswith("}t")))
+                for run in cell.iter() if run.tag.endswith("}r")]
+        raised = "".join(text for run, text in runs if run.xpath(".//w:vertAlign"))
+        text = "".join(text for run, text in runs if not run.xpath(".//w:vertAlign"))
+        found.text += [text, raised]
+
+
+def read_pdf(path):
+    text = subprocess.run(["pdftotext", "-layout", path, "-"], check=True, capture_output=True,
+                          text=True).stdout
+    tables, current = {}, None
+    for line in text.replace("\x0c", "\n").split("\n"):
+        caption = CAPTION.match(line)
+        if caption:
+            current = tables.setdefault(int(caption[1]), Found())
+        elif re.match(r"^\s*Figure \d+\s*$", line):
+            current = None
+        if current is not None:
+            current.text.append(line)
+    return tables
+
+
+READERS = {"xlsx": read_xlsx, "docx": read_docx, "pdf": read_pdf}
+
+def described_pictures(path):
+    """How many pictures of an office document have an alternative text."""
+    with zipfile.ZipFile(path) as archive:
+        parts = [name for name in archive.namelist()
+                 if re.search(r"drawings/[^/]*\.xml$|word/document\.xml$", name)]
+        drawn = "".join(archive.read(name).decode() for name in parts)
+    return len(re.findall(r'<(?:xdr:cNvPr|wp:docPr) [^>]*descr="[^"]{20,}"', drawn))
+
+
+# Forms that an office program turns into pages, which then are read as such.
+OFFICE_FORMS = ("xlsx", "docx")
+
+
+# The reference.
+
+
+def tables_of(content):
+    for part in content:
+        if part["kind"] == "table":
+            yield part
+        yield from tables_of(part.get("items", []))
+
+
+def shown(text):
+    return text["shown"] if isinstance(text, dict) else text
+
+
+def texts_of(table):
+    """All that has to be read somewhere: labels that cells stand at, cells, notes and caption."""
+    yield shown(table["title"])
+    for place, dimension in enumerate(table["dimensions"]):
+        if not dimension["labelsShown"]:
+            continue
+        if dimension["titleShown"]:
+            yield shown(dimension["title"])
+        yield from labels_of(dimension, {cell["at"][place] for cell in table["cells"]})
+    yield from (shown(cell["text"]) for cell in table["cells"] if "text" in cell)
+    yield from map(shown, table["notes"])
+    if table.get("caption"):
+        yield shown(table["caption"])
+
+
+def labels_of(dimension, categories):
+    nodes = dimension["nodes"]
+    for node in nodes:
+        if node.get("category") in categories and "category" in node:
+            while node is not None:
+                yield shown(node["label"])
+                node = nodes[node["parent"]] if node.get("parent") is not None else None
+
+
+def charts_in(content):
+    return sum(part["kind"] == "chart" or charts_in(part.get("items", [])) for part in content)
+
+
+def is_number(cell):
+    return cell.get("value") is not None
+
+
+def as_spreadsheets_show(cell):
+    """They round the decimal digits, halves away from zero."""
+    text = plain(cell["shown"])
+    if not re.fullmatch(r"-?\d+(\.\d+)?", text):
+        return text
+    unit = decimal.Decimal(1).scaleb(-len(text.partition(".")[2]))
+    value = decimal.Decimal(repr(cell["value"])).quantize(unit, decimal.ROUND_HALF_UP)
+    return f"{value:f}"
+
+
+def faults_of(table, found, shown_as):
+    numbers = [cell for cell in table["cells"] if is_number(cell)]
+    if found.values is not None:
+        # Workbooks keep sixteen digits.
+        lost = collections.Counter(float(f"{cell['value']:.16g}") for cell in numbers)
+        lost -= collections.Counter(found.values)
+    else:
+        have = collections.Counter(re.sub(r"(?<=[\d%])[a-z,]+$", "", word)
+                                   for text in found.text for word in plain(text).split())
+        lost = collections.Counter(map(shown_as, numbers)) - have
+    if lost:
+        yield f"lost the numbers {dict(lost)}"
+    joined = re.sub(r"\s+", "", "".join(map(plain, found.text)))
+    for text in texts_of(table):
+        # A longer word is divided, with parts of other cells in between.
+        if not all(word[:20] in joined for word in plain(text).split()):
+            yield f"lost the text {text!r}"
+
+
+def check(name, reference, tables, shown_as=lambda cell: plain(cell["shown"])):
+    expected = list(tables_of(reference["content"]))
+    if len(tables) != len(expected):
+        yield f"{name} has {len(tables)} tables of {len(expected)}"
+    for number, table in enumerate(expected, 1):
+        for fault in faults_of(table, tables.get(number, Found()), shown_as):
+            yield f"{name}, table {number}: {fault}"
+
+
+# The run.
+
+
+def pairs(sources):
+    for example in sorted((sources / "examples").iterdir()):
+        if example.is_dir():
+            yield example.name, example / "model.pmml", example / "result.xml"
+    documents = sources / "tests" / "documents"
+    for result in sorted(documents.glob("*.xml")):
+        yield result.stem, documents / "model.pmml", result
+
+
+def render(hierfit, model, result, outputs):
+    command = [hierfit, str(model), str(result)]
+    subprocess.run(command + [f"--output={path}" for path in outputs], check=True,
+                   env={**os.environ, "LC_ALL": "C"})
+
+
+def pages_of(files, folder):
+    """The files as an office program prints them."""
+    profile = f"-env:UserInstallation=file://{folder}/profile"
+    subprocess.run(["soffice", profile, "--headless", "--convert-to", "pdf", "--outdir", folder,
+                    *files], check=True, capture_output=True, timeout=300)
+
+
+def main():
+    hierfit, sources, forms = sys.argv[1], pathlib.Path(sys.argv[2]), sys.argv[3:]
+    faults = []
+    with tempfile.TemporaryDirectory() as folder:
+        references = {}
+        for name, model, result in pairs(sources):
+            base = os.path.join(folder, name)
+            render(hierfit, model, result, [f"{base}.{form}" for form in ["json", *forms]])
+            with open(base + ".json", encoding="utf-8") as file:
+                references[name] = json.load(file)
+            for form in forms:
+                faults += check(f"{name}.{form}", references[name],
+                                READERS[form](f"{base}.{form}"))
+                if form in OFFICE_FORMS:
+                    charts = charts_in(references[name]["content"])
+                    pictures = described_pictures(f"{base}.{form}")
+                    if charts != pictures:
+                        faults.append(f"{name}.{form} describes {pictures} charts of {charts}")
+        for form in (form for form in forms if form in OFFICE_FORMS):
+            into = os.path.join(folder, "pages-" + form)
+            pages_of([os.path.join(folder, f"{name}.{form}") for name in references], into)
+            for name, reference in references.items():
+                pages = read_pdf(os.path.join(into, name + ".pdf"))
+                rounds = {"shown_as": as_spreadsheets_show} if form == "xlsx" else {}
+                faults += check(f"{name}.{form}, printed", reference, pages, **rounds)
+    print("\n".join(faults))
+    return 1 if faults else 0
+
+
+sys.exit(main())

@@ -1,0 +1,145 @@
+// The forms for office programs: what goes wrong at their edges.
+#include <doctest/doctest.h>
+#include <memory>
+#include <string>
+#include <zip.h>
+
+#include "report/layout/page_table.h"
+#include "report/report.h"
+#include "report/xlsx/table_sheets.h"
+#include "tests/report/sample_documents.h"
+#include "tests/report/table_builder.h"
+
+namespace hierfit::tests {
+
+namespace {
+
+/// A part of a package; empty when there is none of that name.
+std::string part(const std::string& package, const std::string& name) {
+  zip_source_t* source = zip_source_buffer_create(package.data(), package.size(), 0, nullptr);
+  zip_t* archive = zip_open_from_source(source, ZIP_RDONLY, nullptr);
+  REQUIRE(archive != nullptr);
+  std::string content;
+  zip_stat_t stat;
+  if (zip_stat(archive, name.c_str(), 0, &stat) == 0) {
+    content.resize(stat.size);
+    zip_file_t* file = zip_fopen(archive, name.c_str(), 0);
+    CHECK(zip_fread(file, content.data(), content.size()) == static_cast<zip_int64_t>(stat.size));
+    zip_fclose(file);
+  }
+  zip_discard(archive);
+  return content;
+}
+
+bool holds(const std::string& text, std::string_view what) {
+  return text.find(what) != std::string::npos;
+}
+
+output::Document with_table(TableBuilder builder) {
+  output::Document document;
+  document.content.items.emplace_back(builder.take());
+  return document;
+}
+
+}  // namespace
+
+TEST_CASE("office forms and pages") {
+  SUBCASE("are the same bytes for the same document, whatever it holds") {
+    for (const char* name : {"xlsx", "docx", "pdf"}) {
+      CAPTURE(name);
+      const report::Form& form = *report::form_by_name(name);
+      for (const output::Document& document : {awkward_document(), output::Document()}) {
+        const std::string once = form.render(document, {});
+        CHECK(once.size() > 800);
+        CHECK((once == form.render(document, {})));
+      }
+    }
+  }
+  SUBCASE("keep control characters, markup and formulas as the text that they are") {
+    TableBuilder builder("=1+1");
+    builder.rows("r").cell({{"\x01</w:t>&\xFF"}}, "=cmd|' /C calc'!A0");
+    const output::Document document = with_table(std::move(builder));
+    const std::string sheet = part(report::render_xlsx(document, {}), "xl/worksheets/sheet2.xml");
+    CHECK(holds(sheet, "t=\"s\""));
+    CHECK_FALSE(holds(sheet, "<f>"));
+    const std::string text = part(report::render_docx(document, {}), "word/document.xml");
+    CHECK(holds(text, "\uFFFD&lt;/w:t&gt;&amp;\uFFFD"));
+  }
+}
+
+TEST_CASE("workbooks show numbers as the report does") {
+  TableBuilder builder("t");
+  builder.rows("r").cell({{"a"}}, coefficient(0.1)).cell({{"b"}}, significance(1e-9));
+  builder.cell({{"c"}}, coefficient(2e-7)).cell({{"d"}}, percent(50)).cell({{"e"}}, count(3));
+  builder.cell_note("note");
+  const std::string styles =
+      part(report::render_xlsx(with_table(std::move(builder)), {}), "xl/styles.xml");
+  for (const char* format : {"\"0.000", "[&lt;0.001]&quot;&lt;0.001&quot;", "\"0.000E-0",
+                             "\"0.0&quot;%&quot;", "\"0&quot;ᵃ&quot;"}) {
+    CAPTURE(format);
+    CHECK(holds(styles, format));
+  }
+}
+
+TEST_CASE("a table beyond the limits of a sheet goes on on further ones") {
+  TableBuilder builder("Large");
+  builder.rows("Row").columns("Column").hide_title();
+  for (int row = 0; row < 9; ++row) {
+    for (int column = 0; column < 5; ++column)
+      builder.cell({{"r" + std::to_string(row)}, {"c" + std::to_string(column)}}, count(row));
+  }
+  const output::Document document = with_table(std::move(builder));
+  report::xlsx::Workbook workbook(false, false);
+  report::xlsx::write_table(workbook, document, report::outline(document)[0],
+                            {.lines = 10, .columns = 4});
+  const std::string package = workbook.take();
+  // Five lines beside title, head and a note, and three columns beside the row heads.
+  const std::string names = part(package, "xl/workbook.xml");
+  CHECK(holds(names, "\"Table 1 Large\""));
+  CHECK(holds(names, "\"Table 1 (4) Large\""));
+  CHECK_FALSE(holds(names, "(5)"));
+  CHECK(holds(part(package, "xl/worksheets/sheet4.xml"), "<dimension ref=\"A1:C8\"/>"));
+}
+
+TEST_CASE("sheets have names that programs take") {
+  CHECK(report::xlsx::sheet_name("Table 1 [a/b]: \"c\"?") == "Table 1 a b c");
+  CHECK(report::xlsx::sheet_name(std::string(40, 'x')).size() == 31);
+  CHECK(report::xlsx::sheet_name(
+            "Table 1 \U0001F600\U0001F600\U0001F600\U0001F600\U0001F600\U0001F600"
+            "\U0001F600\U0001F600\U0001F600\U0001F600\U0001F600\U0001F600")
+            .size() == 8 + 11 * 4);
+}
+
+TEST_CASE("tables on paper") {
+  const auto plan = [](int columns, int groups) {
+    TableBuilder builder("t");
+    builder.rows("Row").columns("Column").hide_title();
+    for (int column = 0; column < columns; ++column) {
+      const Path path =
+          groups == 0 ? Path{"c" + std::to_string(column)}
+                      : Path{"g" + std::to_string(column / groups), "c" + std::to_string(column)};
+      builder.cell({{"row"}, path}, coefficient(-123456.789));
+    }
+    const output::Document document = with_table(std::move(builder));
+    const auto& table = *std::get<std::unique_ptr<output::Table>>(document.content.items[0]);
+    return report::plan_table(report::TableView(document, table));
+  };
+  SUBCASE("lie upright, on their side where they must, and are divided beyond") {
+    CHECK_FALSE(plan(7, 0).landscape);
+    CHECK(plan(12, 0).landscape);
+    CHECK(plan(12, 0).fold_ends.size() == 1);
+    const report::PageTable wide = plan(40, 0);
+    CHECK(wide.fold_ends.size() > 1);
+    CHECK(wide.fold_ends.back() == 40);
+    for (size_t fold = 0, first = 0; fold < wide.fold_ends.size(); first = wide.fold_ends[fold++]) {
+      CHECK(wide.width(static_cast<uint32_t>(first), wide.fold_ends[fold]) <=
+            report::kPaperHeight - 2 * report::kSideMargin + 0.01);
+    }
+  }
+  SUBCASE("are divided between groups of columns") {
+    for (const uint32_t end : plan(40, 5).fold_ends)
+      CHECK(end % 5 == 0);
+  }
+}
+
+}  // namespace hierfit::tests
