@@ -157,9 +157,9 @@ void write_runs(Workbook& workbook,
 std::string sheet_name(std::string_view text) {
   std::string name;
   for (const char character : text) {
-    const bool illegal =
-        std::string_view("[]:*?/\\'\n\"").find(character) != std::string_view::npos;
-    if (!illegal) {
+    const bool divides =
+        std::string_view(" []:*?/\\'\n\"").find(character) != std::string_view::npos;
+    if (!divides) {
       name += character;
     } else if (!name.empty() && name.back() != ' ') {
       name += ' ';
