@@ -30,8 +30,9 @@ bool is_hidden(const LineGuide& guide, const Panel& panel) {
   });
 }
 
-void put(std::vector<Mark>& marks, Point from, Point to) {
-  Mark mark = rule_mark(from, to, {Part::Guide}, kWidth);
+void put(std::vector<Mark>& marks, const PanelFrame& frame, Point from, Point to) {
+  // Over many points it has to stand out from them.
+  Mark mark = rule_mark(from, to, {frame.crowded ? Part::Text : Part::Guide}, kWidth);
   mark.dash = kDash;
   marks.push_back(std::move(mark));
 }
@@ -50,7 +51,7 @@ void draw_slope(std::vector<Mark>& marks, const PanelFrame& frame, const LineGui
   const auto point = [&](double at) {
     return Point{frame.x_scale().at(at), frame.y_scale().at(guide.intercept + guide.slope * at)};
   };
-  put(marks, point(low), point(high));
+  put(marks, frame, point(low), point(high));
 }
 
 }  // namespace
@@ -63,7 +64,7 @@ void draw_guides(std::vector<Mark>& marks, const PanelFrame& frame, uint32_t pan
       continue;
     }
     const double y = frame.y_scale().at(*guide.y);
-    if (frame.inside(y)) put(marks, {0, y}, {frame.panel.width, y});
+    if (frame.inside(y)) put(marks, frame, {0, y}, {frame.panel.width, y});
   }
 }
 

@@ -48,13 +48,20 @@ class MetadataWriter {
     out_ += ">\n";
     for (const ChartVariable& variable : source.variables)
       write_variable(variable);
+    bounded([&](size_t most) { return source.rows <= kMostDataRows && write_rows(source, most); });
+    out_ += "</source>\n";
+  }
+
+  /// Writes what `write` does, with the bytes it may take, into the room that is left; when it says
+  /// that there is too little, where else to find it.
+  template <class Write>
+  void bounded(Write write) {
     const size_t begin = out_.size();
-    if (source.rows > kMostDataRows || !write_rows(source, room_)) {
+    if (!write(room_)) {
       out_.resize(begin);
       out_ += "<see form=\"json\"/>\n";
     }
     room_ -= std::min(room_, out_.size() - begin);
-    out_ += "</source>\n";
   }
 
   void write_variable(const ChartVariable& variable) {
@@ -67,32 +74,44 @@ class MetadataWriter {
       return;
     }
     out_ += '>';
+    bounded([&](size_t most) { return write_labels(variable, most); });
+    out_ += "</variable>\n";
+  }
+
+  /// False when they take more than `most` bytes.
+  bool write_labels(const ChartVariable& variable, size_t most) {
+    const size_t begin = out_.size();
     for (const auto& [value, label] : variable.number_labels) {
       out_ += "<label number=\"";
       number(value);
-      out_ += "\">";
-      html::append_escaped(out_, label);
-      out_ += "</label>";
+      out_ += '"';
+      write_label(label);
+      if (out_.size() - begin > most) return false;
     }
     for (const auto& [value, label] : variable.text_labels) {
       out_ += "<label";
       attribute("text", output::plain_text(value));
-      out_ += '>';
-      html::append_escaped(out_, label);
-      out_ += "</label>";
+      write_label(label);
+      if (out_.size() - begin > most) return false;
     }
-    out_ += "</variable>\n";
+    return true;
   }
 
-  /// False when they take more than `room` bytes.
-  bool write_rows(const ChartSource& source, size_t room) {
+  void write_label(const std::string& label) {
+    out_ += '>';
+    html::append_escaped(out_, label);
+    out_ += "</label>";
+  }
+
+  /// False when they take more than `most` bytes.
+  bool write_rows(const ChartSource& source, size_t most) {
     const size_t begin = out_.size();
     for (size_t row = 0; row < source.rows; ++row) {
       out_ += "<row>";
       for (const ChartVariable& variable : source.variables)
         write_value(variable, row);
       out_ += "</row>\n";
-      if (out_.size() - begin > room) return false;
+      if (out_.size() - begin > most) return false;
     }
     return true;
   }

@@ -12,7 +12,8 @@ namespace hierfit::report::chart {
 inline constexpr size_t kMostDataRows = 20'000;
 
 /// Appends a `metadata` element with the sources of a chart, as docs/drawing.md describes it. The
-/// rows of a source that would take more than what is left of `room` bytes are counted alone.
+/// labels of a variable and the rows of a source that would take more than what is left of `room`
+/// bytes are left out.
 /// Numbers stand in the fewest digits that read back as themselves.
 void append_metadata(std::string& out, const output::Chart& chart, size_t room);
 

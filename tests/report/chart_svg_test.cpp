@@ -76,6 +76,7 @@ TEST_CASE("a picture as a file has literal colours and its titles") {
 TEST_CASE("pictures stay small, whatever they show") {
   std::vector<ChartSample> samples = hard_chart_samples();
   samples.push_back({"scatter_200000", scatter_chart(200000)});
+  samples.push_back({"numbers_20000", numeric_means_chart(20000)});
   for (const ChartSample& sample : samples) {
     CAPTURE(sample.name);
     CHECK(page_svg(sample.chart).size() < 1000000);
