@@ -7,9 +7,10 @@
 namespace hierfit::report::chart {
 namespace {
 
-constexpr double kWidestSquare = 460;
+constexpr double kWidestSquare = 0.7;  ///< a share of the picture
 constexpr double kNarrowestPanel = 190;
 constexpr double kUsualHeight = 260;
+constexpr double kUsualWidth = 740;
 constexpr double kLeastPanel = 90;  ///< its width
 constexpr double kTrail = 14;       ///< right of the panels
 constexpr double kLongestNumber = 116;
@@ -156,7 +157,7 @@ class PanelArrangement {
     const auto columns = static_cast<double>(frame_.columns);
     const double gaps = (columns - 1) * kPanelGap;
     double panel = (asked_width_ - lead - kTrail - gaps) / columns;
-    if (binding_.graph.aspect > 0) panel = std::min(panel, kWidestSquare);
+    if (binding_.graph.aspect > 0) panel = std::min(panel, kWidestSquare * asked_width_);
     panel = std::max(panel, kLeastPanel);
     frame_.width = std::max(asked_width_, lead + columns * panel + gaps + kTrail);
     frame_.panel = {lead, 0, panel, panel_height(panel)};
@@ -195,8 +196,10 @@ class PanelArrangement {
 
   double panel_height(double width) const {
     if (binding_.graph.aspect > 0) return width * binding_.graph.aspect;
-    if (frame_.columns * frame_.rows == 1) return std::clamp(width * 0.6, 220.0, 380.0);
-    return std::clamp(width * 0.8, 170.0, 260.0);
+    // Wide pictures are higher than usual ones.
+    const double more = std::max(1.0, asked_width_ / kUsualWidth);
+    if (frame_.columns * frame_.rows == 1) return std::clamp(width * 0.6, 220.0, 380 * more);
+    return std::clamp(width * 0.8, 170.0, 260 * more);
   }
 
   size_t title_lines() const {
