@@ -77,8 +77,6 @@ inline constexpr std::string_view kReportWords[] = {
     "df",
     "df1",
     "df2",
-    "few",
-    "many",
     "missing",
     "t",
 };
