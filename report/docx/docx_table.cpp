@@ -241,7 +241,7 @@ class DocxTable {
 
   void write_column_heads(uint32_t level, const CellLook& look) {
     uint32_t column = first_;
-    for (const Head* head : grid_[level]) {
+    for (const Head* head : heads_between(grid_[level], first_, end_)) {
       const uint32_t from = std::max(head->first, column);
       const uint32_t to = std::min(head->first + head->span, end_);
       if (from >= to) continue;
@@ -350,20 +350,19 @@ class DocxTable {
   }
 
   void write_cells(uint32_t row, CellLook look) {
-    const std::span<const PlacedCell> placed = view_.layout.row(row);
-    const auto* cell = std::ranges::lower_bound(placed, first_, {}, &PlacedCell::column).base();
-    const auto* placed_end = placed.data() + placed.size();
-    const size_t begin = view_.layout.row_begin[row];
+    const std::span<const PlacedCell> whole = view_.layout.row(row);
+    const std::span<const PlacedCell> placed = cells_between(whole, first_, end_);
+    size_t at = view_.layout.row_begin[row] + static_cast<size_t>(placed.data() - whole.data());
+    auto next = placed.begin();
     for (uint32_t column = first_; column < end_; ++column) {
       look.width = page_.columns[column];
-      if (cell == placed_end || cell->column != column) {
+      if (next == placed.end() || next->column != column) {
         write_blank(look, line_keeps_);
         continue;
       }
       open_cell(look);
-      write_cell(*cell, view_.cells.cells[begin + static_cast<size_t>(cell - placed.data())]);
+      write_cell(*next++, view_.cells.cells[at++]);
       close_cell();
-      ++cell;
     }
   }
 

@@ -49,7 +49,10 @@ struct Need {
 class Planner {
  public:
   explicit Planner(const TableView& view)
-      : view_(view), stubs_(view.stubs()), columns_(view.layout.columns) {}
+      : view_(view),
+        grid_(head_grid(view.layout)),
+        stubs_(view.stubs()),
+        columns_(view.layout.columns) {}
 
   PageTable plan() {
     page_.decimals.resize(columns_.size());
@@ -175,12 +178,10 @@ class Planner {
       width += columns_[end++].least;
     if (end == all) return all;
     end = std::max(end, first + 1);
-    uint32_t group = first;
-    for (const Head& head : view_.layout.column_heads) {
-      if (head.level > 0 || head.first > end) break;
-      if (head.first > first) group = head.first;
-    }
-    return group > first ? std::min(group, end) : end;
+    if (grid_.empty()) return end;
+    // A group that begins on this part and does not end on it moves to the next.
+    const Head* last = heads_between(grid_[0], first, end + 1).back();
+    return last->first > first ? std::min(last->first, end) : end;
   }
 
   /// Gives each column its least and as much of what it would have as there is room for.
@@ -198,6 +199,7 @@ class Planner {
   }
 
   const TableView& view_;
+  std::vector<std::vector<const Head*>> grid_;
   std::vector<Need> stubs_;
   std::vector<Need> columns_;
   PageTable page_;
@@ -232,6 +234,24 @@ std::vector<std::vector<const Head*>> head_grid(const TableLayout& layout) {
   for (std::vector<const Head*>& row : grid)
     std::ranges::sort(row, {}, [](const Head* head) { return head->first; });
   return grid;
+}
+
+std::span<const Head* const> heads_between(const std::vector<const Head*>& row,
+                                           uint32_t first,
+                                           uint32_t end) {
+  const auto last_column = [](const Head* head) { return head->first + head->span - 1; };
+  const auto from = std::ranges::lower_bound(row, first, {}, last_column);
+  const auto to =
+      std::ranges::lower_bound(row, end, {}, [](const Head* head) { return head->first; });
+  return {from, std::max(from, to)};
+}
+
+std::span<const PlacedCell> cells_between(std::span<const PlacedCell> row,
+                                          uint32_t first,
+                                          uint32_t end) {
+  const auto from = std::ranges::lower_bound(row, first, {}, &PlacedCell::column);
+  const auto to = std::ranges::lower_bound(from, row.end(), end, {}, &PlacedCell::column);
+  return {from, to};
 }
 
 std::vector<PageEntry> plan_pages(const output::Document& document) {

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
+#include <string_view>
 #include <vector>
 
 #include "report/outline.h"
@@ -50,6 +52,16 @@ DecimalWidths decimal_widths(std::string_view number, const AlignedCell& cell);
 
 /// The heads by head row: those that cover it, from the start. A head of more rows is in each.
 std::vector<std::vector<const Head*>> head_grid(const TableLayout& layout);
+
+/// Of the heads of a head row, those over columns from `first` to `end`.
+std::span<const Head* const> heads_between(const std::vector<const Head*>& row,
+                                           uint32_t first,
+                                           uint32_t end);
+
+/// Of the cells of a row, those in columns from `first` to `end`.
+std::span<const PlacedCell> cells_between(std::span<const PlacedCell> row,
+                                          uint32_t first,
+                                          uint32_t end);
 
 /// A part of the document with the way its paper lies. A heading goes with what follows it, a
 /// message with what is ahead.

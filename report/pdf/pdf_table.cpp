@@ -158,13 +158,15 @@ void PdfTable::measure_head(Pen& pen) {
     if (has < height) head_heights_[level + depth - 1] += height - has;
   };
   const double most = (pen.bottom() - pen.top()) / 2;
-  for (const Head& head : view_.layout.column_heads) {
-    const uint32_t from = std::max(head.first, first_);
-    const uint32_t to = std::min(head.first + head.span, end_);
-    if (from >= to || view_.label_of(head) == nullptr) continue;
-    const double width = shown_width(from, to) - 2 * kCellPadding;
-    const double height = pen.height(label(head), kCellLook, width) + 2 * kHeadPadding;
-    reach(head.level, head.depth, std::min(height, most));
+  for (uint32_t level = 0; level < grid_.size(); ++level) {
+    for (const Head* head : heads_between(grid_[level], first_, end_)) {
+      if (head->level != level || view_.label_of(*head) == nullptr) continue;
+      const uint32_t from = std::max(head->first, first_);
+      const uint32_t to = std::min(head->first + head->span, end_);
+      const double width = shown_width(from, to) - 2 * kCellPadding;
+      const double height = pen.height(label(*head), kCellLook, width) + 2 * kHeadPadding;
+      reach(level, head->depth, std::min(height, most));
+    }
   }
   for (uint32_t stub = 0; stub < view_.stubs() && !head_heights_.empty(); ++stub) {
     const Text* title = view_.stub_title(stub);
@@ -194,8 +196,11 @@ void PdfTable::draw_head(Pen& pen) {
     }
     x += width;
   }
-  for (const Head& head : view_.layout.column_heads)
-    draw_column_head(pen, head, top);
+  for (uint32_t level = 0; level < grid_.size(); ++level) {
+    for (const Head* each : heads_between(grid_[level], first_, end_)) {
+      if (each->level == level) draw_column_head(pen, *each, top);
+    }
+  }
   pen.y = foot;
   pen.rule(at(pen, 0, table_width()), pen.y, table_width(), kThin, Ink::Text);
 }
@@ -203,7 +208,7 @@ void PdfTable::draw_head(Pen& pen) {
 void PdfTable::draw_column_head(Pen& pen, const Head& head, double top) {
   const uint32_t from = std::max(head.first, first_);
   const uint32_t to = std::min(head.first + head.span, end_);
-  if (from >= to || view_.label_of(head) == nullptr) return;
+  if (view_.label_of(head) == nullptr) return;
   const double offset = stub_width() + shown_width(first_, from);
   const double width = shown_width(from, to);
   const uint32_t below = head.level + head.depth;
@@ -250,12 +255,11 @@ double PdfTable::line_height(Pen& pen, uint32_t line, size_t head) const {
     height = std::max(height, row_head_height(pen, heads[head]));
   const uint32_t row = view_.layout.lines[line];
   if (row == kNone) return height;
-  const std::span<const PlacedCell> placed = view_.layout.row(row);
-  for (size_t i = 0; i < placed.size(); ++i) {
-    const AlignedCell& cell = view_.cells.cells[view_.layout.row_begin[row] + i];
+  for (const PlacedCell& placed : shown_cells(row)) {
+    const AlignedCell& cell = aligned(placed);
     if (cell.kind != CellKind::Text) continue;
     const Text& text = view_.table.texts[cell.begin];
-    const double width = page_.columns[placed[i].column] - 2 * kCellPadding;
+    const double width = page_.columns[placed.column] - 2 * kCellPadding;
     if (Pen::is_plain(text.shown, kTableFont, width - kTableFont)) continue;
     const double lines = pen.height({{.text = view_.text(text)}}, kCellLook, width);
     height = std::max(height, std::min(lines + 2 * kRowPadding, kTallestRow));
@@ -330,49 +334,58 @@ void PdfTable::draw_text(
   pen.text(runs, look, x, top, width);
 }
 
+std::span<const PlacedCell> PdfTable::shown_cells(uint32_t row) const {
+  return cells_between(view_.layout.row(row), first_, end_);
+}
+
+const AlignedCell& PdfTable::aligned(const PlacedCell& placed) const {
+  return view_.cells.cells[static_cast<size_t>(&placed - view_.layout.placed.data())];
+}
+
 void PdfTable::draw_cells(Pen& pen, uint32_t row, double top) {
-  const std::span<const PlacedCell> placed = view_.layout.row(row);
   uint32_t before = first_;
   double offset = stub_width();
-  for (size_t i = 0; i < placed.size(); ++i) {
-    const uint32_t column = placed[i].column;
-    if (column < first_ || column >= end_) continue;
-    offset += shown_width(before, column);
-    before = column;
-    const AlignedCell& cell = view_.cells.cells[view_.layout.row_begin[row] + i];
-    const double width = page_.columns[column];
-    const bool mixed = view_.cells.columns[column].mixed;
-    const std::string marks = view_.table.cells.notes.empty() ? "" : view_.marks(placed[i]);
-    if (cell.kind == CellKind::Number && !mixed) {
-      draw_number(pen, cell, column, at(pen, offset, width), top);
-      if (marks.empty()) continue;
-      const DecimalWidths own = decimal_widths(view_.cells.number(cell), cell);
-      const double centre =
-          (width + page_.decimals[column].whole - page_.decimals[column].rest) / 2;
-      pen.plain(marks, kMarkFont, at(pen, offset, width) + centre + own.rest + 0.5,
-                top + kRowPadding + kBaseline - 0.33 * kTableFont);
-      continue;
+  for (const PlacedCell& placed : shown_cells(row)) {
+    offset += shown_width(before, placed.column);
+    before = placed.column;
+    const AlignedCell& cell = aligned(placed);
+    if (cell.kind == CellKind::Number && !view_.cells.columns[placed.column].mixed) {
+      draw_number(pen, placed, cell, offset, top);
+    } else {
+      draw_text_cell(pen, placed, cell, offset, top);
     }
-    Runs runs;
-    if (cell.kind == CellKind::Text) {
-      runs.push_back({.text = view_.text(view_.table.texts[cell.begin])});
-    } else if (cell.kind == CellKind::Number) {
-      runs.push_back({.text = std::string(view_.cells.number(cell))});
-    }
-    add_marks(runs, marks);
-    const double inner = width - 2 * kCellPadding;
-    draw_text(pen, runs, Side::Start, at(pen, offset + kCellPadding, inner), top + kRowPadding,
-              inner);
   }
 }
 
-/// The numbers of a column have their decimal marks in line, and are centred together.
+void PdfTable::draw_text_cell(
+    Pen& pen, const PlacedCell& placed, const AlignedCell& cell, double offset, double top) {
+  Runs runs;
+  if (cell.kind == CellKind::Text) {
+    runs.push_back({.text = view_.text(view_.table.texts[cell.begin])});
+  } else if (cell.kind == CellKind::Number) {
+    runs.push_back({.text = std::string(view_.cells.number(cell))});
+  }
+  add_marks(runs, marks_at(placed));
+  const double inner = page_.columns[placed.column] - 2 * kCellPadding;
+  draw_text(pen, runs, Side::Start, at(pen, offset + kCellPadding, inner), top + kRowPadding,
+            inner);
+}
+
+std::string PdfTable::marks_at(const PlacedCell& placed) const {
+  return view_.table.cells.notes.empty() ? "" : view_.marks(placed);
+}
+
+/// The numbers of a column have their decimal marks in line, and are centred together; marks of
+/// notes stand behind.
 void PdfTable::draw_number(
-    Pen& pen, const AlignedCell& cell, uint32_t column, double x, double top) {
-  const DecimalWidths& widest = page_.decimals[column];
+    Pen& pen, const PlacedCell& placed, const AlignedCell& cell, double offset, double top) {
+  const DecimalWidths& widest = page_.decimals[placed.column];
   const DecimalWidths own = decimal_widths(view_.cells.number(cell), cell);
-  const double mark = x + (page_.columns[column] + widest.whole - widest.rest) / 2;
-  pen.plain(view_.cells.number(cell), kTableFont, mark - own.whole, top + kRowPadding + kBaseline);
+  const double width = page_.columns[placed.column];
+  const double mark = at(pen, offset, width) + (width + widest.whole - widest.rest) / 2;
+  const double baseline = top + kRowPadding + kBaseline;
+  pen.plain(view_.cells.number(cell), kTableFont, mark - own.whole, baseline);
+  pen.plain(marks_at(placed), kMarkFont, mark + own.rest + 0.5, baseline - 0.33 * kTableFont);
 }
 
 // The notes.

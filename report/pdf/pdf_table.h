@@ -49,7 +49,14 @@ class PdfTable {
   void draw_row_head(Pen& pen, const Head& head, double top);
   void repeat_heads(Pen& pen, uint32_t line, double top);
   void draw_cells(Pen& pen, uint32_t row, double top);
-  void draw_number(Pen& pen, const AlignedCell& cell, uint32_t column, double x, double top);
+  void draw_number(
+      Pen& pen, const PlacedCell& placed, const AlignedCell& cell, double offset, double top);
+  void draw_text_cell(
+      Pen& pen, const PlacedCell& placed, const AlignedCell& cell, double offset, double top);
+  /// Of the cells of a row, those of the fold.
+  std::span<const PlacedCell> shown_cells(uint32_t row) const;
+  const AlignedCell& aligned(const PlacedCell& placed) const;
+  std::string marks_at(const PlacedCell& placed) const;
   void draw_text(Pen& pen, const Runs& runs, Side side, double x, double top, double width);
 
   double notes_height(Pen& pen) const;
