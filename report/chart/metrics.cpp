@@ -31,6 +31,7 @@ struct Step {
   double width;
   bool blank;
   bool wide;  ///< lines may break on both of its sides
+  bool sign;  ///< joins words, as in "a*b": lines may break behind it
 };
 
 /// What stands at `at`; a byte that begins no character counts as one.
@@ -39,9 +40,9 @@ Step step_at(std::string_view text, size_t at, const Font& font) {
   const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data()) + at;
   const auto length =
       utf8proc_iterate(bytes, static_cast<utf8proc_ssize_t>(text.size() - at), &code);
-  if (length <= 0) return {1, kOtherWidth * font.size, false, false};
+  if (length <= 0) return {1, kOtherWidth * font.size, false, false, false};
   return {static_cast<size_t>(length), em_width(static_cast<uint32_t>(code), font.bold) * font.size,
-          code == ' ', utf8proc_charwidth(code) == 2};
+          code == ' ', utf8proc_charwidth(code) == 2, code == '*' || code == '/'};
 }
 
 std::string_view whole_characters(std::string_view text, size_t most_bytes) {
@@ -57,19 +58,19 @@ struct Break {
   size_t next;
 };
 
-/// Breaks at the last blank that fits or beside the last wide character, else ahead of the first
-/// character that does not fit; a line has at least one character, and one without a width stays
-/// with the one ahead of it.
+/// Breaks at the last blank that fits or beside the last wide character or behind the last joining
+/// sign, else ahead of the first character that does not fit; a line has at least one character,
+/// and one without a width stays with the one ahead of it.
 Break next_break(std::string_view text, size_t begin, const Font& font, double width) {
   double used = 0;
   Break last{begin, begin};
-  bool after_wide = false;
+  bool behind = false;
   for (size_t at = begin; at < text.size();) {
     if (text[at] == '\n') return {at, at + 1};
     const Step step = step_at(text, at, font);
     if (step.blank) last = {at, at + 1};
-    if ((step.wide || after_wide) && step.width > 0 && !step.blank) last = {at, at};
-    if (step.width > 0) after_wide = step.wide;
+    if ((step.wide || behind) && step.width > 0 && !step.blank) last = {at, at};
+    if (step.width > 0) behind = step.wide || step.sign;
     used += step.width;
     if (used > width && step.width > 0 && at > begin && !step.blank) {
       return last.end > begin ? last : Break{at, at};
@@ -144,6 +145,7 @@ double widest_word(std::string_view text, const Font& font) {
     const bool ends = step.blank || text[at] == '\n';
     word = ends ? 0 : step.wide ? step.width : word + step.width;
     widest = std::max(widest, word);
+    if (step.sign) word = 0;
     at += step.bytes;
   }
   return widest;

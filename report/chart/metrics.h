@@ -29,8 +29,8 @@ struct TextLines {
 };
 
 /// The text in at most `most_lines` lines, each at most `width` pixels: broken at its line feeds,
-/// else at blanks and beside wide characters, else inside a word. The last line ends in an ellipsis
-/// when more would follow.
+/// else at blanks, beside wide characters and behind "*" and "/", else inside a word. The last line
+/// ends in an ellipsis when more would follow.
 TextLines fit_text(std::string_view text, const Font& font, double width, size_t most_lines);
 
 /// The same in one line; line feeds count as blanks.

@@ -9,6 +9,7 @@ namespace {
 
 constexpr double kWidestSquare = 0.7;  ///< a share of the picture
 constexpr double kNarrowestPanel = 190;
+constexpr double kUsualSquare = 460;
 constexpr double kUsualHeight = 260;
 constexpr double kUsualWidth = 740;
 constexpr double kLeastPanel = 90;  ///< its width
@@ -157,7 +158,8 @@ class PanelArrangement {
     const auto columns = static_cast<double>(frame_.columns);
     const double gaps = (columns - 1) * kPanelGap;
     double panel = (asked_width_ - lead - kTrail - gaps) / columns;
-    if (binding_.graph.aspect > 0) panel = std::min(panel, kWidestSquare * asked_width_);
+    if (binding_.graph.aspect > 0)
+      panel = std::min(panel, std::max(kUsualSquare, kWidestSquare * asked_width_));
     panel = std::max(panel, kLeastPanel);
     frame_.width = std::max(asked_width_, lead + columns * panel + gaps + kTrail);
     frame_.panel = {lead, 0, panel, panel_height(panel)};

@@ -259,6 +259,8 @@ TEST_CASE("texts are measured and broken like a font sets them") {
   // Wide characters need no blanks to break between; a word does.
   CHECK(fit_text("ab\u793E\u4F1A\u5B66cd", font, 32, 2).lines ==
         std::vector<std::string>{"ab\u793E\u4F1A", "\u5B66cd"});
+  CHECK(fit_text("one*two*three", font, 46, 3).lines ==
+        std::vector<std::string>{"one*two*", "three"});
   CHECK(widest_word("ab\u793E\u4F1A cd", font) < 15);
   for (const std::string& label : kAwkwardLabels) {
     for (const std::string& line : fit_text(label, font, 60, 4).lines)
