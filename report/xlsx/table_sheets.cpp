@@ -114,7 +114,7 @@ class TableSheets {
       const AlignedCell& cell = view_.cells.cells[i];
       const uint32_t column = layout.placed[i].column;
       if (cell.kind == CellKind::Text) {
-        widen(widths_[column], view_.table.texts[cell.begin], kWidestLabel);
+        widen(widths_[column], view_.table.texts[cell.begin], kWidestLabel, kFontSize);
         continue;
       }
       right_[column] = std::max(right_[column], right_length(cell));
@@ -278,6 +278,7 @@ class TableSheets {
     look.side = over_heads || end - first > 1      ? Side::Centre
                 : view_.cells.columns[first].mixed ? Side::Start
                                                    : Side::End;
+    if (look.side == Side::Start) look.indent = 1;
     if (over_heads) look.below = Rule::Hair;
     Look run = look;
     run.italic = label->symbol;
@@ -391,7 +392,8 @@ class TableSheets {
 
   void write_cell(uint32_t at, const PlacedCell& placed, const AlignedCell& cell, Look look) {
     const bool mixed = view_.cells.columns[placed.column].mixed;
-    if (!mixed) look.side = Side::End;
+    look.side = mixed ? Side::Start : Side::End;
+    look.indent = mixed ? 1 : 0;
     const std::string marks = view_.table.cells.notes.empty() ? std::string() : view_.marks(placed);
     if (cell.kind != CellKind::Number) {
       look.wraps = cell.kind == CellKind::Text;
@@ -400,7 +402,6 @@ class TableSheets {
       add_marks(runs, marks);
       return write(at, runs, look);
     }
-    if (mixed) look.side = Side::Start;
     look.number = number_format(view_.number_of(placed), cell, view_.cells.columns[placed.column],
                                 mixed ? 0 : right_[placed.column], document_.numbers, marks,
                                 mixed ? "" : std::string_view(marks_[placed.column]));

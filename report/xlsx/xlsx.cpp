@@ -5,6 +5,7 @@
 #include "report/outline.h"
 #include "report/picture/picture.h"
 #include "report/report.h"
+#include "report/xlsx/chart_data.h"
 #include "report/xlsx/table_sheets.h"
 
 namespace hierfit::report {
@@ -130,7 +131,7 @@ class Report {
     write_title(workbook_, sheet, numbered(entry, document_),
                 {{shown(title_of(entry)), {.italic = true}}});
     const std::string svg = render_svg(chart, document_, options_.chart_width);
-    fix_grid(sheet, size_of_svg(svg));
+    const Grid under = fix_grid(sheet, size_of_svg(svg));
     const std::string png = png_of_svg(svg, kPictureScale);
     std::string description = clean(describe_chart(chart, document_));
     lxw_image_options place = {};
@@ -140,11 +141,20 @@ class Report {
                                       reinterpret_cast<const unsigned char*>(png.data()),
                                       png.size(), &place);
     worksheet_fit_to_pages(sheet, 1, 1);
+    // The data are for looking up, not for paper.
+    worksheet_print_area(sheet, 0, 0, kTitleRows + under.rows, under.columns);
+    write_chart_data(workbook_, sheet, document_, chart, kTitleRows + under.rows + 1);
   }
+
+  /// What lies under a picture: rows from the title on, and the last column.
+  struct Grid {
+    uint32_t rows;
+    lxw_col_t columns;
+  };
 
   /// Programs take the size of a picture from the cells under it: those must have the same size
   /// everywhere.
-  static void fix_grid(lxw_worksheet* sheet, const PictureSize& size) {
+  static Grid fix_grid(lxw_worksheet* sheet, const PictureSize& size) {
     constexpr double kRowHeight = 15.75;
     constexpr double kRowPixels = 21;
     constexpr double kColumnWidth = 9;
@@ -152,8 +162,9 @@ class Report {
     const auto rows = static_cast<uint32_t>(std::min(size.height / kRowPixels, 1000.0)) + 1;
     for (uint32_t row = 0; row < rows; ++row)
       worksheet_set_row(sheet, kTitleRows + row, kRowHeight, nullptr);
-    const double columns = std::min(size.width / kColumnPixels, 1000.0);
-    worksheet_set_column(sheet, 0, static_cast<lxw_col_t>(columns), kColumnWidth, nullptr);
+    const auto columns = static_cast<lxw_col_t>(std::min(size.width / kColumnPixels, 1000.0));
+    worksheet_set_column(sheet, 0, columns, kColumnWidth, nullptr);
+    return {rows, columns};
   }
 
   static constexpr double kNumberWidth = 12;
