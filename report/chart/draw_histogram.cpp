@@ -210,6 +210,18 @@ class HistogramDrawing {
 
 }  // namespace
 
+bool has_histogram(const Binding& binding, const Element& element) {
+  if (element.embedded == nullptr || !element.embedded->graph.histogram) return false;
+  const ChartSource* source = binding.chart.source(element.embedded->source);
+  const ChartVariable* variable =
+      source == nullptr ? nullptr : source->by_role(element.embedded->graph.histogram->variable);
+  if (variable == nullptr) return false;
+  for (size_t row = 0; row < source->rows; ++row) {
+    if (is_number(number_at(variable, row))) return true;
+  }
+  return false;
+}
+
 void draw_histogram(std::vector<Mark>& marks,
                     const Binding& binding,
                     const Embedded& embedded,

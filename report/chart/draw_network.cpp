@@ -149,8 +149,9 @@ class Network {
   }
 
   bool has_embedded() const {
-    return std::ranges::any_of(
-        nodes_, [](const PlacedNode& node) { return node.element->element->embedded != nullptr; });
+    return std::ranges::any_of(nodes_, [&](const PlacedNode& node) {
+      return has_histogram(binding_, *node.element->element);
+    });
   }
 
   /// The longest labels that leave the edges room to be seen.
@@ -268,7 +269,7 @@ class Network {
     piece_.marks.push_back(std::move(mark));
     Font bold = font_;
     bold.bold = true;
-    const bool embedded = node.element->element->embedded != nullptr;
+    const bool embedded = has_histogram(binding_, *node.element->element);
     const TextLines title = fit_text(node.label, bold, box.width - 12, embedded ? 1 : 2);
     const double height = static_cast<double>(title.lines.size()) * bold.line_height();
     const double y = embedded ? box.y + 4 : box.middle_y() - height / 2 - 1;

@@ -45,6 +45,9 @@ Piece draw_network(const Binding& binding, double width);
 /// What the colours, symbols, widths and transparencies mean.
 Piece draw_legends(const Binding& binding, const LegendFacts& facts, double width);
 
+/// Whether an element has a histogram inside, and values for it.
+bool has_histogram(const Binding& binding, const Element& element);
+
 /// A histogram with its curve, inside `box`.
 void draw_histogram(std::vector<Mark>& marks,
                     const Binding& binding,

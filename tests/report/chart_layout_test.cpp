@@ -146,6 +146,14 @@ TEST_CASE("what charts say") {
   }
 }
 
+TEST_CASE("a target without a histogram takes little room") {
+  output::Chart chart = diagram_chart(1, 10);
+  const double height = scene_of(chart).height;
+  std::erase_if(chart.sources,
+                [](const output::ChartSource& source) { return source.name == "histogramSource"; });
+  CHECK(scene_of(chart).height < height - 80);
+}
+
 TEST_CASE("circles") {
   const auto has_text = [](const Scene& scene, const std::string& text) {
     return std::ranges::any_of(scene.marks, [&](const Mark& mark) { return mark.text == text; });
