@@ -56,6 +56,23 @@ def read_xlsx(path):
     return tables
 
 
+def lost_chart_data(path, reference):
+    """The numbers of labelled variables that are not on the sheet of their chart."""
+    import openpyxl
+    book = openpyxl.load_workbook(path)
+    sheets = [sheet for sheet in book.worksheets[1:] if not CAPTION.match(str(sheet["A1"].value))]
+    for sheet, chart in zip(sheets, charts_of(reference["content"]), strict=True):
+        have = collections.Counter(cell.value for row in sheet.iter_rows() for cell in row
+                                   if cell.data_type == "n" and cell.value is not None)
+        needed = collections.Counter(
+            float(f"{value:.16g}") for source in chart["sources"]
+            for variable in source["variables"]
+            if variable.get("label") and not variable.get("valueLabels")
+            for value in variable["values"] if isinstance(value, (int, float)))
+        if needed - have:
+            yield f"{path}, {sheet.title}: lost {dict(needed - have)}"
+
+
 def read_docx(path):
     import docx
     from docx.table import Table
@@ -159,8 +176,11 @@ def labels_of(dimension, categories):
                 node = nodes[node["parent"]] if node.get("parent") is not None else None
 
 
-def charts_in(content):
-    return sum(part["kind"] == "chart" or charts_in(part.get("items", [])) for part in content)
+def charts_of(content):
+    for part in content:
+        if part["kind"] == "chart":
+            yield part
+        yield from charts_of(part.get("items", []))
 
 
 def is_number(cell):
@@ -243,8 +263,10 @@ def main():
             for form in forms:
                 faults += check(f"{name}.{form}", references[name],
                                 READERS[form](f"{base}.{form}"))
+                if form == "xlsx":
+                    faults += lost_chart_data(f"{base}.{form}", references[name])
                 if form in OFFICE_FORMS:
-                    charts = charts_in(references[name]["content"])
+                    charts = len(list(charts_of(references[name]["content"])))
                     pictures = described_pictures(f"{base}.{form}")
                     if charts != pictures:
                         faults.append(f"{name}.{form} describes {pictures} charts of {charts}")
