@@ -25,6 +25,11 @@ std::string pdf_of_chart(const output::Chart& chart,
                          const output::Document& document,
                          const Options& options);
 
+/// The chart as a Vega-Lite specification with its data.
+std::string vega_of_chart(const output::Chart& chart,
+                          const output::Document& document,
+                          const Options& options);
+
 /// A form of a single chart: its name as in `--chart-format`, and the ending of its files.
 struct ChartForm {
   std::string_view name;
@@ -36,6 +41,7 @@ inline constexpr ChartForm kChartForms[] = {
     {"svg", ".svg", &svg_of_chart},
     {"png", ".png", &png_of_chart},
     {"pdf", ".pdf", &pdf_of_chart},
+    {"vl.json", ".vl.json", &vega_of_chart},
 };
 
 /// The form of that name, or null. Case matters.

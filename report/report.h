@@ -58,6 +58,8 @@ std::string render_pdf(const output::Document& document, const Options& options)
 /// The chart that the options name, or all of them beneath one another, as a vector picture; with
 /// their data. Throws `std::out_of_range` when there is no chart of that number.
 std::string render_svg(const output::Document& document, const Options& options);
+/// The same as a Vega-Lite specification, with all charts beneath one another.
+std::string render_vega(const output::Document& document, const Options& options);
 /// The same as a grid of points.
 std::string render_png(const output::Document& document, const Options& options);
 
@@ -72,6 +74,7 @@ std::vector<File> render_csv_folder(const output::Document& document, const Opti
 
 /// Each chart of the document as a file.
 std::vector<File> render_svg_folder(const output::Document& document, const Options& options);
+std::vector<File> render_vega_folder(const output::Document& document, const Options& options);
 std::vector<File> render_png_folder(const output::Document& document, const Options& options);
 
 /// A form of output: its name as in `--format`, the file endings that stand for it (each with its
@@ -96,6 +99,7 @@ inline constexpr Form kForms[] = {
     {"pdf", ".pdf", &render_pdf},
     {"svg", ".svg", &render_svg, &render_svg_folder},
     {"png", ".png", &render_png, &render_png_folder},
+    {"vl.json", ".vl.json", &render_vega, &render_vega_folder},
 };
 
 /// The form of that name, or null. Case matters.

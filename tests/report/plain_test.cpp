@@ -1,6 +1,8 @@
 // The forms of plain text for programs: CSV, Markdown, LaTeX and Vega-Lite.
 #include <algorithm>
 #include <doctest/doctest.h>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
 
 #include "report/report.h"
 #include "tests/report/chart_samples.h"
@@ -85,6 +87,64 @@ TEST_CASE("LaTeX lines numbers up, merges heads, and has no command that a label
     const std::string declared = report::render_latex(document, {});
     CHECK(has(declared, "\\declarecharacter{\u4E2D}{4E2D}\n"));
     CHECK(has(declared, "\u4E2D \u00E9 $\\alpha$ **-{}-}"));
+  }
+}
+
+TEST_CASE("a chart as a Vega-Lite specification") {
+  using nlohmann::json;
+  const auto spec_of = [](output::Chart chart) {
+    output::Document document;
+    document.content.items.emplace_back(std::make_unique<output::Chart>(std::move(chart)));
+    return json::parse(report::render_vega(document, {}));
+  };
+  const auto count = [](const json& spec, std::string_view part) {
+    return std::ranges::count_if(spec["data"]["values"], [&](const json& row) {
+      return row["part"].get<std::string>().starts_with(part);
+    });
+  };
+  SUBCASE("has a row for each mark, and the line across") {
+    const json spec = spec_of(scatter_chart(25));
+    CHECK(count(spec, "point") == 25);
+    CHECK(count(spec, "guide") == 1);
+    CHECK(spec["layer"][0]["encoding"]["x"]["type"] == "quantitative");
+    CHECK(spec["layer"][0]["transform"][0]["filter"] == "datum.part === 'point 1'");
+  }
+  SUBCASE("tells factors by colour and symbol, side by side, and by panel") {
+    const json spec = spec_of(means_chart(4, 2, 3));
+    CHECK(count(spec, "interval") == 24);
+    CHECK(count(spec, "point") == 24);
+    CHECK(spec["facet"]["sort"].size() == 3);
+    const json& encoding = spec["spec"]["layer"].back()["encoding"];
+    CHECK(encoding["xOffset"]["field"] == "color");
+    CHECK(encoding["color"]["scale"]["range"].size() == 2);
+    CHECK(encoding["shape"]["scale"]["range"][0] != encoding["shape"]["scale"]["range"][1]);
+  }
+  SUBCASE("joins the nodes of a circle where they lie, and stands beside a histogram") {
+    const json pairs = spec_of(pairwise_chart(5));
+    CHECK(count(pairs, "node") == 5);
+    const json& values = pairs["data"]["values"];
+    for (const json& row : values) {
+      if (row.contains("x2")) {
+        CHECK(std::ranges::any_of(values, [&](const json& node) {
+          return node["part"].get<std::string>().starts_with("node") && node["x"] == row["x2"] &&
+                 node["y"] == row["y2"];
+        }));
+      }
+    }
+    const json diagram = spec_of(diagram_chart(6, 8));
+    CHECK(diagram["hconcat"].size() == 2);
+    CHECK(count(diagram, "bin") > 1);
+    CHECK(count(diagram, "curve") > 50);
+  }
+  SUBCASE("is one of many, or says that there are none") {
+    output::Document document;
+    CHECK(json::parse(report::render_vega(document, {}))["mark"]["text"] == "No charts");
+    document.content.items.emplace_back(std::make_unique<output::Chart>(broken_chart()));
+    document.content.items.emplace_back(std::make_unique<output::Chart>(scatter_chart(2)));
+    CHECK(json::parse(report::render_vega(document, {}))["vconcat"].size() == 2);
+    report::Options options;
+    options.chart = 3;
+    CHECK_THROWS_AS(report::render_vega(document, options), std::out_of_range);
   }
 }
 

@@ -1,0 +1,491 @@
+// The Vega-Lite form: each chart as a specification with its data, for notebooks and editors.
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+
+#include "report/chart/chart.h"
+#include "report/chart/panels.h"
+#include "report/chart_files.h"
+#include "report/outline.h"
+#include "report/vega/vega_rows.h"
+
+namespace hierfit::report {
+
+using chart::Binding;
+using chart::BoundElement;
+using chart::ElementKind;
+using chart::Part;
+using chart::RoleKind;
+using chart::Symbol;
+using output::Chart;
+using output::Document;
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::string_view kSchema = "https://vega.github.io/schema/vega-lite/v5.json";
+
+/// By symbol.
+constexpr std::string_view kShapes[] = {"circle", "square",        "diamond",        "triangle-up",
+                                        "cross",  "triangle-down", "triangle-right", "square"};
+
+/// Which nodes of a circle have their labels at which side.
+struct LabelSide {
+  std::string_view nodes;
+  std::string_view align;
+};
+constexpr LabelSide kLabelSides[] = {
+    {"abs(datum.x) <= 0.2", "center"}, {"datum.x > 0.2", "left"}, {"datum.x < -0.2", "right"}};
+
+constexpr double kPlotWidth = 480;
+constexpr double kPlotHeight = 320;
+constexpr double kPanelWidth = 260;
+constexpr double kPanelHeight = 220;
+constexpr double kLeastHeight = 240;
+constexpr double kNodeHeight = 26;
+constexpr double kHistogramSize = 200;
+
+Json lines_of(std::string_view text) {
+  Json lines = Json::array();
+  const std::string plain = clean(text);
+  for (size_t at = 0;;) {
+    const size_t end = plain.find('\n', at);
+    lines.push_back(plain.substr(at, end - at));
+    if (end == std::string::npos) return lines;
+    at = end + 1;
+  }
+}
+
+/// The looks of a specification as a whole.
+Json config() { return {{"view", {{"stroke", nullptr}}}, {"legend", {{"symbolOpacity", 1}}}}; }
+
+/// A layer's share of the rows.
+Json only(std::string_view part) {
+  return Json::array({{{"filter", "datum.part === '" + std::string(part) + "'"}}});
+}
+
+/// The specification of one chart, without its data.
+class Spec {
+ public:
+  Spec(const Chart& chart, const Document& document)
+      : chart_(chart),
+        document_(document),
+        plan_(chart::read_plan(chart)),
+        binding_(chart::bind(plan_, plan_.graph, chart, document)),
+        x_(chart::horizontal_axis(binding_)),
+        y_(chart::vertical_axis(binding_)) {}
+
+  /// A JSON object that ends in the data.
+  std::string write(bool whole) {
+    vega::Rows rows;
+    facts_ = vega::append_rows(rows, binding_);
+    Json spec;
+    if (whole) spec["$schema"] = kSchema;
+    write_texts(spec);
+    const chart::Embedded* histogram = embedded_histogram();
+    if (histogram == nullptr) {
+      spec.update(graph());
+    } else {
+      vega::append_histogram(rows, binding_, *histogram);
+      spec["hconcat"] = Json::array({graph(), histogram_of(*histogram)});
+    }
+    if (whole) spec["config"] = config();
+    std::string text = spec.dump(2, ' ', false, Json::error_handler_t::replace);
+    text.erase(text.rfind('\n'));
+    return text + ",\n  \"data\": {\"values\": [\n" + rows.take() + "\n]}\n}";
+  }
+
+ private:
+  void write_texts(Json& spec) const {
+    const chart::Texts& texts = plan_.texts;
+    Json title = {{"text", lines_of(chart_.title.empty() ? texts.title : chart_.title)},
+                  {"anchor", "start"}};
+    std::string below = texts.sub_title;
+    for (const std::string& note : {texts.caption, texts.footnote}) {
+      if (!below.empty() && !note.empty()) below += '\n';
+      below += note;
+    }
+    if (!below.empty()) title["subtitle"] = lines_of(below);
+    spec["title"] = std::move(title);
+    spec["description"] = clean(describe_chart(chart_, document_));
+  }
+
+  const chart::Embedded* embedded_histogram() const {
+    for (const BoundElement& element : binding_.elements) {
+      const chart::Embedded* embedded = element.element->embedded.get();
+      if (embedded != nullptr && embedded->graph.histogram) return embedded;
+    }
+    return nullptr;
+  }
+
+  bool is_network() const {
+    return std::ranges::any_of(binding_.elements, [](const BoundElement& element) {
+      return element.element->kind == ElementKind::Edge ||
+             element.element->kind == ElementKind::Node;
+    });
+  }
+
+  /// The layers, in panels where there are several.
+  Json graph() const {
+    Json layers = Json::array();
+    for (const BoundElement& element : binding_.elements)
+      layers.push_back(layer(element));
+    if (facts_.guides) layers.push_back(guide_layer("guide"));
+    if (facts_.levels) layers.push_back(guide_layer("level"));
+    if (plan_.graph.circle) {
+      for (const LabelSide& side : kLabelSides)
+        layers.push_back(label_layer(side));
+    }
+    Json unit;
+    write_size(unit);
+    unit["layer"] = std::move(layers);
+    if (binding_.panels.size() == 1) return unit;
+    Json order = Json::array();
+    uint32_t columns = 1;
+    for (uint32_t panel = 0; panel < binding_.panels.size(); ++panel) {
+      order.push_back(vega::panel_name(binding_, panel));
+      columns = std::max(columns, binding_.panels[panel].column + 1);
+    }
+    if (binding_.single_facet) columns = std::min(columns, 3U);
+    return {
+        {"facet", {{"field", "panel"}, {"type", "nominal"}, {"title", nullptr}, {"sort", order}}},
+        {"columns", columns},
+        {"spec", unit}};
+  }
+
+  void write_size(Json& unit) const {
+    const bool one = binding_.panels.size() == 1;
+    double width = one ? kPlotWidth : kPanelWidth;
+    double height = one ? kPlotHeight : kPanelHeight;
+    if (plan_.graph.aspect > 0) height = width * plan_.graph.aspect;
+    if (plan_.graph.circle) height = width = one ? kPlotHeight : kPanelWidth;
+    if (is_network() && !plan_.graph.circle && !y_.range.empty) {
+      height = std::max(kLeastHeight, kNodeHeight * (y_.range.high - y_.range.low + 2));
+    }
+    unit["width"] = width;
+    unit["height"] = height;
+  }
+
+  // Layers.
+
+  Json layer(const BoundElement& element) const {
+    Json encoding = position(element);
+    write_looks(element, encoding);
+    if (!element.tooltip.empty()) encoding["tooltip"] = {{"field", "tooltip"}, {"type", "nominal"}};
+    return {{"transform", only(vega::part_of(binding_, element))},
+            {"mark", mark(element)},
+            {"encoding", encoding}};
+  }
+
+  Json mark(const BoundElement& element) const {
+    const std::string& plain = plan_.style.series({Part::Mark}).light;
+    switch (element.element->kind) {
+      case ElementKind::Point:
+        return {{"type", "point"}, {"filled", true}, {"size", 50}, {"color", plain}};
+      case ElementKind::Line:
+        return {{"type", "line"}, {"color", plain}};
+      case ElementKind::Interval:
+        if (element.element->whisker) {
+          return {{"type", "rule"}, {"strokeWidth", 1.5}, {"color", plain}};
+        }
+        return {{"type", "bar"}, {"size", 8}, {"color", plain}};
+      case ElementKind::Edge:
+        return {{"type", "rule"}, {"color", plain}};
+      case ElementKind::Node:
+        return {{"type", "point"},
+                {"filled", true},
+                {"size", 110},
+                {"opacity", 1},
+                {"color", plan_.style.series({Part::Text}).light}};
+      case ElementKind::Text:
+        return {{"type", "text"}, {"align", "right"}, {"dx", -4}};
+    }
+    return {};
+  }
+
+  Json position(const BoundElement& element) const {
+    Json encoding = {{"x", x_channel()}, {"y", y_channel()}};
+    const bool edge = element.element->kind == ElementKind::Edge;
+    if (edge) encoding["x2"] = {{"field", "x2"}};
+    if (edge || element.element->rows == chart::Rows::Pairs) encoding["y2"] = {{"field", "y2"}};
+    if (facts_.dodged)
+      encoding["xOffset"] = {{"field", "color"}, {"type", "nominal"}, {"sort", colors()}};
+    if (element.element->kind == ElementKind::Text) {
+      encoding["text"] = {{"field", "label"}, {"type", "nominal"}};
+    }
+    return encoding;
+  }
+
+  Json x_channel() const {
+    if (plan_.graph.circle) return hidden_channel("x", -1.4, 1.4);
+    if (!x_.categorical) return number_channel("x", plan_.graph.x, x_.range, x_.title);
+    Json order = Json::array();
+    for (const chart::ValueIndex::Entry& entry : x_.categories.entries())
+      order.push_back(entry.shown.empty() ? " " : clean(entry.shown));
+    return {{"field", "x"},
+            {"type", "nominal"},
+            {"sort", order},
+            {"axis", {{"labelAngle", order.size() > 8 ? -40 : 0}}},
+            {"title", lines_of(x_.title)}};
+  }
+
+  Json y_channel() const {
+    if (plan_.graph.circle) return hidden_channel("y", -1.2, 1.2);
+    return number_channel("y", plan_.graph.y, y_.range, y_.title);
+  }
+
+  static Json hidden_channel(std::string_view field, double low, double high) {
+    return {{"field", field},
+            {"type", "quantitative"},
+            {"scale", {{"domain", {low, high}}}},
+            {"axis", nullptr}};
+  }
+
+  Json number_channel(std::string_view field,
+                      const chart::Axis& axis,
+                      const chart::Range& range,
+                      const std::string& title) const {
+    if (!axis.visible || is_network()) {
+      const chart::Range wide = range.proper().widened(0.1);
+      return hidden_channel(field, wide.low, wide.high);
+    }
+    Json channel = {{"field", field}, {"type", "quantitative"}, {"title", lines_of(title)}};
+    if (axis.min && axis.max) {
+      channel["scale"] = {{"domain", {*axis.min, *axis.max}}};
+    } else {
+      channel["scale"] = {{"zero", axis.zero}};
+    }
+    return channel;
+  }
+
+  // Looks.
+
+  Json colors() const {
+    Json shown = Json::array();
+    for (const chart::ValueIndex::Entry& entry : binding_.colors.values.entries()) {
+      if (entry.occurs) shown.push_back(clean(entry.shown));
+    }
+    return shown;
+  }
+
+  void write_looks(const BoundElement& element, Json& encoding) const {
+    const bool marked =
+        element.element->kind == ElementKind::Point || element.element->kind == ElementKind::Node;
+    if (element[RoleKind::Color] != nullptr && binding_.colors.variable != nullptr) {
+      encoding["color"] = color_channel();
+      // Not by colour alone.
+      if (marked && element[RoleKind::Shape] == nullptr) encoding["shape"] = symbol_channel();
+    }
+    if (marked && element[RoleKind::Shape] != nullptr && binding_.shapes.variable != nullptr) {
+      encoding["shape"] = shape_channel();
+    }
+    if (element[RoleKind::Size] != nullptr && facts_.sizes) {
+      encoding["strokeWidth"] = facts_.size_labels.empty()
+                                    ? amount_channel("size", RoleKind::Size, element, {1, 8})
+                                    : size_channel(element);
+    }
+    if (element[RoleKind::Transparency] != nullptr && facts_.frequencies) {
+      encoding["opacity"] = amount_channel("frequency", RoleKind::Transparency, element, {0.35, 1});
+    }
+  }
+
+  std::string legend_title(RoleKind role, const chart::ChartVariable& variable) const {
+    for (const chart::Legend& legend : plan_.graph.legends) {
+      if (legend.role == role && !legend.title.empty()) return clean(legend.title);
+    }
+    return clean(variable.label);
+  }
+
+  Json color_channel() const {
+    Json range = Json::array();
+    uint32_t step = 0;
+    for (const chart::ValueIndex::Entry& entry : binding_.colors.values.entries()) {
+      const auto turned =
+          static_cast<uint8_t>(step++ % plan_.style.steps(binding_.colors.role->palette));
+      if (entry.occurs) {
+        range.push_back(plan_.style.series({binding_.colors.role->palette, turned}).light);
+      }
+    }
+    return {{"field", "color"},
+            {"type", "nominal"},
+            {"scale", {{"domain", colors()}, {"range", range}}},
+            {"title", legend_title(RoleKind::Color, *binding_.colors.variable)}};
+  }
+
+  Json symbol_channel() const {
+    Json range = Json::array();
+    uint32_t step = 0;
+    for (const chart::ValueIndex::Entry& entry : binding_.colors.values.entries()) {
+      const Symbol symbol = binding_.symbol_of_step(step++);
+      if (entry.occurs) range.push_back(kShapes[static_cast<size_t>(symbol)]);
+    }
+    return {{"field", "color"},
+            {"type", "nominal"},
+            {"scale", {{"domain", colors()}, {"range", range}}},
+            {"title", legend_title(RoleKind::Color, *binding_.colors.variable)}};
+  }
+
+  Json shape_channel() const {
+    Json domain = Json::array();
+    Json range = Json::array();
+    const chart::Role& role = *binding_.shapes.role;
+    uint32_t step = 0;
+    for (const chart::ValueIndex::Entry& entry : binding_.shapes.values.entries()) {
+      const size_t at = step++;
+      if (!entry.occurs) continue;
+      domain.push_back(clean(entry.shown));
+      const bool named = at < role.levels.size() && role.levels[at].symbol;
+      range.push_back(
+          kShapes[named ? static_cast<size_t>(*role.levels[at].symbol) : at % std::size(kShapes)]);
+    }
+    return {{"field", "shape"},
+            {"type", "nominal"},
+            {"scale", {{"domain", domain}, {"range", range}}},
+            {"title", legend_title(RoleKind::Shape, *binding_.shapes.variable)}};
+  }
+
+  Json amount_channel(std::string_view field,
+                      RoleKind role,
+                      const BoundElement& element,
+                      std::pair<double, double> range) const {
+    const chart::Range& amounts = role == RoleKind::Size ? *facts_.sizes : *facts_.frequencies;
+    const chart::Range proper = amounts.proper();
+    const chart::Role& bound = element.element->roles[role];
+    return {{"field", field},
+            {"type", "quantitative"},
+            {"scale",
+             {{"domain", {bound.low.value_or(proper.low), bound.high.value_or(proper.high)}},
+              {"range", {range.first, range.second}}}},
+            {"title", legend_title(role, *element[role])},
+            {"legend", amounts.low == amounts.high ? Json(nullptr) : Json::object()}};
+  }
+
+  /// Widths whose values have names.
+  Json size_channel(const BoundElement& element) const {
+    const chart::Role& role = element.element->roles[RoleKind::Size];
+    const double low = role.low.value_or(facts_.sizes->low);
+    const double high = role.high.value_or(facts_.sizes->high);
+    Json domain = Json::array();
+    Json range = Json::array();
+    for (const auto& [size, label] : facts_.size_labels) {
+      domain.push_back(clean(label));
+      range.push_back(high > low ? 1 + 7 * std::clamp((size - low) / (high - low), 0.0, 1.0) : 2);
+    }
+    return {{"field", "size"},
+            {"type", "ordinal"},
+            {"scale", {{"domain", domain}, {"range", range}}},
+            {"title", legend_title(RoleKind::Size, *element[RoleKind::Size])}};
+  }
+
+  // What belongs to no element.
+
+  Json guide_layer(std::string_view part) const {
+    Json encoding = {{"y", y_channel()}};
+    if (part == "guide" && !x_.categorical) {
+      encoding["x"] = x_channel();
+      encoding["x2"] = {{"field", "x2"}};
+      encoding["y2"] = {{"field", "y2"}};
+    }
+    return {{"transform", only(part)},
+            {"mark",
+             {{"type", "rule"},
+              {"strokeDash", {5, 4}},
+              {"color", plan_.style.series({Part::Guide}).light}}},
+            {"encoding", encoding}};
+  }
+
+  /// The labels of the nodes on one side of a circle, away from its middle.
+  Json label_layer(const LabelSide& side) const {
+    Json encoding = {{"x", x_channel()}, {"y", y_channel()}};
+    encoding["text"] = {{"field", "label"}, {"type", "nominal"}};
+    Json outside = Json::array({{{"filter", "datum.label != null && " + std::string(side.nodes)}},
+                                {{"calculate", "datum.x * 1.12"}, {"as", "x"}},
+                                {{"calculate", "datum.y * 1.12"}, {"as", "y"}}});
+    return {{"transform", outside},
+            {"mark", {{"type", "text"}, {"align", side.align}}},
+            {"encoding", encoding}};
+  }
+
+  Json histogram_of(const chart::Embedded& embedded) const {
+    const chart::ChartSource* source = chart_.source(embedded.source);
+    const chart::ChartVariable* variable =
+        source == nullptr ? nullptr : source->by_role(embedded.graph.histogram->variable);
+    const Json title = lines_of(variable == nullptr ? std::string() : chart::label_of(*variable));
+    Json bar_x = {{"field", "from"},
+                  {"type", "quantitative"},
+                  {"title", title},
+                  {"scale", {{"zero", false}}}};
+    Json count = {{"field", "count"}, {"type", "quantitative"}, {"axis", nullptr}};
+    Json bins = {{"transform", only("bin")},
+                 {"mark", {{"type", "bar"}, {"color", plan_.style.series({Part::Mark}).light}}}};
+    const bool categorical = embedded.field_type == 1 || embedded.field_type == 2;
+    if (categorical) {
+      bins["encoding"] = {
+          {"x", {{"field", "category"}, {"type", "nominal"}, {"sort", nullptr}, {"title", title}}},
+          {"y", count}};
+    } else {
+      bar_x["bin"] = "binned";
+      bins["encoding"] = {{"x", bar_x}, {"x2", {{"field", "to"}}}, {"y", count}};
+    }
+    Json layers = Json::array({bins});
+    if (!categorical) {
+      bar_x.erase("bin");
+      layers.push_back(
+          {{"transform", only("curve")},
+           {"mark", {{"type", "line"}, {"color", plan_.style.series({Part::Curve}).light}}},
+           {"encoding", {{"x", bar_x}, {"y", count}}}});
+    }
+    return {{"width", kHistogramSize}, {"height", kHistogramSize}, {"layer", layers}};
+  }
+
+  const Chart& chart_;
+  const Document& document_;
+  chart::Plan plan_;
+  Binding binding_;
+  chart::HorizontalAxis x_;
+  chart::VerticalAxis y_;
+  vega::DataFacts facts_;
+};
+
+std::string spec_of_nothing(const Document& document) {
+  const Json spec = {{"$schema", kSchema},
+                     {"data", {{"values", Json::array({Json::object()})}}},
+                     {"mark", {{"type", "text"}, {"text", clean(document.word("No charts"))}}}};
+  return spec.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+}  // namespace
+
+std::string vega_of_chart(const Chart& chart, const Document& document, const Options&) {
+  return Spec(chart, document).write(true) + '\n';
+}
+
+std::string render_vega(const Document& document, const Options& options) {
+  const std::vector<const Chart*> charts = charts_of(document);
+  if (options.chart > charts.size()) {
+    throw std::out_of_range("there is no chart " + std::to_string(options.chart) +
+                            ": the report has " + std::to_string(charts.size()));
+  }
+  if (options.chart > 0) return vega_of_chart(*charts[options.chart - 1], document, options);
+  if (charts.empty()) return spec_of_nothing(document);
+  if (charts.size() == 1) return vega_of_chart(*charts.front(), document, options);
+  Json own;
+  for (const std::string_view scale : {"color", "shape", "opacity", "strokeWidth"})
+    own[scale] = "independent";
+  const Json whole = {{"$schema", kSchema}, {"config", config()}, {"resolve", {{"scale", own}}}};
+  std::string out = whole.dump(2);
+  out.erase(out.rfind('\n'));
+  out += ",\n\"vconcat\": [\n";
+  for (const Chart* chart : charts) {
+    if (chart != charts.front()) out += ",\n";
+    out += Spec(*chart, document).write(false);
+  }
+  return out += "\n]\n}\n";
+}
+
+std::vector<File> render_vega_folder(const Document& document, const Options& options) {
+  return render_charts(document, *chart_form_by_name("vl.json"), options);
+}
+
+}  // namespace hierfit::report
