@@ -46,6 +46,17 @@ struct Need {
   }
 };
 
+/// Of the words between blanks: they are divided only where they are wider than a column may be.
+double widest_word(std::string_view text) {
+  double widest = 0;
+  for (size_t begin = 0; begin < text.size();) {
+    const size_t end = std::min(text.find_first_of(" \n", begin), text.size());
+    widest = std::max(widest, chart::text_width(text.substr(begin, end - begin), kFont));
+    begin = end + 1;
+  }
+  return widest;
+}
+
 class Planner {
  public:
   explicit Planner(const TableView& view)
@@ -69,7 +80,7 @@ class Planner {
   void cover(Need& need, const Text& text, const Caps& caps, double besides = 0) const {
     const double around = 2 * kCellPadding + besides;
     const double line = chart::fit_text(text.shown, kFont, caps.line, 100).width(kFont);
-    const double word = std::min(chart::widest_word(text.shown, kFont), caps.word);
+    const double word = std::min(widest_word(text.shown), caps.word);
     need.cover(word + around + 0.5, line + around + kAir);
   }
 

@@ -33,6 +33,7 @@ constexpr double kKeptNotes = 120;
 /// A row higher than this is cut.
 constexpr double kTallestRow = 420;
 constexpr uint32_t kDeepestIndent = 8;
+constexpr size_t kMostLabelLines = 200;
 
 double sum(const std::vector<double>& lengths) {
   return std::accumulate(lengths.begin(), lengths.end(), 0.0);
@@ -241,10 +242,27 @@ double PdfTable::row_head_height(Pen& pen, const Head& head) const {
   const Text* text = view_.label_of(head);
   if (text == nullptr) return kRow;
   if (Pen::is_plain(text->shown, kTableFont, cell_width(head) - kTableFont)) return kRow;
-  const double height = pen.height(label(head), kCellLook, cell_width(head)) + 2 * kRowPadding;
+  const double height = pen.height(row_label(head), kCellLook, cell_width(head)) + 2 * kRowPadding;
   // A head beside several lines has the room of all of them.
   const double beside = head.kind == HeadKind::Group ? 0 : (head.span - 1) * kRow;
   return std::min(height - beside, kTallestRow);
+}
+
+/// The label beside lines; a name that is wider than its column is divided behind its joining
+/// signs.
+Runs PdfTable::row_label(const Head& head) const {
+  Runs runs = label(head);
+  const bool has_text = view_.label_of(head) != nullptr;
+  const double width = cell_width(head);
+  if (!has_text || !Pen::is_ascii(runs[0].text)) return runs;
+  const chart::Font font = {.size = kTableFont};
+  const std::vector<std::string> lines =
+      chart::fit_text(runs[0].text, font, width - 1, kMostLabelLines).lines;
+  std::string joined;
+  for (const std::string& line : lines)
+    (joined += joined.empty() ? "" : "\n") += line;
+  runs[0].text = std::move(joined);
+  return runs;
 }
 
 /// The height of a line whose heads begin at that one of the row heads.
@@ -318,7 +336,7 @@ void PdfTable::draw_row_head(Pen& pen, const Head& head, double top) {
   for (uint32_t stub = 0; stub < head.level; ++stub)
     offset += page_.stubs[stub];
   const double width = cell_width(head);
-  draw_text(pen, label(head), Side::Start, at(pen, offset, width), top + kRowPadding, width);
+  draw_text(pen, row_label(head), Side::Start, at(pen, offset, width), top + kRowPadding, width);
 }
 
 void PdfTable::draw_text(

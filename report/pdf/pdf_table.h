@@ -39,6 +39,7 @@ class PdfTable {
   void draw_head(Pen& pen);
   void draw_column_head(Pen& pen, const Head& head, double top);
   Runs label(const Head& head) const;
+  Runs row_label(const Head& head) const;
   double head_height() const;
 
   double line_height(Pen& pen, uint32_t line, size_t head) const;

@@ -208,9 +208,13 @@ void Pen::plain(std::string_view text, double size, double x, double baseline) {
   cairo_show_text(context_, std::string(text).c_str());
 }
 
+bool Pen::is_ascii(std::string_view text) {
+  return std::ranges::all_of(text, [](char c) { return (c >= ' ' && c < '\x7F') || c == '\n'; });
+}
+
 bool Pen::is_plain(std::string_view text, double size, double width) {
-  const bool ascii = std::ranges::all_of(text, [](char c) { return c >= ' ' && c < '\x7F'; });
-  return ascii && chart::text_width(text, {.size = size}) <= width;
+  const bool one_line = text.find('\n') == std::string_view::npos;
+  return one_line && is_ascii(text) && chart::text_width(text, {.size = size}) <= width;
 }
 
 // Lines and pictures.

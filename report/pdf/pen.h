@@ -79,6 +79,8 @@ class Pen {
   void flow(const Runs& runs, const TextLook& look, double x, double width);
   /// Digits and plain letters in one line, without shaping: many times as fast.
   void plain(std::string_view text, double size, double x, double baseline);
+  /// Whether a text is of plain letters, line feeds among them.
+  static bool is_ascii(std::string_view text);
   /// Whether a text may be drawn so and is no wider than that.
   static bool is_plain(std::string_view text, double size, double width);
 
