@@ -5,6 +5,7 @@ documents are rendered. A reader gives what each table of a form holds, by the n
 Office documents are also printed by an office program, and read as pages.
 """
 import collections
+import csv
 import decimal
 import json
 import os
@@ -22,8 +23,10 @@ CAPTION = re.compile(r"^\s*Table (\d+)( \(continued\))?\s*$")
 class Found:
     """What a form holds of a table: numbers as doubles, where the form has them, and its text."""
 
-    def __init__(self):
+    def __init__(self, digits=16, whole=True):
         self.values, self.text = None, []
+        self.digits = digits  # of the numbers; workbooks keep sixteen
+        self.whole = whole  # with what belongs to no cell: titles of dimensions, notes, caption
 
 
 def plain(text):
@@ -123,7 +126,96 @@ def read_pdf(path):
     return tables
 
 
-READERS = {"xlsx": read_xlsx, "docx": read_docx, "pdf": read_pdf}
+def read_csv(path):
+    tables = {}
+    with open(path, encoding="utf-8", newline="") as file:
+        for line in csv.DictReader(file):
+            found = tables.setdefault(int(line["table"]), Found(digits=17, whole=False))
+            found.values = found.values or []
+            if line["value"]:
+                found.values.append(float(line["value"]))
+            found.text += [line[column].removeprefix("'")
+                           for column in ("title", "row", "column", "shown")]
+    return tables
+
+
+def read_markdown(path):
+    """As pandoc reads it."""
+    parsed = subprocess.run(["pandoc", "--from=markdown", "--to=json", path], check=True,
+                            capture_output=True).stdout
+    tables, current = {}, None
+    for block in json.loads(parsed)["blocks"]:
+        words = "\n".join(pandoc_cells(block))
+        caption = CAPTION.match(words.split("\n")[0])
+        if caption:
+            current = tables.setdefault(int(caption[1]), Found())
+        elif block["t"] == "Header" or re.match(r"Figure \d+", words):
+            current = None
+        if current is not None:
+            current.text += words.split("\n")
+    return tables
+
+
+def pandoc_cells(node):
+    """The text of each cell, or of a paragraph; raised letters by themselves."""
+    if isinstance(node, dict) and node.get("t") in ("Plain", "Para"):
+        text = "".join({"Str": lambda part: part["c"], "LineBreak": lambda part: "\n"}.get(
+            part["t"], lambda part: " ")(part) for part in pandoc_inlines(node["c"]))
+        yield re.sub("([\u1d43-\u1dbf\u02b0-\u02e3\u2071\u207f\u02d2]+)", r" \1 ", text)
+    elif isinstance(node, (dict, list)):
+        for part in node.values() if isinstance(node, dict) else node:
+            yield from pandoc_cells(part)
+
+
+def pandoc_inlines(parts):
+    for part in parts:
+        yield from pandoc_inlines(part["c"]) if part["t"] in ("Emph", "Strong") else [part]
+
+
+# What LaTeX writes for what a reader sees, in the order in which it is replaced.
+GROUP = r"\{((?:[^{}]|\{[^{}]*\})*)\}"
+LATEX = [
+    (r"\\multicolumn\{\d+\}\{(?:@\{\})?>\{[^{}]*\}p\{[^{}]*\}\}", ""),
+    (r"\\textsuperscript\{[a-z,]*\}", " "),
+    (r"\\(?:lead|trail)" + GROUP + GROUP, r"\2"),
+    (r"\\rlap\{\s*\}", ""),
+    (r"\$([<>-])\$", r"\1"),
+    (r"\$\\leq\$", "\u2264"),
+    (r"\\newline\s|\\hspace\*\{\d+em\}", "\n"),
+    (r"\{\\textquotedbl\}", '"'),
+    (r"\{\\textbar\}", "|"),
+    (r"\{\\textasciicircum\}", "^"),
+    (r"\{\\textasciitilde\}", "~"),
+    (r"\\text(?:bf|it)\{([^{}]*)\}", r"\1"),
+    (r"\{([\[\]])\}", r"\1"),
+    (r"\{\}", ""),
+    (r"\\([#$%&_{}])", r"\1"),
+]
+# Where a cell, a note or something else ends.
+LATEX_END = r"(?<!\\)&|\n\n|\\\\\*?(?:\[\w+\])?\n|\\par\n|\\(?:begin|end)\{\w+\}"
+
+
+def read_latex(path):
+    text = pathlib.Path(path).read_text(encoding="utf-8").split("\\begin{document}")[1]
+    tables, current = {}, None
+    # Heads stand twice, for the first page and for the others.
+    text = re.sub(r"(?s)\\endfirsthead.*?\\endlastfoot", "", text)
+    text = re.sub(r"\{\\small\n\\begin\{longtable\}\{(?:>\{[^{}]*\}p\{[^{}]*\})*\}", "", text)
+    for cell in re.split(LATEX_END, text):
+        for pattern, replacement in LATEX:
+            cell = re.sub(pattern, replacement, cell)
+        caption = re.match(r"\W*Table (\d+)", cell)
+        if caption:
+            current = tables.setdefault(int(caption[1]), Found())
+        elif re.match(r"\W*Figure \d+", cell):
+            current = None
+        if current is not None:
+            current.text.append(cell)
+    return tables
+
+
+READERS = {"xlsx": read_xlsx, "docx": read_docx, "pdf": read_pdf, "csv": read_csv,
+           "md": read_markdown, "tex": read_latex}
 
 def described_pictures(path):
     """How many pictures of an office document have an alternative text."""
@@ -152,16 +244,18 @@ def shown(text):
     return text["shown"] if isinstance(text, dict) else text
 
 
-def texts_of(table):
+def texts_of(table, whole):
     """All that has to be read somewhere: labels that cells stand at, cells, notes and caption."""
     yield shown(table["title"])
     for place, dimension in enumerate(table["dimensions"]):
         if not dimension["labelsShown"]:
             continue
-        if dimension["titleShown"]:
+        if dimension["titleShown"] and whole:
             yield shown(dimension["title"])
         yield from labels_of(dimension, {cell["at"][place] for cell in table["cells"]})
     yield from (shown(cell["text"]) for cell in table["cells"] if "text" in cell)
+    if not whole:
+        return
     yield from map(shown, table["notes"])
     if table.get("caption"):
         yield shown(table["caption"])
@@ -200,8 +294,7 @@ def as_spreadsheets_show(cell):
 def faults_of(table, found, shown_as):
     numbers = [cell for cell in table["cells"] if is_number(cell)]
     if found.values is not None:
-        # Workbooks keep sixteen digits.
-        lost = collections.Counter(float(f"{cell['value']:.16g}") for cell in numbers)
+        lost = collections.Counter(float(f"{cell['value']:.{found.digits}g}") for cell in numbers)
         lost -= collections.Counter(found.values)
     else:
         have = collections.Counter(re.sub(r"(?<=[\d%])[a-z,]+$", "", word)
@@ -210,7 +303,7 @@ def faults_of(table, found, shown_as):
     if lost:
         yield f"lost the numbers {dict(lost)}"
     joined = re.sub(r"\s+", "", "".join(map(plain, found.text)))
-    for text in texts_of(table):
+    for text in texts_of(table, found.whole):
         # A longer word is divided, with parts of other cells in between.
         if not all(word[:20] in joined for word in plain(text).split()):
             yield f"lost the text {text!r}"
