@@ -82,8 +82,10 @@ class Symbols {
       label.shown = preset_.significance;
       label.symbol = true;
     } else {
-      label.symbol = std::ranges::any_of(
-          kSymbolLabels, [&](std::string_view key) { return label.shown == document_.word(key); });
+      label.symbol =
+          is_latin(label.shown) && std::ranges::any_of(kSymbolLabels, [&](std::string_view key) {
+            return label.shown == document_.word(key);
+          });
     }
   }
 
