@@ -5,6 +5,7 @@
 #include "report/chart/binding.h"
 #include "report/chart/metrics.h"
 #include "report/wording.h"
+#include "report/xlsx/column_widths.h"
 #include "report/xlsx/number_format.h"
 
 namespace hierfit::report::xlsx {
@@ -17,26 +18,17 @@ namespace {
 
 constexpr chart::Font kFont = {.size = kFontSize};
 
-/// In points: the widest that labels, heads and texts make a column, and a column at the least.
-constexpr double kWidestLabel = 220;
-constexpr double kWidestHead = 110;
-constexpr double kNarrowest = 30;
-/// Notes run at least so wide, in points.
+/// In points. Notes run at least so wide.
 constexpr double kNoteWidth = 420;
 /// What fits side by side on upright paper in points, and what may be shrunk to fit on any.
 constexpr double kPortrait = 480;
 constexpr double kShrinkable = 1500;
 constexpr double kLineHeight = 13.5;
-/// What a column has around its text, in points.
-constexpr double kColumnPadding = 12;
 constexpr double kTallestRow = 400;
 /// Heads beyond this would leave no room in a window to scroll in.
 constexpr double kTallestFrozenHead = 200;
 constexpr double kWidestFrozen = 360;
 constexpr uint8_t kDeepestIndent = 15;
-
-/// Labels that go on beside long tables are measured up to here.
-constexpr size_t kMostMeasured = 20000;
 
 /// The lines and columns of a sheet.
 struct Piece {
@@ -52,9 +44,8 @@ class TableSheets {
       : workbook_(workbook),
         document_(document),
         entry_(entry),
-        view_(document, *entry.as<output::Table>()) {
-    measure();
-  }
+        view_(document, *entry.as<output::Table>()),
+        widths_(measure_columns(view_)) {}
 
   void write(const SheetLimits& limits) {
     const auto notes = static_cast<uint32_t>(view_.layout.notes.size()) + 1;
@@ -75,83 +66,9 @@ class TableSheets {
   }
 
  private:
-  // Widths.
-
-  void measure() {
-    const size_t columns = view_.layout.columns;
-    stub_widths_.assign(view_.stubs(), kNarrowest);
-    widths_.assign(columns, kNarrowest);
-    right_.assign(columns, 0);
-    marks_.assign(columns, "");
-    measure_heads();
-    measure_cells();
-    measure_spans();
-  }
-
-  void measure_heads() {
-    for (uint32_t stub = 0; stub < view_.stubs(); ++stub) {
-      if (const Text* title = view_.stub_title(stub)) {
-        widen(stub_widths_[stub], *title, kWidestLabel);
-      }
-    }
-    size_t measured = 0;
-    for (const Head& head : view_.layout.row_heads) {
-      const Text* label = view_.label_of(head);
-      if (label == nullptr || head.kind == HeadKind::Group || ++measured > kMostMeasured) continue;
-      widen(stub_widths_[head.level], *label, kWidestLabel, kFontSize * (head.indent + 1));
-    }
-    for (const Head& head : view_.layout.column_heads) {
-      const Text* label = view_.label_of(head);
-      if (label == nullptr || head.kind == HeadKind::Title) continue;
-      if (head.span == 1) widen(widths_[head.first], *label, kWidestHead);
-    }
-  }
-
-  void measure_cells() {
-    const double digit = chart::text_width("0", kFont);
-    const TableLayout& layout = view_.layout;
-    for (size_t i = 0; i < layout.placed.size(); ++i) {
-      const AlignedCell& cell = view_.cells.cells[i];
-      const uint32_t column = layout.placed[i].column;
-      if (cell.kind == CellKind::Text) {
-        widen(widths_[column], view_.table.texts[cell.begin], kWidestLabel, kFontSize);
-        continue;
-      }
-      right_[column] = std::max(right_[column], right_length(cell));
-      if (view_.table.cells.notes.empty()) continue;
-      std::string marks = view_.marks(layout.placed[i]);
-      if (marks.size() > marks_[column].size()) marks_[column] = std::move(marks);
-    }
-    for (size_t column = 0; column < widths_.size(); ++column) {
-      const size_t characters =
-          view_.cells.columns[column].whole + right_[column] + marks_[column].size();
-      widths_[column] = std::max(widths_[column], static_cast<double>(characters) * digit);
-    }
-  }
-
-  /// Columns under a common head share what it lacks.
-  void measure_spans() {
-    for (const Head& head : view_.layout.column_heads) {
-      const Text* label = view_.label_of(head);
-      if (label == nullptr || head.span == 1) continue;
-      double lacks = std::min(chart::text_width(label->shown, kFont), 2 * kWidestHead);
-      for (uint32_t column = head.first; column < head.first + head.span && lacks > 0; ++column)
-        lacks -= widths_[column] + kColumnPadding;
-      if (lacks <= 0) continue;
-      for (uint32_t column = head.first; column < head.first + head.span; ++column)
-        widths_[column] += lacks / head.span;
-    }
-  }
-
-  void widen(double& width, const Text& text, double most, double besides = 0) const {
-    const double line = chart::fit_text(text.shown, kFont, most, 100).width(kFont);
-    const double word = std::min(chart::widest_word(text.shown, kFont), kWidestLabel);
-    width = std::max(width, std::max(line, word) + besides);
-  }
-
   double width_of(uint32_t sheet_column, const Piece& piece) const {
     const uint32_t column = sheet_column - view_.stubs() + piece.first_column;
-    return sheet_column < view_.stubs() ? stub_widths_[sheet_column] : widths_[column];
+    return sheet_column < view_.stubs() ? widths_.stubs[sheet_column] : widths_.columns[column];
   }
 
   uint32_t used_columns(const Piece& piece) const {
@@ -187,7 +104,7 @@ class TableSheets {
 
   lxw_col_t frozen_columns() const {
     double width = 0;
-    for (const double each : stub_widths_)
+    for (const double each : widths_.stubs)
       width += each;
     return width > kWidestFrozen ? 0 : static_cast<lxw_col_t>(view_.stubs());
   }
@@ -260,7 +177,7 @@ class TableSheets {
       const Text* title = view_.stub_title(stub);
       if (title == nullptr) continue;
       write(stub, {{view_.text(*title), look}}, look);
-      grow(*title, stub_widths_[stub] + kColumnPadding);
+      grow(*title, widths_.stubs[stub] + kColumnPadding);
     }
   }
 
@@ -287,7 +204,7 @@ class TableSheets {
     const uint32_t at = view_.stubs() + first - piece.first_column;
     double width = 0;
     for (uint32_t column = first; column < end; ++column)
-      width += widths_[column] + kColumnPadding;
+      width += widths_.columns[column] + kColumnPadding;
     merge(at, at + end - first - 1, look);
     write(at, runs, look);
     grow(*label, width);
@@ -403,8 +320,8 @@ class TableSheets {
       return write(at, runs, look);
     }
     look.number = number_format(view_.number_of(placed), cell, view_.cells.columns[placed.column],
-                                mixed ? 0 : right_[placed.column], document_.numbers, marks,
-                                mixed ? "" : std::string_view(marks_[placed.column]));
+                                mixed ? 0 : widths_.right[placed.column], document_.numbers, marks,
+                                mixed ? "" : std::string_view(widths_.marks[placed.column]));
     worksheet_write_number(sheet_, row_, static_cast<lxw_col_t>(at), cell.value,
                            workbook_.format(look));
   }
@@ -448,10 +365,7 @@ class TableSheets {
   const Document& document_;
   const Entry& entry_;
   TableView view_;
-  std::vector<double> stub_widths_;  // in points
-  std::vector<double> widths_;
-  std::vector<size_t> right_;       // by column: the longest part right of the whole one
-  std::vector<std::string> marks_;  // by column: the longest marks of its numbers
+  ColumnWidths widths_;
   lxw_worksheet* sheet_ = nullptr;
   uint32_t row_ = 0;
   double row_height_ = 0;

@@ -1,0 +1,25 @@
+// How wide the columns of a table are in a workbook.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "report/table_view.h"
+
+namespace hierfit::report::xlsx {
+
+/// What a column has around its text, in points.
+inline constexpr double kColumnPadding = 12;
+
+/// Widths are in points, without the padding.
+struct ColumnWidths {
+  std::vector<double> stubs;
+  std::vector<double> columns;
+  std::vector<size_t> right;       ///< by column: the longest part right of the whole one
+  std::vector<std::string> marks;  ///< by column: the longest marks of its numbers
+};
+
+/// As wide as heads, labels and cells ask for; long ones are to wrap.
+ColumnWidths measure_columns(const TableView& view);
+
+}  // namespace hierfit::report::xlsx
