@@ -191,8 +191,9 @@ class Planner {
     end = std::max(end, first + 1);
     if (grid_.empty()) return end;
     // A group that begins on this part and does not end on it moves to the next.
-    const Head* last = heads_between(grid_[0], first, end + 1).back();
-    return last->first > first ? std::min(last->first, end) : end;
+    const auto heads = heads_between(grid_[0], first, end + 1);
+    const uint32_t last = heads.empty() ? first : heads.back()->first;
+    return last > first ? std::min(last, end) : end;
   }
 
   /// Gives each column its least and as much of what it would have as there is room for.

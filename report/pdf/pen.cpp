@@ -76,6 +76,21 @@ PangoAlignment alignment_of(Side side, PangoLayout* layout, bool right_to_left) 
   return at_right != leftward ? PANGO_ALIGN_RIGHT : PANGO_ALIGN_LEFT;
 }
 
+/// Whether the font itself has all characters: ASCII, and what else stands in numbers but for the
+/// narrow no-break space.
+bool in_font(std::string_view text) {
+  constexpr std::string_view kOthers[] = {"\u00A0", "\u00B7", "\u2212"};
+  while (!text.empty()) {
+    size_t bytes = text[0] >= ' ' && text[0] < '\x7F' ? 1 : 0;
+    for (const std::string_view other : kOthers) {
+      if (text.starts_with(other)) bytes = other.size();
+    }
+    if (bytes == 0) return false;
+    text.remove_prefix(bytes);
+  }
+  return true;
+}
+
 PangoFontDescription* font_of(double size) {
   PangoFontDescription* font = pango_font_description_from_string(kFamily);
   pango_font_description_set_size(font, units(size));
@@ -202,6 +217,12 @@ void Pen::flow(const Runs& runs, const TextLook& look, double x, double width) {
 
 void Pen::plain(std::string_view text, double size, double x, double baseline) {
   if (!draws_ || text.empty()) return;
+  if (!in_font(text)) {
+    set_layout({{.text = std::string(text)}}, {.size = size}, paper_width());
+    cairo_move_to(context_, x, baseline);
+    pango_cairo_show_layout_line(context_, pango_layout_get_line_readonly(layout_, 0));
+    return;
+  }
   cairo_set_font_face(context_, cairo_scaled_font_get_font_face(digits_));
   cairo_set_font_size(context_, size);
   cairo_move_to(context_, x, baseline);
