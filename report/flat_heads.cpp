@@ -10,6 +10,7 @@ class Flattening {
  public:
   Flattening(const TableView& view, std::string_view divider) : view_(view), divider_(divider) {
     heads_.columns.resize(view.layout.columns);
+    heads_.symbols.resize(view.layout.columns);
     heads_.column_notes.resize(view.layout.columns);
     heads_.rows.resize(view.layout.rows);
     heads_.row_notes.resize(view.layout.rows);
@@ -44,8 +45,10 @@ class Flattening {
   }
 
   void add_to_columns(const Head& head) {
+    const output::Text* label = view_.label_of(head);
     for (uint32_t column = head.first; column < head.first + head.span; ++column) {
       join(heads_.columns[column], head);
+      if (label != nullptr) heads_.symbols[column] = label->symbol;
       add_notes(heads_.column_notes[column], head);
     }
   }

@@ -13,6 +13,8 @@ namespace hierfit::report {
 struct FlatHeads {
   /// By column: its labels from the top, with the titles of their dimensions, joined.
   std::vector<std::string> columns;
+  /// By column: whether its lowest label is a statistical symbol.
+  std::vector<bool> symbols;
   /// By row, then stub: the label with those of the groups that enclose it, joined.
   std::vector<std::vector<std::string>> rows;
   /// By column and by row: the notes on its heads, as indices into `Table::notes`.

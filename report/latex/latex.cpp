@@ -53,6 +53,8 @@ constexpr std::string_view kPreamble = R"(\documentclass[10pt,a4paper]{article}
 % A part of a number beside its decimal mark, in the room of the widest one of its column.
 \newcommand*{\lead}[2]{\hphantom{#1}\llap{#2}}
 \newcommand*{\trail}[2]{\rlap{#2}\hphantom{#1}}
+% #1: columns, #2: a title, which may be wider than they are
+\newcommand{\tabletitle}[2]{\multicolumn{#1}{@{}l@{}}{\rlap{\parbox[t]{\linewidth}{\raggedright #2\strut}}}}
 \newenvironment{tablenotes}{\footnotesize\raggedright}{\par\medskip}
 % The folder of the charts, written by --charts with --chart-format=pdf.
 \newcommand*{\chartfolder}{charts}

@@ -125,7 +125,7 @@ class LatexTable {
       write_column(page_.columns[column], mixed ? "raggedright" : "centering");
     }
     out_ += "}\n";
-    open_full_line("");
+    open_title();
     if (begin_ == 0) {
       write_title();
     } else {
@@ -133,7 +133,7 @@ class LatexTable {
     }
     write_heads();
     out_ += "\\endfirsthead\n";
-    open_full_line("");
+    open_title();
     write_continuation();
     write_heads();
     out_ += "\\endhead\n\\bottomrule\n\\endfoot\n\\bottomrule\n\\endlastfoot\n";
@@ -147,12 +147,7 @@ class LatexTable {
   }
 
   /// A cell over all columns.
-  void open_full_line(std::string_view way) {
-    ((out_ += "\\multicolumn{") += std::to_string(columns())) +=
-        "}{@{}>{\\raggedright\\arraybackslash";
-    ((out_ += way) += "}p{") += points(room(page_.width(begin_, end_)));
-    out_ += "}}{";
-  }
+  void open_title() { ((out_ += "\\tabletitle{") += std::to_string(columns())) += "}{"; }
 
   void write_continuation() {
     const std::string number = std::to_string(entry_.number);

@@ -84,7 +84,8 @@ class MarkdownTable {
       pipes.cell(title == nullptr ? "" : styled(*title));
     }
     for (uint32_t column = 0; column < view_.layout.columns; ++column)
-      pipes.cell(escaped(heads.columns[column]) + marks(heads.column_notes[column]));
+      pipes.cell(styled(escaped(heads.columns[column]), heads.symbols[column]) +
+                 marks(heads.column_notes[column]));
   }
 
   void write_line(PipeTable& pipes, uint32_t line, RowHead& next) const {
@@ -125,8 +126,11 @@ class MarkdownTable {
   }
 
   std::string styled(const Text& text) const {
-    const std::string content = escaped(view_.text(text));
-    return text.symbol ? '*' + content + '*' : content;
+    return styled(escaped(view_.text(text)), text.symbol);
+  }
+
+  static std::string styled(std::string content, bool symbol) {
+    return symbol ? '*' + content + '*' : content;
   }
 
   void write_notes() {

@@ -175,6 +175,7 @@ def pandoc_inlines(parts):
 # What LaTeX writes for what a reader sees, in the order in which it is replaced.
 GROUP = r"\{((?:[^{}]|\{[^{}]*\})*)\}"
 LATEX = [
+    (r"\\tabletitle\{\d+\}", ""),
     (r"\\multicolumn\{\d+\}\{(?:@\{\})?>\{[^{}]*\}p\{[^{}]*\}\}", ""),
     (r"\\textsuperscript\{[a-z,]*\}", " "),
     (r"\\(?:lead|trail)" + GROUP + GROUP, r"\2"),
