@@ -84,10 +84,10 @@ class Spec {
     if (whole) spec["$schema"] = kSchema;
     write_texts(spec);
     const chart::Embedded* histogram = embedded_histogram();
-    if (histogram == nullptr) {
+    if (histogram != nullptr) histogram_ = vega::append_histogram(rows, binding_, *histogram);
+    if (!histogram_.bars) {
       spec.update(graph());
     } else {
-      vega::append_histogram(rows, binding_, *histogram);
       spec["hconcat"] = Json::array({graph(), histogram_of(*histogram)});
     }
     if (whole) spec["config"] = config();
@@ -419,8 +419,7 @@ class Spec {
     Json count = {{"field", "count"}, {"type", "quantitative"}, {"axis", nullptr}};
     Json bins = {{"transform", only("bin")},
                  {"mark", {{"type", "bar"}, {"color", plan_.style.series({Part::Mark}).light}}}};
-    const bool categorical = embedded.field_type == 1 || embedded.field_type == 2;
-    if (categorical) {
+    if (histogram_.categories) {
       bins["encoding"] = {
           {"x", {{"field", "category"}, {"type", "nominal"}, {"sort", nullptr}, {"title", title}}},
           {"y", count}};
@@ -429,7 +428,7 @@ class Spec {
       bins["encoding"] = {{"x", bar_x}, {"x2", {{"field", "to"}}}, {"y", count}};
     }
     Json layers = Json::array({bins});
-    if (!categorical) {
+    if (histogram_.curve) {
       bar_x.erase("bin");
       layers.push_back(
           {{"transform", only("curve")},
@@ -446,6 +445,7 @@ class Spec {
   chart::HorizontalAxis x_;
   chart::VerticalAxis y_;
   vega::DataFacts facts_;
+  vega::HistogramFacts histogram_;
 };
 
 std::string spec_of_nothing(const Document& document) {

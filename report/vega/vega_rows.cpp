@@ -247,15 +247,16 @@ class HistogramRows {
         embedded_(embedded),
         histogram_(*embedded.graph.histogram) {}
 
-  void write() {
+  HistogramFacts write() {
     const ChartSource* source = binding_.chart.source(embedded_.source);
     variable_ = source == nullptr ? nullptr : source->by_role(histogram_.variable);
-    if (variable_ == nullptr) return;
+    if (variable_ == nullptr) return {};
     count(*source);
-    if (counts_.empty()) return;
-    const bool categorical =
-        embedded_.field_type == kCategorical || embedded_.field_type == kOrdinal;
-    categorical ? write_values() : write_bins();
+    if (counts_.empty()) return {};
+    facts_.bars = true;
+    facts_.categories = embedded_.field_type == kCategorical || embedded_.field_type == kOrdinal;
+    facts_.categories ? write_values() : write_bins();
+    return facts_;
   }
 
  private:
@@ -314,6 +315,7 @@ class HistogramRows {
     const auto density =
         chart::density_of(*histogram_.curve, mean, std::sqrt(squares / std::max(total_ - 1, 1.0)));
     if (!density) return;
+    facts_.curve = true;
     for (int i = 0; i <= kCurveSteps; ++i) {
       const double at = range.low + (range.high - range.low) * i / kCurveSteps;
       const double height = density(at) * area;
@@ -329,6 +331,7 @@ class HistogramRows {
   const chart::Embedded& embedded_;
   const chart::Histogram& histogram_;
   const ChartVariable* variable_ = nullptr;
+  HistogramFacts facts_;
   std::map<double, double> counts_;
   double total_ = 0;
   double rows_read_ = 0;
@@ -371,8 +374,10 @@ DataFacts append_rows(Rows& rows, const Binding& binding) {
   return GraphRows(rows, binding).write();
 }
 
-void append_histogram(Rows& rows, const Binding& binding, const chart::Embedded& embedded) {
-  HistogramRows(rows, binding, embedded).write();
+HistogramFacts append_histogram(Rows& rows,
+                                const Binding& binding,
+                                const chart::Embedded& embedded) {
+  return HistogramRows(rows, binding, embedded).write();
 }
 
 }  // namespace hierfit::report::vega

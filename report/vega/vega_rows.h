@@ -46,7 +46,16 @@ std::string panel_name(const chart::Binding& binding, uint32_t panel);
 /// the right and y up, from -1 to 1.
 DataFacts append_rows(Rows& rows, const chart::Binding& binding);
 
+/// What a histogram has rows for. Categories have bars alone.
+struct HistogramFacts {
+  bool bars = false;
+  bool categories = false;
+  bool curve = false;
+};
+
 /// The bars ("bin") and the curve ("curve") of a histogram.
-void append_histogram(Rows& rows, const chart::Binding& binding, const chart::Embedded& embedded);
+HistogramFacts append_histogram(Rows& rows,
+                                const chart::Binding& binding,
+                                const chart::Embedded& embedded);
 
 }  // namespace hierfit::report::vega
