@@ -206,6 +206,42 @@ std::string shown_pair(const ChartVariable& variable,
   return "[" + one + ", " + other + "]";
 }
 
+std::string with_marks(std::string_view text, const output::NumberStyle& style) {
+  const auto digit_at = [text](size_t at) {
+    return at < text.size() && text[at] >= '0' && text[at] <= '9';
+  };
+  std::string marked;
+  for (size_t at = 0; at < text.size(); ++at) {
+    const bool is_mark = text[at] == '.' && at > 0 && digit_at(at - 1) && digit_at(at + 1);
+    if (!is_mark) {
+      marked += text[at];
+      continue;
+    }
+    const bool leads = text[at - 1] == '0' && (at < 2 || !digit_at(at - 2));
+    if (leads && !style.significance_zero) marked.pop_back();
+    marked += style.decimal_mark;
+  }
+  return marked;
+}
+
+std::string shown_in_panel(const BoundElement& element,
+                           const ChartVariable& variable,
+                           size_t row,
+                           const Binding& binding) {
+  std::string text = shown_value(variable, row, binding.numbers);
+  const bool is_text = variable.values.kind(row) == Kind::Text;
+  if (!is_text || variable.label_of(variable.values.text(row)) != nullptr) return text;
+  std::string panel;
+  for (const Facet& facet : binding.graph.facets) {
+    const ChartVariable* of_facet = element.source->by_role(facet.variable);
+    if (of_facet != nullptr && of_facet->values.kind(row) == Kind::Text) {
+      panel += output::plain_text(of_facet->values.text(row));
+    }
+  }
+  if (text.size() > panel.size() && text.starts_with(panel)) text.erase(0, panel.size());
+  return text;
+}
+
 std::string with_arguments(std::string_view pattern, const std::vector<std::string>& arguments) {
   std::string text;
   for (size_t at = 0; at < pattern.size(); ++at) {

@@ -138,6 +138,17 @@ std::string shown_pair(const ChartVariable& variable,
                        size_t partner,
                        const output::NumberStyle& style);
 
+/// A text of the chart's own, "0.05 \u2264 p < 0.1", with its numbers written in the marks of
+/// `style`.
+std::string with_marks(std::string_view text, const output::NumberStyle& style);
+
+/// What a row of a variable shows without what only repeats its panel: a key, not a label, tells
+/// panels apart by having the values of their facets ahead.
+std::string shown_in_panel(const BoundElement& element,
+                           const ChartVariable& variable,
+                           size_t row,
+                           const Binding& binding);
+
 /// The pattern with "^1", "^2", ... replaced by the arguments, in one pass.
 std::string with_arguments(std::string_view pattern, const std::vector<std::string>& arguments);
 

@@ -1,5 +1,6 @@
 // The description of a chart in sentences, made from its data.
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "report/chart/panels.h"
@@ -37,14 +38,26 @@ class Description {
   }
 
   void say(std::string_view key, const std::vector<std::string>& arguments) {
-    if (!text_.empty()) text_ += ' ';
+    if (!text_.empty() && has_blanks()) text_ += ' ';
     text_ += with_arguments(binding_.word(key), arguments);
+  }
+
+  /// Sentences of Chinese and Japanese end in a stop that has its own room.
+  bool has_blanks() const {
+    const std::string_view language = binding_.document.language;
+    return !language.starts_with("zh") && !language.starts_with("ja");
   }
 
   static std::string count(size_t number) { return std::to_string(number); }
 
+  /// A number without a format of its own has four digits that count: the data have the rest.
   std::string shown(const ChartVariable& variable, double value) const {
-    return shown_number(variable, value, binding_.numbers);
+    const bool plain = variable.format || variable.label_of(value) != nullptr;
+    if (plain || value == std::floor(value)) return shown_number(variable, value, binding_.numbers);
+    const double digits_ahead = std::floor(std::log10(std::fabs(value)));
+    const auto decimals = static_cast<uint8_t>(std::clamp(3 - digits_ahead, 0.0, 12.0));
+    return variable.prefix +
+           output::shown({value, output::Format::Fixed, decimals}, binding_.numbers);
   }
 
   // Means, spans and points.
@@ -120,8 +133,8 @@ class Description {
     });
     if (highest == points.rows()) return;
     say("Highest: ^1 (^2); lowest: ^3 (^4).",
-        {shown_value(y, highest, binding_.numbers), place_of(points, highest),
-         shown_value(y, lowest, binding_.numbers), place_of(points, lowest)});
+        {shown(y, number_at(&y, highest)), place_of(points, highest),
+         shown(y, number_at(&y, lowest)), place_of(points, lowest)});
   }
 
   std::string place_of(const BoundElement& points, size_t row) const {
@@ -182,9 +195,20 @@ class Description {
       const ChartVariable* end = edges[kind];
       if (end == nullptr) continue;
       if (!pair.empty()) pair += " \u2013 ";
-      pair += shown_value(*end, row, binding_.numbers);
+      pair += shown_in_panel(edges, *end, row, binding_);
     }
-    return pair;
+    return binding_.panels.size() > 1 ? pair + panel_of(edges, row) : pair;
+  }
+
+  /// " [Species: GP]", or nothing.
+  std::string panel_of(const BoundElement& element, size_t row) const {
+    if (row >= element.panel_of_row.size()) return {};
+    const uint32_t panel = element.panel_of_row[row];
+    if (panel >= binding_.panels.size()) return {};
+    std::string titles;
+    for (const std::string& title : binding_.panels[panel].titles)
+      (titles += titles.empty() ? " [" : ", ") += title;
+    return titles.empty() ? titles : titles + ']';
   }
 
   void network() {
@@ -218,7 +242,8 @@ class Description {
                                     [&](double v) { return v != values[i]; });
       const auto next = static_cast<size_t>(end - values.begin());
       if (size->label_of(values[i]) != nullptr) {
-        say("^1: ^2.", {shown(*size, values[i]), count(next - i)});
+        const std::string range = with_marks(shown(*size, values[i]), binding_.numbers);
+        say("^1: ^2.", {range, count(next - i)});
       }
       i = next;
     }

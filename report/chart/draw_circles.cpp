@@ -217,26 +217,7 @@ class Circles {
 
   std::string label_of_node(const CircleNode& node) const {
     const ChartVariable* label = (*node.element)[RoleKind::Label];
-    if (label == nullptr) return {};
-    std::string text = shown_value(*label, node.row, binding_.numbers);
-    return text.substr(shared_with_panel(node, *label, text));
-  }
-
-  /// The bytes of a text, not of a label, that only repeat the panel: a key tells panels apart by
-  /// having their values ahead.
-  size_t shared_with_panel(const CircleNode& node,
-                           const ChartVariable& label,
-                           const std::string& text) const {
-    const bool is_text = label.values.kind(node.row) == output::ChartColumn::Kind::Text;
-    if (!is_text || label.label_of(label.values.text(node.row)) != nullptr) return 0;
-    std::string panel;
-    for (const Facet& facet : binding_.graph.facets) {
-      const ChartVariable* variable = node.element->source->by_role(facet.variable);
-      if (variable != nullptr && variable->values.kind(node.row) == label.values.kind(node.row)) {
-        panel += output::plain_text(variable->values.text(node.row));
-      }
-    }
-    return text.size() > panel.size() && text.starts_with(panel) ? panel.size() : 0;
+    return label == nullptr ? "" : shown_in_panel(*node.element, *label, node.row, binding_);
   }
 
   /// Labels beside their nodes in lines. False when two of them would touch.

@@ -123,8 +123,10 @@ std::vector<Entry> size_entries(const Binding& binding, const LegendFacts& facts
   if (variable == nullptr) return entries;
   const LineWidths widths(binding, facts.thickest);
   for (const double value : values_to_show(*variable)) {
+    const std::string range = shown_number(*variable, value, binding.numbers);
+    const bool has_label = variable->label_of(value) != nullptr;
     entries.push_back({line_sample({Part::Text}, widths.of(value), ""), 28,
-                       shown_number(*variable, value, binding.numbers)});
+                       has_label ? with_marks(range, binding.numbers) : range});
   }
   return entries;
 }

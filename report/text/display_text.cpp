@@ -9,6 +9,10 @@ namespace hierfit::report::text {
 
 namespace {
 
+/// A word of wide characters may end its line at each of them, but a column of single ones reads
+/// badly: four of them count as a piece.
+constexpr size_t kWideWord = 8;
+
 struct Character {
   int32_t code = 0;
   size_t bytes = 1;
@@ -206,6 +210,7 @@ size_t longest_piece(std::string_view text) {
   return longest(text, [](std::string_view line) {
     size_t width = 0;
     split(line, ' ', [&](std::string_view word) {
+      if (runs_on(word)) width = std::max(width, std::min(display_width(word), kWideWord));
       for (size_t bytes = 0; !word.empty(); word.remove_prefix(bytes)) {
         bytes = first_piece(word);
         width = std::max(width, display_width(word.substr(0, bytes)));
