@@ -6,7 +6,8 @@
 namespace hierfit::report::chart {
 namespace {
 
-constexpr double kGap = 8;  ///< between names
+constexpr double kGap = 8;       ///< between names
+constexpr double kTightGap = 4;  ///< between names that would have to turn else
 constexpr size_t kMostLabelLines = 3;
 constexpr double kLongestTurned = 130;
 constexpr double kSlantedBand = 24;  ///< the narrowest for names at half a right angle
@@ -79,8 +80,8 @@ TickLabels all_labels(const HorizontalAxis& axis, size_t count, double band, siz
 }
 
 /// Whether all names stand in their bands, in at most three lines broken at blanks.
-bool upright_labels(TickLabels& labels, const Font& font, double band) {
-  labels.room = band - kGap;
+bool upright_labels(TickLabels& labels, const Font& font, double room) {
+  labels.room = room;
   labels.lines = 1;
   for (const TickLabel& label : labels.labels) {
     if (widest_word(label.text, font) > labels.room) return false;
@@ -146,7 +147,10 @@ TickLabels category_labels(
   const double line = font.line_height();
   const auto every = static_cast<size_t>(std::max(1.0, std::ceil(line / std::max(band, 1e-3))));
   TickLabels labels = all_labels(axis, count, band, every);
-  if (every == 1 && upright_labels(labels, font, band)) return labels;
+  // Names that just touch still read better upright than turned.
+  for (const double gap : {kGap, kTightGap}) {
+    if (every == 1 && upright_labels(labels, font, band - gap)) return labels;
+  }
   labels.lines = 1;
   const bool slanted = band >= kSlantedBand;
   labels.turn = slanted ? -45 : -90;
