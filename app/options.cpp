@@ -30,6 +30,9 @@ Words style_names() { return names_of(report::kPresets); }
 Words colour_words() { return {"auto", "always", "never"}; }
 Words shell_names() { return {"bash", "zsh", "fish"}; }
 
+/// An ending stands for its form as well as the name does.
+bool is_form(std::string_view word) { return report::form_by_name(word) != nullptr; }
+
 constexpr OptionRow kRows[] = {
     {Section::Input, "-d,--dictionary", "FILE", Takes::File,
      "labels, formats and value labels, as a Table Schema JSON file", &Options::dictionary},
@@ -41,7 +44,7 @@ constexpr OptionRow kRows[] = {
     {Section::Output, "-f,--format", "FORM", Takes::Word,
      "the form of an output whose ending tells none, or of the only output; of several reports, "
      "one of their forms",
-     &Options::forms, &form_names},
+     &Options::forms, &form_names, 0, 0, &is_form},
     {Section::Output, "--journal", "FILE", Takes::File, "write the host call journal",
      &Options::journal},
 
@@ -173,7 +176,8 @@ void check_word(const OptionRow& row, const std::string& word) {
   }
   if (row.words == nullptr) return;
   const Words words = row.words();
-  if (std::ranges::find(words, word) == words.end()) refuse_word(row, words, word);
+  const bool known = std::ranges::find(words, word) != words.end();
+  if (!known && (row.also == nullptr || !row.also(word))) refuse_word(row, words, word);
 }
 
 double number_of(const OptionRow& row, const std::string& text, bool whole) {

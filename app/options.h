@@ -65,6 +65,7 @@ struct OptionRow {
   std::vector<std::string_view> (*words)() = nullptr;  ///< of `Takes::Word`: those it can be
   double least = 0;                                    ///< of `Takes::Number`
   double most = 0;
+  bool (*also)(std::string_view) = nullptr;  ///< of `Takes::Word`: whether it can be another, too
 
   /// "-o", or nothing.
   std::string_view short_name() const;

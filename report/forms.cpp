@@ -30,6 +30,11 @@ size_t fitting_ending(std::string_view list, std::string_view name) {
 
 const Form* form_by_name(std::string_view name) {
   const Form* found = std::ranges::find(kForms, name, &Form::name);
+  if (found != std::end(kForms)) return found;
+  const std::string ending = "." + std::string(name);
+  found = std::ranges::find_if(kForms, [&](const Form& form) {
+    return !name.empty() && fitting_ending(form.endings, ending) == ending.size();
+  });
   return found == std::end(kForms) ? nullptr : found;
 }
 

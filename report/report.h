@@ -102,7 +102,7 @@ inline constexpr Form kForms[] = {
     {"vl.json", ".vl.json", &render_vega, &render_vega_folder},
 };
 
-/// The form of that name, or null. Case matters.
+/// The form of that name, or of that ending without its dot ("md"); null for none. Case matters.
 const Form* form_by_name(std::string_view name);
 
 /// The form for a file name or a bare ending (".html"), or null; of two endings that fit the longer

@@ -56,7 +56,9 @@ TEST_CASE("each form writes the sample documents as in the golden files") {
 
 TEST_CASE("forms are found by their name and by a file's ending") {
   CHECK(report::form_by_name("json")->endings == ".json");
+  CHECK(report::form_by_name("txt")->name == "text");
   CHECK(report::form_by_name("JSON") == nullptr);
+  CHECK(report::form_by_name("a.json") == nullptr);
   CHECK(report::form_by_name("") == nullptr);
   CHECK(report::form_by_ending("a.b/report.HTM")->name == "html");
   CHECK(report::form_by_ending(".txt")->name == "text");
