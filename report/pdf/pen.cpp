@@ -10,6 +10,19 @@
 #include "report/chart/metrics.h"
 #include "report/picture/picture.h"
 
+#ifdef __SANITIZE_ADDRESS__
+/// What these libraries keep of the fonts' configuration and of each PDF until the process ends,
+/// and that nothing is said of it. The names are the sanitizer's.
+// NOLINTBEGIN(bugprone-reserved-identifier)
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() {
+  return "leak:libfontconfig\nleak:libcairo\n";
+}
+extern "C" const char* __lsan_default_options();
+extern "C" const char* __lsan_default_options() { return "print_suppressions=0"; }
+// NOLINTEND(bugprone-reserved-identifier)
+#endif
+
 namespace hierfit::report::pdf {
 namespace {
 
@@ -112,7 +125,10 @@ cairo_scaled_font_t* scaled_font_of(PangoContext* context) {
 
 Pen::Pen(bool draws, bool right_to_left, const std::string& title)
     : draws_(draws), right_to_left_(right_to_left) {
-  pango_ = pango_font_map_create_context(pango_cairo_font_map_get_default());
+  // The default one would live until the end of the process.
+  PangoFontMap* fonts = pango_cairo_font_map_new();
+  pango_ = pango_font_map_create_context(fonts);
+  g_object_unref(fonts);
   pango_cairo_context_set_resolution(pango_, 72);
   pango_context_set_round_glyph_positions(pango_, FALSE);
   cairo_font_options_t* options = cairo_font_options_create();
