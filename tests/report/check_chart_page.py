@@ -53,7 +53,15 @@ class Browser:
     """A headless browser, driven by its driver's plain HTTP."""
 
     def __init__(self, folder):
-        self.driver = subprocess.Popen(["chromedriver", "--port=0"], stdout=subprocess.PIPE, text=True)
+        self.driver = subprocess.Popen(["chromedriver", "--port=0"], stdout=subprocess.PIPE,
+                                       stderr=subprocess.DEVNULL, text=True)
+        try:
+            self.start(folder)
+        except BaseException:
+            self.driver.kill()
+            raise
+
+    def start(self, folder):
         port = None
         while port is None:
             line = self.driver.stdout.readline()
@@ -71,7 +79,8 @@ class Browser:
         data = None if content is None else json.dumps(content).encode()
         request = urllib.request.Request(self.url + path, data, {"Content-Type": "application/json"},
                                          method=method)
-        with urllib.request.build_opener(urllib.request.ProxyHandler({})).open(request) as answer:
+        opener = urllib.request.build_opener(urllib.request.ProxyHandler({}))
+        with opener.open(request, timeout=120) as answer:
             return json.load(answer)["value"]
 
     def run(self, script, *arguments):
