@@ -9,6 +9,7 @@
 #include "report/chart/metadata.h"
 #include "report/chart/plan.h"
 #include "report/chart/svg.h"
+#include "report/file_name.h"
 #include "report/picture/picture.h"
 
 namespace hierfit::report {
@@ -41,23 +42,6 @@ double width_of(const Options& options) {
 
 double scale_of(const Options& options) {
   return std::clamp(options.resolution, 1.0, 10'000.0) / kPixelsPerInch;
-}
-
-/// "predicted-by-observed" of "predictedByObserved".
-std::string kebab(std::string_view kind) {
-  std::string name;
-  for (const char c : kind) {
-    const bool upper = c >= 'A' && c <= 'Z';
-    if (!upper && !(c >= 'a' && c <= 'z') && !(c >= '0' && c <= '9')) continue;
-    if (upper && !name.empty()) name += '-';
-    name += upper ? static_cast<char>(c - 'A' + 'a') : c;
-  }
-  return name.empty() ? "chart" : name;
-}
-
-std::string padded(size_t number, size_t width) {
-  const std::string digits = std::to_string(number);
-  return std::string(width - std::min(width, digits.size()), '0') + digits;
 }
 
 /// Appends the picture of a chart with its data, of less than a megabyte; gives its scene.
@@ -156,10 +140,9 @@ std::vector<File> render_charts(const Document& document,
                                 const ChartForm& form,
                                 const Options& options) {
   const std::vector<const Chart*> charts = charts_of(document);
-  const size_t width = std::max<size_t>(2, std::to_string(charts.size()).size());
   std::vector<File> files;
   for (size_t i = 0; i < charts.size(); ++i) {
-    std::string name = padded(i + 1, width) + "-" + kebab(charts[i]->kind);
+    std::string name = file_name(i + 1, charts.size(), charts[i]->kind, "chart");
     files.push_back({name.append(form.ending), form.render(*charts[i], document, options)});
   }
   return files;

@@ -146,6 +146,19 @@ uint8_t decimals_for(double value, const output::ChartFormat& format) {
   return format.decimals == 0 && value != std::floor(value) ? kDecimalsOfMeans : format.decimals;
 }
 
+bool names_row(std::string_view value, const output::ChartColumn& values, size_t row) {
+  switch (values.kind(row)) {
+    case output::ChartColumn::Kind::Unset:
+      return false;
+    case output::ChartColumn::Kind::Number:
+      return output::names_value(value, values.number(row));
+    case output::ChartColumn::Kind::Text:
+      return output::names_value(value, values.text(row)) ||
+             output::names_value(value, output::plain_text(values.text(row)));
+  }
+  return false;
+}
+
 }  // namespace
 
 bool is_number(double value) { return std::isfinite(value) && value != output::kSystemMissing; }
@@ -240,6 +253,14 @@ std::string shown_in_panel(const BoundElement& element,
   }
   if (text.size() > panel.size() && text.starts_with(panel)) text.erase(0, panel.size());
   return text;
+}
+
+bool is_hidden(const LineGuide& guide, const Panel& panel) {
+  return std::ranges::any_of(guide.hidden.clauses(), [&](const auto& clause) {
+    const ChartVariable* variable =
+        panel.source == nullptr ? nullptr : panel.source->by_role(clause.name);
+    return variable != nullptr && !names_row(clause.value, variable->values, panel.at_row);
+  });
 }
 
 std::string with_arguments(std::string_view pattern, const std::vector<std::string>& arguments) {
@@ -337,7 +358,10 @@ std::string Binding::tooltip_of(const BoundElement& element, size_t row, size_t 
   std::string text;
   for (const auto& [variable, words] : element.tooltip) {
     if (!has_value(*variable, row) && !has_value(*variable, partner)) continue;
-    const std::string value = shown_pair(*variable, row, partner, numbers);
+    const bool is_name = variable == element[RoleKind::Key] || variable == element[RoleKind::Label];
+    const std::string value = is_name && row == partner
+                                  ? shown_in_panel(element, *variable, row, *this)
+                                  : shown_pair(*variable, row, partner, numbers);
     if (value.empty()) continue;
     if (!text.empty()) text += '\n';
     if (!words.empty()) {

@@ -138,6 +138,9 @@ std::string shown_pair(const ChartVariable& variable,
                        size_t partner,
                        const output::NumberStyle& style);
 
+/// Whether a panel does without a guide: one of its facets has another value than the guide names.
+bool is_hidden(const LineGuide& guide, const Panel& panel);
+
 /// A text of the chart's own, "0.05 \u2264 p < 0.1", with its numbers written in the marks of
 /// `style`.
 std::string with_marks(std::string_view text, const output::NumberStyle& style);

@@ -9,27 +9,6 @@ namespace {
 constexpr double kWidth = 1.5;
 constexpr const char* kDash = "7 4";
 
-bool names_row(std::string_view value, const output::ChartColumn& values, size_t row) {
-  switch (values.kind(row)) {
-    case output::ChartColumn::Kind::Unset:
-      return false;
-    case output::ChartColumn::Kind::Number:
-      return output::names_value(value, values.number(row));
-    case output::ChartColumn::Kind::Text:
-      return output::names_value(value, values.text(row)) ||
-             output::names_value(value, output::plain_text(values.text(row)));
-  }
-  return false;
-}
-
-bool is_hidden(const LineGuide& guide, const Panel& panel) {
-  return std::ranges::any_of(guide.hidden.clauses(), [&](const auto& clause) {
-    const ChartVariable* variable =
-        panel.source == nullptr ? nullptr : panel.source->by_role(clause.name);
-    return variable != nullptr && !names_row(clause.value, variable->values, panel.at_row);
-  });
-}
-
 void put(std::vector<Mark>& marks, const PanelFrame& frame, Point from, Point to) {
   // Over many points it has to stand out from them.
   Mark mark = rule_mark(from, to, {frame.crowded ? Part::Text : Part::Guide}, kWidth);

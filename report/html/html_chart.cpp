@@ -167,7 +167,9 @@ class HtmlChart {
   void write_line(const std::vector<DataColumn>& columns, size_t row, size_t partner) {
     out_ += "<tr>";
     for (const auto& [variable, title, text] : columns) {
-      out_ += text ? "<td class=\"t\">" : "<td>";
+      out_ += text ? "<td class=\"t\"" : "<td";
+      if (row == partner) write_value(*variable, row);
+      out_ += '>';
       if (chart::has_value(*variable, row) || chart::has_value(*variable, partner)) {
         append_lines(out_, chart::shown_pair(*variable, row, partner, style_));
       } else {
@@ -178,6 +180,16 @@ class HtmlChart {
       out_ += "</td>";
     }
     out_ += "</tr>\n";
+  }
+
+  /// The whole number, where the cell shows one.
+  void write_value(const ChartVariable& variable, size_t row) {
+    if (variable.values.kind(row) != output::ChartColumn::Kind::Number) return;
+    const double value = variable.values.number(row);
+    if (!chart::is_number(value) || variable.label_of(value) != nullptr) return;
+    out_ += " data-value=\"";
+    append_double(out_, value);
+    out_ += '"';
   }
 
   /// The variables that mean something to a reader: not those that only place nodes and edges.

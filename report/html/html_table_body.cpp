@@ -1,7 +1,5 @@
 // Writes one table as HTML: its body.
 #include <algorithm>
-#include <array>
-#include <charconv>
 
 #include "report/html/html_table_writer.h"
 #include "report/html/markup.h"
@@ -21,12 +19,6 @@ constexpr uint32_t kLongestPlainGap = 50;
 
 /// The deepest indent that the style sheet knows.
 constexpr uint32_t kDeepestIndent = 4;
-
-/// A finite double in the fewest digits that read back as itself.
-void append_value(std::string& out, double value) {
-  std::array<char, 32> digits;
-  out.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr);
-}
 
 }  // namespace
 
@@ -180,7 +172,7 @@ void HtmlTable::write_cell(const AlignedCell& cell, const PlacedCell& placed) {
   if (named_) write_headers(placed.column);
   if (cell.kind == CellKind::Number) {
     out_ += " data-value=\"";
-    append_value(out_, cell.value);
+    append_double(out_, cell.value);
     out_ += '"';
   }
   out_ += '>';

@@ -60,6 +60,11 @@ void append_number(std::string& out, uint32_t number) {
              std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr);
 }
 
+void append_double(std::string& out, double value) {
+  std::array<char, 32> digits;
+  out.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr);
+}
+
 void append_span(std::string& out, std::string_view attribute, uint32_t span) {
   if (span < 2) return;
   (((out += ' ') += attribute) += "=\"");

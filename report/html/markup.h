@@ -18,6 +18,9 @@ void append_text(std::string& out, const output::Text& text, const output::Numbe
 
 void append_number(std::string& out, uint32_t number);
 
+/// A finite double in the fewest digits that read back as itself.
+void append_double(std::string& out, double value);
+
 /// An attribute that says how many columns or rows a cell covers; nothing for one.
 void append_span(std::string& out, std::string_view attribute, uint32_t span);
 

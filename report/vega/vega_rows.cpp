@@ -39,18 +39,6 @@ struct Place {
   double y = 0;
 };
 
-bool is_hidden(const LineGuide& guide, const Panel& panel) {
-  return std::ranges::any_of(guide.hidden.clauses(), [&](const auto& clause) {
-    const ChartVariable* variable =
-        panel.source == nullptr ? nullptr : panel.source->by_role(clause.name);
-    if (variable == nullptr || !chart::has_value(*variable, panel.at_row))
-      return variable != nullptr;
-    return variable->values.kind(panel.at_row) == output::ChartColumn::Kind::Text
-               ? !output::names_value(clause.value, variable->values.text(panel.at_row))
-               : !output::names_value(clause.value, variable->values.number(panel.at_row));
-  });
-}
-
 /// Nodes by their keys, on a circle from the top.
 class CirclePlaces {
  public:
@@ -91,7 +79,7 @@ class GraphRows {
     }
     for (uint32_t panel = 0; panel < binding_.panels.size(); ++panel) {
       for (const LineGuide& guide : binding_.graph.guides) {
-        if (!is_hidden(guide, binding_.panels[panel])) write_guide(guide, panel);
+        if (!chart::is_hidden(guide, binding_.panels[panel])) write_guide(guide, panel);
       }
     }
     return facts_;
