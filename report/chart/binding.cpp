@@ -237,16 +237,17 @@ std::string with_marks(std::string_view text, const output::NumberStyle& style) 
   return marked;
 }
 
-std::string shown_in_panel(const BoundElement& element,
+std::string shown_in_panel(const output::ChartSource& source,
+                           const Graph& graph,
                            const ChartVariable& variable,
                            size_t row,
-                           const Binding& binding) {
-  std::string text = shown_value(variable, row, binding.numbers);
+                           const output::NumberStyle& style) {
+  std::string text = shown_value(variable, row, style);
   const bool is_text = variable.values.kind(row) == Kind::Text;
   if (!is_text || variable.label_of(variable.values.text(row)) != nullptr) return text;
   std::string panel;
-  for (const Facet& facet : binding.graph.facets) {
-    const ChartVariable* of_facet = element.source->by_role(facet.variable);
+  for (const Facet& facet : graph.facets) {
+    const ChartVariable* of_facet = source.by_role(facet.variable);
     if (of_facet != nullptr && of_facet->values.kind(row) == Kind::Text) {
       panel += output::plain_text(of_facet->values.text(row));
     }
@@ -360,7 +361,7 @@ std::string Binding::tooltip_of(const BoundElement& element, size_t row, size_t 
     if (!has_value(*variable, row) && !has_value(*variable, partner)) continue;
     const bool is_name = variable == element[RoleKind::Key] || variable == element[RoleKind::Label];
     const std::string value = is_name && row == partner
-                                  ? shown_in_panel(element, *variable, row, *this)
+                                  ? shown_in_panel(*element.source, graph, *variable, row, numbers)
                                   : shown_pair(*variable, row, partner, numbers);
     if (value.empty()) continue;
     if (!text.empty()) text += '\n';

@@ -147,10 +147,11 @@ std::string with_marks(std::string_view text, const output::NumberStyle& style);
 
 /// What a row of a variable shows without what only repeats its panel: a key, not a label, tells
 /// panels apart by having the values of their facets ahead.
-std::string shown_in_panel(const BoundElement& element,
+std::string shown_in_panel(const output::ChartSource& source,
+                           const Graph& graph,
                            const ChartVariable& variable,
                            size_t row,
-                           const Binding& binding);
+                           const output::NumberStyle& style);
 
 /// The pattern with "^1", "^2", ... replaced by the arguments, in one pass.
 std::string with_arguments(std::string_view pattern, const std::vector<std::string>& arguments);

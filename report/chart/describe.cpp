@@ -195,7 +195,7 @@ class Description {
       const ChartVariable* end = edges[kind];
       if (end == nullptr) continue;
       if (!pair.empty()) pair += " \u2013 ";
-      pair += shown_in_panel(edges, *end, row, binding_);
+      pair += shown_in_panel(*edges.source, binding_.graph, *end, row, binding_.numbers);
     }
     return binding_.panels.size() > 1 ? pair + panel_of(edges, row) : pair;
   }

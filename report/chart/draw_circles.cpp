@@ -217,7 +217,9 @@ class Circles {
 
   std::string label_of_node(const CircleNode& node) const {
     const ChartVariable* label = (*node.element)[RoleKind::Label];
-    return label == nullptr ? "" : shown_in_panel(*node.element, *label, node.row, binding_);
+    if (label == nullptr) return {};
+    return shown_in_panel(*node.element->source, binding_.graph, *label, node.row,
+                          binding_.numbers);
   }
 
   /// Labels beside their nodes in lines. False when two of them would touch.

@@ -1,6 +1,7 @@
 #include "report/html/html_chart.h"
 
 #include <algorithm>
+#include <array>
 #include <set>
 
 #include "report/chart/binding.h"
@@ -37,6 +38,7 @@ struct DataColumn {
   const ChartVariable* variable;
   std::string title;
   bool text;
+  bool names;  ///< whether its values are keys of nodes, which begin with the values of the panel
 };
 
 class HtmlChart {
@@ -153,7 +155,7 @@ class HtmlChart {
     }
     out_ += "</tr>\n</thead>\n<tbody>\n";
     for (size_t line = 0; line < std::min(lines, kMostRows); ++line)
-      write_line(columns, line * step, step == 2 ? line * step + 1 : line * step);
+      write_line(source, columns, line * step, step == 2 ? line * step + 1 : line * step);
     out_ += "</tbody>\n</table>\n</div>\n";
     if (lines > kMostRows) write_rest(lines);
   }
@@ -164,14 +166,19 @@ class HtmlChart {
         {std::to_string(kMostRows), std::to_string(lines)}));
   }
 
-  void write_line(const std::vector<DataColumn>& columns, size_t row, size_t partner) {
+  void write_line(const ChartSource& source,
+                  const std::vector<DataColumn>& columns,
+                  size_t row,
+                  size_t partner) {
     out_ += "<tr>";
-    for (const auto& [variable, title, text] : columns) {
+    for (const auto& [variable, title, text, names] : columns) {
       out_ += text ? "<td class=\"t\"" : "<td";
       if (row == partner) write_value(*variable, row);
       out_ += '>';
       if (chart::has_value(*variable, row) || chart::has_value(*variable, partner)) {
-        append_lines(out_, chart::shown_pair(*variable, row, partner, style_));
+        append_lines(out_, names
+                               ? chart::shown_in_panel(source, plan_.graph, *variable, row, style_)
+                               : chart::shown_pair(*variable, row, partner, style_));
       } else {
         out_ += "<span class=\"v\">";
         append_escaped(out_, document_.word("missing"));
@@ -198,9 +205,20 @@ class HtmlChart {
     for (const ChartVariable& variable : source.variables) {
       if (variable.values.rows() == 0) continue;
       std::string title = title_of(source, variable);
-      if (!title.empty()) columns.push_back({&variable, std::move(title), variable.categorical});
+      if (title.empty()) continue;
+      columns.push_back({&variable, std::move(title), variable.categorical, names_nodes(variable)});
     }
     return columns;
+  }
+
+  bool names_nodes(const ChartVariable& variable) const {
+    using chart::RoleKind;
+    return std::ranges::any_of(plan_.graph.elements, [&](const chart::Element& element) {
+      return std::ranges::any_of(
+          std::array{RoleKind::Key, RoleKind::From, RoleKind::To}, [&](RoleKind kind) {
+            return element.roles.of[static_cast<size_t>(kind)].variable == variable.role;
+          });
+    });
   }
 
   /// The label of a variable, else a word for what it is in the chart; empty when it is nothing.
