@@ -19,17 +19,25 @@ bool is_folder(const std::string& path) {
   return path.ends_with('/') || std::filesystem::is_directory(path, unknown);
 }
 
-Output output_of(const std::string& path, const Options& options) {
+/// The form of an output: the one that is named, unless its own ending tells another.
+const report::Form& form_of(const std::string& path, const Options& options) {
   const report::Form* named =
       options.forms.empty() ? nullptr : report::form_by_name(options.forms[0]);
-  const bool folder = is_folder(path) && named != nullptr && named->render_folder != nullptr;
   const report::Form* by_ending = report::form_by_ending(path);
-  if (named != nullptr && (by_ending == nullptr || options.outputs.size() == 1)) {
-    return {path, named, folder};
-  }
-  if (by_ending != nullptr) return {path, by_ending};
-  if (path == kStandardStream) return {path, report::form_by_name("text")};
+  if (named != nullptr && (by_ending == nullptr || options.outputs.size() == 1)) return *named;
+  if (by_ending != nullptr) return *by_ending;
+  if (path == kStandardStream) return *report::form_by_name("text");
   throw UsageError("the ending of \"" + path + "\" tells no form; say it with --format");
+}
+
+Output output_of(const std::string& path, const Options& options) {
+  const report::Form& form = form_of(path, options);
+  const bool folder = is_folder(path);
+  if (folder && form.render_folder == nullptr) {
+    throw UsageError("\"" + path + "\" is a folder, and the form " + std::string(form.name) +
+                     " is one file");
+  }
+  return {path, &form, folder};
 }
 
 std::vector<Output> outputs_of(const Options& options) {

@@ -153,7 +153,7 @@ TEST_CASE("a failure is one sentence with its file, and a status") {
       {"-o " + at + "no/r.html " + model + result, 2,
        "hierfit: " + at + "no/r.html: cannot be written: No such file or directory"},
       {"-o " + at + " --format html " + model + result, 2,
-       "hierfit: " + at + ": cannot be written: Is a directory"},
+       "hierfit: \"" + at + "\" is a folder, and the form html is one file. Try "},
       {"", 2, "hierfit: a model document and a result document are needed. Try 'hierfit --help'"},
       {model + result + " third", 2,
        "hierfit: \"third\" needs a result document behind it. Try 'hierfit --help'"},
