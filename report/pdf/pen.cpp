@@ -10,19 +10,6 @@
 #include "report/chart/metrics.h"
 #include "report/picture/picture.h"
 
-#ifdef __SANITIZE_ADDRESS__
-/// What these libraries keep of the fonts' configuration and of each PDF until the process ends,
-/// and that nothing is said of it. The names are the sanitizer's.
-// NOLINTBEGIN(bugprone-reserved-identifier)
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() {
-  return "leak:libfontconfig\nleak:libcairo\n";
-}
-extern "C" const char* __lsan_default_options();
-extern "C" const char* __lsan_default_options() { return "print_suppressions=0"; }
-// NOLINTEND(bugprone-reserved-identifier)
-#endif
-
 namespace hierfit::report::pdf {
 namespace {
 
