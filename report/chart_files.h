@@ -25,7 +25,7 @@ std::string pdf_of_chart(const output::Chart& chart,
                          const output::Document& document,
                          const Options& options);
 
-/// The chart as a Vega-Lite specification with its data.
+/// The chart for Vega-Lite, with its data.
 std::string vega_of_chart(const output::Chart& chart,
                           const output::Document& document,
                           const Options& options);

@@ -58,7 +58,7 @@ std::string render_pdf(const output::Document& document, const Options& options)
 /// The chart that the options name, or all of them beneath one another, as a vector picture; with
 /// their data. Throws `std::out_of_range` when there is no chart of that number.
 std::string render_svg(const output::Document& document, const Options& options);
-/// The same as a Vega-Lite specification, with all charts beneath one another.
+/// The same for Vega-Lite, with all charts beneath one another.
 std::string render_vega(const output::Document& document, const Options& options);
 /// The same as a grid of points.
 std::string render_png(const output::Document& document, const Options& options);

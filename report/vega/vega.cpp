@@ -1,4 +1,4 @@
-// The Vega-Lite form: each chart as a specification with its data, for notebooks and editors.
+// The Vega-Lite form: each chart as JSON with its data, for notebooks and editors.
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
@@ -57,7 +57,7 @@ Json lines_of(std::string_view text) {
   }
 }
 
-/// The looks of a specification as a whole.
+/// The looks of a chart as a whole.
 Json config() { return {{"view", {{"stroke", nullptr}}}, {"legend", {{"symbolOpacity", 1}}}}; }
 
 /// A layer's share of the rows.
@@ -65,10 +65,10 @@ Json only(std::string_view part) {
   return Json::array({{{"filter", "datum.part === '" + std::string(part) + "'"}}});
 }
 
-/// The specification of one chart, without its data.
-class Spec {
+/// One chart, without its data.
+class VegaChart {
  public:
-  Spec(const Chart& chart, const Document& document)
+  VegaChart(const Chart& chart, const Document& document)
       : chart_(chart),
         document_(document),
         plan_(chart::read_plan(chart)),
@@ -458,7 +458,7 @@ std::string spec_of_nothing(const Document& document) {
 }  // namespace
 
 std::string vega_of_chart(const Chart& chart, const Document& document, const Options&) {
-  return Spec(chart, document).write(true) + '\n';
+  return VegaChart(chart, document).write(true) + '\n';
 }
 
 std::string render_vega(const Document& document, const Options& options) {
@@ -479,7 +479,7 @@ std::string render_vega(const Document& document, const Options& options) {
   out += ",\n\"vconcat\": [\n";
   for (const Chart* chart : charts) {
     if (chart != charts.front()) out += ",\n";
-    out += Spec(*chart, document).write(false);
+    out += VegaChart(*chart, document).write(false);
   }
   return out += "\n]\n}\n";
 }

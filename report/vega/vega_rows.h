@@ -1,4 +1,4 @@
-// The data of a Vega-Lite specification: one list of rows for all that it draws.
+// The data of a Vega-Lite chart: one list of rows for all that it draws.
 #pragma once
 
 #include <map>

@@ -90,7 +90,7 @@ TEST_CASE("LaTeX lines numbers up, merges heads, and has no command that a label
   }
 }
 
-TEST_CASE("a chart as a Vega-Lite specification") {
+TEST_CASE("a chart for Vega-Lite") {
   using nlohmann::json;
   const auto spec_of = [](output::Chart chart) {
     output::Document document;
