@@ -98,12 +98,7 @@ std::string stacked_svg(const std::vector<const Chart*>& charts,
 
 /// The chart that the options ask for, or all of them.
 std::string svg_of_document(const Document& document, const Options& options) {
-  const std::vector<const Chart*> charts = charts_of(document);
-  if (options.chart > charts.size()) {
-    throw std::out_of_range("there is no chart " + std::to_string(options.chart) +
-                            ": the report has " + std::to_string(charts.size()));
-  }
-  if (options.chart > 0) return svg_of_chart(*charts[options.chart - 1], document, options);
+  const std::vector<const Chart*> charts = chosen_charts(document, options);
   if (charts.empty()) return svg_of_nothing(document);
   if (charts.size() == 1) return svg_of_chart(*charts.front(), document, options);
   return stacked_svg(charts, document, options);
@@ -134,6 +129,16 @@ std::vector<const Chart*> charts_of(const Document& document) {
   std::vector<const Chart*> charts;
   collect(document.content, charts);
   return charts;
+}
+
+std::vector<const Chart*> chosen_charts(const Document& document, const Options& options) {
+  const std::vector<const Chart*> charts = charts_of(document);
+  if (options.chart > charts.size()) {
+    throw std::out_of_range("there is no chart " + std::to_string(options.chart) +
+                            ": the report has " + std::to_string(charts.size()));
+  }
+  if (options.chart == 0) return charts;
+  return {charts[options.chart - 1]};
 }
 
 std::vector<File> render_charts(const Document& document,

@@ -50,6 +50,11 @@ const ChartForm* chart_form_by_name(std::string_view name);
 /// The charts of a document in its order.
 std::vector<const output::Chart*> charts_of(const output::Document& document);
 
+/// Those that `Options::chart` asks for: one, or all. Throws `std::out_of_range` when there is no
+/// chart of that number.
+std::vector<const output::Chart*> chosen_charts(const output::Document& document,
+                                                const Options& options);
+
 /// Every chart of a document as a file: "01-predicted-by-observed.svg". None without charts.
 std::vector<File> render_charts(const output::Document& document,
                                 const ChartForm& form,

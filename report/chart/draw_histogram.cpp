@@ -3,25 +3,15 @@
 #include <cmath>
 #include <map>
 
-#include "report/chart/distribution.h"
 #include "report/chart/panels.h"
 #include "report/chart/pieces.h"
+#include "report/chart/tally.h"
 
 namespace hierfit::report::chart {
 namespace {
 
-constexpr int kCategorical = 1;
-constexpr int kOrdinal = 2;
-constexpr double kMostBins = 60;
 constexpr double kNarrowestBar = 2;
-constexpr int kCurveSteps = 96;
 constexpr double kCurveRoom = 1.25;  ///< how far above the highest bar a curve may rise
-
-/// A value and how often it occurs.
-struct Count {
-  double value;
-  double weight;
-};
 
 class HistogramDrawing {
  public:
@@ -31,50 +21,27 @@ class HistogramDrawing {
                    const Box& box)
       : marks_(marks),
         binding_(binding),
-        embedded_(embedded),
         histogram_(*embedded.graph.histogram),
+        tally_(tally(embedded, binding.chart)),
         box_(box),
         font_{std::max(10.0, binding.font(Lettering::AxisLabel).size - 2), false} {}
 
   void draw() {
-    read_counts();
-    if (counts_.empty() || !(total_ > 0)) return;
+    if (tally_.weights.empty()) return;
     box_.height -= font_.line_height() + 3;
-    const bool categorical =
-        embedded_.field_type == kCategorical || embedded_.field_type == kOrdinal;
-    const std::map<double, double> values = by_value();
     // More values than there is room for bars are numbers like others.
-    const bool fit = static_cast<double>(values.size()) <= box_.width / kNarrowestBar;
-    categorical&& fit ? draw_values(values) : draw_bins();
+    const bool fit = static_cast<double>(tally_.weights.size()) <= box_.width / kNarrowestBar;
+    if (tally_.categorical && fit) {
+      draw_values(tally_.weights);
+    } else {
+      draw_bins();
+    }
     marks_.push_back(
         rule_mark({box_.x, box_.bottom()}, {box_.right(), box_.bottom()}, {Part::Axis}));
   }
 
  private:
-  void read_counts() {
-    const ChartSource* source = binding_.chart.source(embedded_.source);
-    if (source == nullptr) return;
-    variable_ = source->by_role(histogram_.variable);
-    const ChartVariable* weight = source->by_role(histogram_.weight);
-    if (variable_ == nullptr) return;
-    for (size_t row = 0; row < source->rows; ++row) {
-      const double value = number_at(variable_, row);
-      const double times = weight == nullptr ? 1 : number_at(weight, row);
-      if (!is_number(value) || !(times > 0)) continue;
-      counts_.push_back({value, times});
-      total_ += times;
-      range_.add(value);
-    }
-  }
-
   // Categories: a bar for each value.
-
-  std::map<double, double> by_value() const {
-    std::map<double, double> weights;
-    for (const Count& count : counts_)
-      weights[count.value] += count.weight;
-    return weights;
-  }
 
   void draw_values(const std::map<double, double>& values) {
     double most = 0;
@@ -100,19 +67,10 @@ class HistogramDrawing {
   // Numbers: bins of equal width.
 
   void draw_bins() {
-    const Range range = range_.proper();
-    const double wanted = histogram_.bins > 0
-                              ? static_cast<double>(histogram_.bins)
-                              : std::ceil(std::sqrt(static_cast<double>(counts_.size())));
-    const double bins = std::clamp(wanted, 1.0, std::min(kMostBins, std::floor(box_.width / 2)));
-    const double width = (range.high - range.low) / bins;
-    std::vector<double> heights(static_cast<size_t>(bins));
-    for (const Count& count : counts_) {
-      // A value at an edge, reckoned with rounding, belongs to the bin above.
-      const double place = std::floor((count.value - range.low) / width + 1e-9);
-      heights[static_cast<size_t>(std::clamp(place, 0.0, bins - 1))] += count.weight;
-    }
-    const std::vector<double> curve = curve_over(range, total_ * width);
+    const Range range = tally_.range.proper();
+    const std::vector<double> heights = bins_of(tally_, histogram_, std::floor(box_.width / 2));
+    const double width = (range.high - range.low) / static_cast<double>(heights.size());
+    const std::vector<double> curve = curve_of(tally_, histogram_, tally_.total * width);
     const double highest = *std::ranges::max_element(heights);
     double top = highest;
     for (const double height : curve)
@@ -134,33 +92,13 @@ class HistogramDrawing {
     }
   }
 
-  /// The curve at equal steps over the range; empty when there is none.
-  std::vector<double> curve_over(const Range& range, double area) const {
-    if (!histogram_.curve) return {};
-    double mean = 0;
-    for (const Count& count : counts_)
-      mean += count.value * (count.weight / total_);
-    double squares = 0;
-    for (const Count& count : counts_)
-      squares += (count.value - mean) * (count.value - mean) * count.weight;
-    const auto density =
-        density_of(*histogram_.curve, mean, std::sqrt(squares / std::max(total_ - 1, 1.0)));
-    if (!density) return {};
-    std::vector<double> curve;
-    for (int i = 0; i <= kCurveSteps; ++i) {
-      const double height = density(range.low + (range.high - range.low) * i / kCurveSteps) * area;
-      curve.push_back(std::isnan(height) ? 0 : height);
-    }
-    return curve;
-  }
-
   void draw_curve(const std::vector<double>& curve, double top) {
     if (curve.empty()) return;
     std::vector<Point> points;
     for (size_t i = 0; i < curve.size(); ++i) {
       const double share = std::clamp(curve[i] / top, 0.0, 1.0);
-      points.push_back({box_.x + box_.width * static_cast<double>(i) / kCurveSteps,
-                        box_.bottom() - share * box_.height});
+      const double along = static_cast<double>(i) / static_cast<double>(curve.size() - 1);
+      points.push_back({box_.x + box_.width * along, box_.bottom() - share * box_.height});
     }
     marks_.push_back(path_mark(std::move(points), {Part::Curve}, 2));
   }
@@ -168,7 +106,7 @@ class HistogramDrawing {
   void draw_range_labels(const Range& range) {
     const LinearScale scale(range, 0, box_.width);
     for (const TickLabel& label :
-         number_labels(binding_, variable_, scale, box_.width * 1.4, font_, true)) {
+         number_labels(binding_, tally_.variable, scale, box_.width * 1.4, font_, true)) {
       const double half = text_width(label.text, font_) / 2;
       const double x = box_.x + label.at;
       marks_.push_back(rule_mark({x, box_.bottom()}, {x, box_.bottom() + 3}, {Part::Axis}));
@@ -178,7 +116,7 @@ class HistogramDrawing {
   }
 
   std::string shown(double value) const {
-    return shown_number(*variable_, value, binding_.numbers);
+    return shown_number(*tally_.variable, value, binding_.numbers);
   }
 
   void draw_bar(double x, double width, double share, const std::string& value, double weight) {
@@ -198,14 +136,10 @@ class HistogramDrawing {
 
   std::vector<Mark>& marks_;
   const Binding& binding_;
-  const Embedded& embedded_;
   const Histogram& histogram_;
+  const Tally tally_;
   Box box_;
   Font font_;
-  const ChartVariable* variable_ = nullptr;
-  std::vector<Count> counts_;
-  double total_ = 0;
-  Range range_;
 };
 
 }  // namespace

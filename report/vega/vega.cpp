@@ -80,24 +80,24 @@ class VegaChart {
   std::string write(bool whole) {
     vega::Rows rows;
     facts_ = vega::append_rows(rows, binding_);
-    Json spec;
-    if (whole) spec["$schema"] = kSchema;
-    write_texts(spec);
+    Json top;
+    if (whole) top["$schema"] = kSchema;
+    write_texts(top);
     const chart::Embedded* histogram = embedded_histogram();
     if (histogram != nullptr) histogram_ = vega::append_histogram(rows, binding_, *histogram);
     if (!histogram_.bars) {
-      spec.update(graph());
+      top.update(graph());
     } else {
-      spec["hconcat"] = Json::array({graph(), histogram_of(*histogram)});
+      top["hconcat"] = Json::array({graph(), histogram_of(*histogram)});
     }
-    if (whole) spec["config"] = config();
-    std::string text = spec.dump(2, ' ', false, Json::error_handler_t::replace);
+    if (whole) top["config"] = config();
+    std::string text = top.dump(2, ' ', false, Json::error_handler_t::replace);
     text.erase(text.rfind('\n'));
     return text + ",\n  \"data\": {\"values\": [\n" + rows.take() + "\n]}\n}";
   }
 
  private:
-  void write_texts(Json& spec) const {
+  void write_texts(Json& top) const {
     const chart::Texts& texts = plan_.texts;
     Json title = {{"text", lines_of(chart_.title.empty() ? texts.title : chart_.title)},
                   {"anchor", "start"}};
@@ -107,8 +107,8 @@ class VegaChart {
       below += note;
     }
     if (!below.empty()) title["subtitle"] = lines_of(below);
-    spec["title"] = std::move(title);
-    spec["description"] = clean(describe_chart(chart_, document_));
+    top["title"] = std::move(title);
+    top["description"] = clean(describe_chart(chart_, document_));
   }
 
   const chart::Embedded* embedded_histogram() const {
@@ -448,11 +448,11 @@ class VegaChart {
   vega::HistogramFacts histogram_;
 };
 
-std::string spec_of_nothing(const Document& document) {
-  const Json spec = {{"$schema", kSchema},
-                     {"data", {{"values", Json::array({Json::object()})}}},
-                     {"mark", {{"type", "text"}, {"text", clean(document.word("No charts"))}}}};
-  return spec.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+std::string chart_of_nothing(const Document& document) {
+  const Json top = {{"$schema", kSchema},
+                    {"data", {{"values", Json::array({Json::object()})}}},
+                    {"mark", {{"type", "text"}, {"text", clean(document.word("No charts"))}}}};
+  return top.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
 }
 
 }  // namespace
@@ -462,13 +462,8 @@ std::string vega_of_chart(const Chart& chart, const Document& document, const Op
 }
 
 std::string render_vega(const Document& document, const Options& options) {
-  const std::vector<const Chart*> charts = charts_of(document);
-  if (options.chart > charts.size()) {
-    throw std::out_of_range("there is no chart " + std::to_string(options.chart) +
-                            ": the report has " + std::to_string(charts.size()));
-  }
-  if (options.chart > 0) return vega_of_chart(*charts[options.chart - 1], document, options);
-  if (charts.empty()) return spec_of_nothing(document);
+  const std::vector<const Chart*> charts = chosen_charts(document, options);
+  if (charts.empty()) return chart_of_nothing(document);
   if (charts.size() == 1) return vega_of_chart(*charts.front(), document, options);
   Json own;
   for (const std::string_view scale : {"color", "shape", "opacity", "strokeWidth"})

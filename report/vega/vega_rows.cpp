@@ -6,8 +6,8 @@
 #include <numbers>
 #include <set>
 
-#include "report/chart/distribution.h"
 #include "report/chart/panels.h"
+#include "report/chart/tally.h"
 #include "report/json/json_text.h"
 #include "report/outline.h"
 
@@ -29,15 +29,25 @@ namespace {
 /// By kind of element.
 constexpr std::string_view kPartNames[] = {"point", "line", "interval", "edge", "node", "text"};
 
-constexpr int kCategorical = 1;
-constexpr int kOrdinal = 2;
 constexpr double kMostBins = 60;
-constexpr int kCurveSteps = 96;
+/// How far above the highest bar a curve may rise.
+constexpr double kCurveRoom = 1.25;
 
 struct Place {
   double x = 0;
   double y = 0;
 };
+
+/// Calls `use` with each panel that a row stands in: that of its facets, or all of them.
+template <class Use>
+void for_panels(const Binding& binding, const BoundElement& element, size_t row, Use use) {
+  const auto panels = static_cast<uint32_t>(binding.panels.size());
+  const bool everywhere = element.panel_of_row.empty();
+  const uint32_t first = everywhere ? 0 : element.panel_of_row[row];
+  const uint32_t end = everywhere || first >= panels ? panels : first + 1;
+  for (uint32_t panel = first; panel < end; ++panel)
+    use(panel);
+}
 
 /// Nodes by their keys, on a circle from the top.
 class CirclePlaces {
@@ -46,10 +56,9 @@ class CirclePlaces {
     for (const BoundElement& element : binding.elements) {
       const ChartVariable* key = element[RoleKind::Key];
       if (key == nullptr || element.element->kind != ElementKind::Node) continue;
-      for (uint32_t panel = 0; panel < keys_.size(); ++panel) {
-        for (size_t row = 0; row < element.rows(); ++row) {
-          if (element.in_panel(row, panel)) keys_[panel].add(*key, row, binding.numbers);
-        }
+      for (size_t row = 0; row < element.rows(); ++row) {
+        for_panels(binding, element, row,
+                   [&](uint32_t panel) { keys_[panel].add(*key, row, binding.numbers); });
       }
     }
   }
@@ -72,11 +81,8 @@ class GraphRows {
       : rows_(rows), binding_(binding), circle_(binding), x_(chart::horizontal_axis(binding)) {}
 
   DataFacts write() {
-    for (const BoundElement& element : binding_.elements) {
-      const auto panels = static_cast<uint32_t>(binding_.panels.size());
-      for (uint32_t panel = 0; panel < panels; ++panel)
-        write_element(element, panel);
-    }
+    for (const BoundElement& element : binding_.elements)
+      write_element(element);
     for (uint32_t panel = 0; panel < binding_.panels.size(); ++panel) {
       for (const LineGuide& guide : binding_.graph.guides) {
         if (!chart::is_hidden(guide, binding_.panels[panel])) write_guide(guide, panel);
@@ -86,14 +92,14 @@ class GraphRows {
   }
 
  private:
-  void write_element(const BoundElement& element, uint32_t panel) {
+  void write_element(const BoundElement& element) {
     const chart::Rows which = element.element->rows;
     const size_t step = which == chart::Rows::All ? 1 : 2;
     for (size_t row = which == chart::Rows::Second ? 1 : 0; row < element.rows(); row += step) {
-      if (!element.in_panel(row, panel)) continue;
       const bool paired = which == chart::Rows::Pairs;
       if (paired && row + 1 == element.rows()) continue;
-      write_row(element, row, paired ? row + 1 : row, panel);
+      for_panels(binding_, element, row,
+                 [&](uint32_t panel) { write_row(element, row, paired ? row + 1 : row, panel); });
     }
   }
 
@@ -226,62 +232,37 @@ class GraphRows {
   std::optional<Place> to_;
 };
 
-/// The values of a histogram, and how often they occur.
+/// The bars and the curve of a histogram.
 class HistogramRows {
  public:
   HistogramRows(Rows& rows, const Binding& binding, const chart::Embedded& embedded)
       : rows_(rows),
         binding_(binding),
-        embedded_(embedded),
-        histogram_(*embedded.graph.histogram) {}
+        histogram_(*embedded.graph.histogram),
+        tally_(chart::tally(embedded, binding.chart)) {}
 
   HistogramFacts write() {
-    const ChartSource* source = binding_.chart.source(embedded_.source);
-    variable_ = source == nullptr ? nullptr : source->by_role(histogram_.variable);
-    if (variable_ == nullptr) return {};
-    count(*source);
-    if (counts_.empty()) return {};
+    if (tally_.weights.empty()) return {};
     facts_.bars = true;
-    facts_.categories = embedded_.field_type == kCategorical || embedded_.field_type == kOrdinal;
+    facts_.categories = tally_.categorical;
     facts_.categories ? write_values() : write_bins();
     return facts_;
   }
 
  private:
-  void count(const ChartSource& source) {
-    const ChartVariable* weight = source.by_role(histogram_.weight);
-    for (size_t row = 0; row < source.rows; ++row) {
-      const double value = chart::number_at(variable_, row);
-      const double times = weight == nullptr ? 1 : chart::number_at(weight, row);
-      if (!chart::is_number(value) || !(times > 0)) continue;
-      counts_[value] += times;
-      total_ += times;
-      rows_read_ += 1;
-      range_.add(value);
-    }
-  }
-
   void write_values() {
-    for (const auto& [value, times] : counts_) {
+    for (const auto& [value, times] : tally_.weights) {
       rows_.begin("bin");
-      rows_.text("category", clean(chart::shown_number(*variable_, value, binding_.numbers)));
+      rows_.text("category", clean(chart::shown_number(*tally_.variable, value, binding_.numbers)));
       rows_.number("count", times);
       rows_.end();
     }
   }
 
   void write_bins() {
-    const Range range = range_.proper();
-    const double wanted = histogram_.bins > 0 ? static_cast<double>(histogram_.bins)
-                                              : std::ceil(std::sqrt(rows_read_));
-    const double bins = std::clamp(wanted, 1.0, kMostBins);
-    const double width = (range.high - range.low) / bins;
-    std::vector<double> heights(static_cast<size_t>(bins));
-    for (const auto& [value, times] : counts_) {
-      // A value at an edge, reckoned with rounding, belongs to the bin above.
-      const double place = std::floor((value - range.low) / width + 1e-9);
-      heights[static_cast<size_t>(std::clamp(place, 0.0, bins - 1))] += times;
-    }
+    const Range range = tally_.range.proper();
+    const std::vector<double> heights = chart::bins_of(tally_, histogram_, kMostBins);
+    const double width = (range.high - range.low) / static_cast<double>(heights.size());
     for (size_t i = 0; i < heights.size(); ++i) {
       rows_.begin("bin");
       rows_.number("from", range.low + static_cast<double>(i) * width);
@@ -289,41 +270,26 @@ class HistogramRows {
       rows_.number("count", heights[i]);
       rows_.end();
     }
-    write_curve(range, total_ * width, *std::ranges::max_element(heights));
+    write_curve(range, chart::curve_of(tally_, histogram_, tally_.total * width),
+                kCurveRoom * *std::ranges::max_element(heights));
   }
 
-  void write_curve(const Range& range, double area, double highest) {
-    if (!histogram_.curve) return;
-    double mean = 0;
-    for (const auto& [value, times] : counts_)
-      mean += value * (times / total_);
-    double squares = 0;
-    for (const auto& [value, times] : counts_)
-      squares += (value - mean) * (value - mean) * times;
-    const auto density =
-        chart::density_of(*histogram_.curve, mean, std::sqrt(squares / std::max(total_ - 1, 1.0)));
-    if (!density) return;
-    facts_.curve = true;
-    for (int i = 0; i <= kCurveSteps; ++i) {
-      const double at = range.low + (range.high - range.low) * i / kCurveSteps;
-      const double height = density(at) * area;
+  void write_curve(const Range& range, const std::vector<double>& curve, double top) {
+    facts_.curve = !curve.empty();
+    for (size_t i = 0; i < curve.size(); ++i) {
+      const double along = static_cast<double>(i) / static_cast<double>(curve.size() - 1);
       rows_.begin("curve");
-      rows_.number("from", at);
-      rows_.number("count", std::isnan(height) ? 0 : std::min(height, 1.25 * highest));
+      rows_.number("from", range.low + (range.high - range.low) * along);
+      rows_.number("count", std::min(curve[i], top));
       rows_.end();
     }
   }
 
   Rows& rows_;
   const Binding& binding_;
-  const chart::Embedded& embedded_;
   const chart::Histogram& histogram_;
-  const ChartVariable* variable_ = nullptr;
+  const chart::Tally tally_;
   HistogramFacts facts_;
-  std::map<double, double> counts_;
-  double total_ = 0;
-  double rows_read_ = 0;
-  Range range_;
 };
 
 }  // namespace

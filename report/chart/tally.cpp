@@ -1,0 +1,75 @@
+#include "report/chart/tally.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "report/chart/distribution.h"
+
+namespace hierfit::report::chart {
+namespace {
+
+/// Codes of field types.
+constexpr int kCategorical = 1;
+constexpr int kOrdinal = 2;
+
+constexpr double kMostBins = 60;
+constexpr int kCurveSteps = 96;
+
+}  // namespace
+
+Tally tally(const Embedded& embedded, const output::Chart& chart) {
+  Tally counted;
+  counted.categorical = embedded.field_type == kCategorical || embedded.field_type == kOrdinal;
+  const ChartSource* source = chart.source(embedded.source);
+  if (source == nullptr) return counted;
+  counted.variable = source->by_role(embedded.graph.histogram->variable);
+  if (counted.variable == nullptr) return counted;
+  const ChartVariable* weight = source->by_role(embedded.graph.histogram->weight);
+  for (size_t row = 0; row < source->rows; ++row) {
+    const double value = number_at(counted.variable, row);
+    const double times = weight == nullptr ? 1 : number_at(weight, row);
+    if (!is_number(value) || !(times > 0)) continue;
+    counted.weights[value] += times;
+    counted.total += times;
+    counted.rows += 1;
+    counted.range.add(value);
+  }
+  return counted;
+}
+
+std::vector<double> bins_of(const Tally& tally, const Histogram& histogram, double most) {
+  const Range range = tally.range.proper();
+  const double wanted =
+      histogram.bins > 0 ? static_cast<double>(histogram.bins) : std::ceil(std::sqrt(tally.rows));
+  const double bins = std::clamp(wanted, 1.0, std::clamp(most, 1.0, kMostBins));
+  const double width = (range.high - range.low) / bins;
+  std::vector<double> heights(static_cast<size_t>(bins));
+  for (const auto& [value, weight] : tally.weights) {
+    // A value at an edge, reckoned with rounding, belongs to the bin above.
+    const double place = std::floor((value - range.low) / width + 1e-9);
+    heights[static_cast<size_t>(std::clamp(place, 0.0, bins - 1))] += weight;
+  }
+  return heights;
+}
+
+std::vector<double> curve_of(const Tally& tally, const Histogram& histogram, double area) {
+  if (!histogram.curve) return {};
+  double mean = 0;
+  for (const auto& [value, weight] : tally.weights)
+    mean += value * (weight / tally.total);
+  double squares = 0;
+  for (const auto& [value, weight] : tally.weights)
+    squares += (value - mean) * (value - mean) * weight;
+  const auto density =
+      density_of(*histogram.curve, mean, std::sqrt(squares / std::max(tally.total - 1, 1.0)));
+  if (!density) return {};
+  const Range range = tally.range.proper();
+  std::vector<double> curve;
+  for (int i = 0; i <= kCurveSteps; ++i) {
+    const double height = density(range.low + (range.high - range.low) * i / kCurveSteps) * area;
+    curve.push_back(std::isnan(height) ? 0 : height);
+  }
+  return curve;
+}
+
+}  // namespace hierfit::report::chart
