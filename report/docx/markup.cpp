@@ -1,5 +1,6 @@
 #include "report/docx/markup.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utf8proc.h>
 
@@ -106,5 +107,24 @@ void append_attribute(std::string& out, std::string_view name, int64_t value) {
 }
 
 int64_t twips(double points) { return std::llround(points * 20); }
+
+void append_caption(std::string& out,
+                    std::string_view pattern,
+                    std::string_view sequence,
+                    uint32_t number,
+                    std::string_view bookmark,
+                    std::string_view title,
+                    uint32_t& bookmarks) {
+  const size_t hole = std::min(pattern.find("^1"), pattern.size());
+  const RunLook bold = {.bold = true};
+  std::string caption;
+  if (hole > 0) append_run(caption, pattern.substr(0, hole), bold);
+  append_field(caption, "SEQ " + std::string(sequence) + " \\* ARABIC", std::to_string(number),
+               bold);
+  if (hole + 2 < pattern.size()) append_run(caption, pattern.substr(hole + 2), bold);
+  out += "<w:p><w:pPr><w:pStyle w:val=\"Caption\"/></w:pPr>";
+  append_bookmark(out, bookmark, ++bookmarks, caption);
+  ((out += "<w:r><w:br/></w:r>") += title) += "</w:p>\n";
+}
 
 }  // namespace hierfit::report::docx

@@ -34,6 +34,16 @@ void append_bookmark(std::string& out,
                      uint32_t id,
                      std::string_view content);
 
+/// The first paragraph of a caption: a word and number ("Table ^1", the number a field that counts
+/// parts called `sequence`), then the title, given as runs.
+void append_caption(std::string& out,
+                    std::string_view pattern,
+                    std::string_view sequence,
+                    uint32_t number,
+                    std::string_view bookmark,
+                    std::string_view title,
+                    uint32_t& bookmarks);
+
 /// An attribute's number behind its name, ` w:w="120"`.
 void append_attribute(std::string& out, std::string_view name, int64_t value);
 
