@@ -102,12 +102,6 @@ class Delivery {
   }
 
  private:
-  static void make_folder(const std::string& path) {
-    std::error_code error;
-    fs::create_directories(path, error);
-    if (error) throw FileError({path, 0, 0}, "cannot be made: " + error.message());
-  }
-
   std::deque<NewFile> files_;
   std::vector<std::string> standard_output_;
 };

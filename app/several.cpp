@@ -90,7 +90,7 @@ class Makers {
 
   void make_one(const Job& job) {
     for (const Output& output : job.outputs)
-      fs::create_directories(fs::path(output.path).parent_path());
+      make_folder(fs::path(output.path).parent_path().string());
     output::Document words = make(job, workshop_);
     const std::lock_guard lock(words_mutex_);
     if (words_.words.empty()) words_ = std::move(words);
@@ -177,9 +177,7 @@ SeveralJobs several_jobs(const std::vector<Pair>& pairs,
 }
 
 int make_several(const SeveralJobs& several, const Workshop& workshop) {
-  std::error_code error;
-  fs::create_directories(several.folder, error);
-  if (error) throw FileError({several.folder, 0, 0}, "cannot be made: " + error.message());
+  make_folder(several.folder);
   Makers makers(several, workshop);
   makers.make_all();
   write_index(several, makers);
