@@ -4,7 +4,7 @@
 #include <string>
 
 #include "bench/documents.h"
-#include "embedded/output/document.h"
+#include "output/document.h"
 
 namespace hierfit::bench {
 

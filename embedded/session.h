@@ -11,7 +11,7 @@
 #include "host/pivot.h"
 
 #include "embedded/error.h"
-#include "embedded/output/document.h"
+#include "output/document.h"
 
 namespace hierfit {
 

@@ -11,10 +11,10 @@
 
 #include "embedded/dictionary/data_dictionary.h"
 #include "embedded/journal/journal.h"
-#include "embedded/output/document.h"
 #include "embedded/pivot/heading.h"
 #include "embedded/session.h"
 #include "embedded/strings/string_table.h"
+#include "output/document.h"
 
 namespace hierfit {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "embedded/output/document.h"
+#include "output/document.h"
 #include "report/layout/table_layout.h"
 
 namespace hierfit::report {

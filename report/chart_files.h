@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "embedded/output/chart.h"
-#include "embedded/output/document.h"
+#include "output/chart.h"
+#include "output/document.h"
 #include "report/report.h"
 
 namespace hierfit::report {

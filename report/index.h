@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "embedded/output/document.h"
+#include "output/document.h"
 
 namespace hierfit::report {
 

@@ -6,7 +6,7 @@
 #include <variant>
 #include <vector>
 
-#include "embedded/output/document.h"
+#include "output/document.h"
 
 namespace hierfit::report {
 

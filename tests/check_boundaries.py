@@ -12,9 +12,10 @@ import sys
 RULES = [
     ("host", ("host/",), True),
     ("backend", ("host/", "backend/"), True),
-    ("embedded", ("host/", "embedded/"), False),
-    ("report", ("embedded/output/", "report/"), False),
-    ("app", ("host/", "embedded/", "report/", "app/"), False),
+    ("output", ("output/",), False),
+    ("embedded", ("host/", "output/", "embedded/"), False),
+    ("report", ("output/", "report/"), False),
+    ("app", ("host/", "output/", "embedded/", "report/", "app/"), False),
     ("tests/tiny_host", ("host/", "tests/tiny_host/"), False),
 ]
 STANDARD = re.compile(r"^[a-z_0-9]+$")

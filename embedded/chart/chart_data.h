@@ -9,7 +9,7 @@
 #include "host/chart_data.h"
 
 #include "embedded/journal/journal.h"
-#include "embedded/output/chart.h"
+#include "output/chart.h"
 
 namespace hierfit::chart {
 

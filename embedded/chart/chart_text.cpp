@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "embedded/output/chart.h"
+#include "output/chart.h"
 
 namespace hierfit::chart {
 namespace {

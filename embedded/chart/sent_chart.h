@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "embedded/chart/markup.h"
-#include "embedded/output/chart.h"
+#include "output/chart.h"
 
 namespace hierfit::chart {
 

@@ -9,7 +9,7 @@
 #include "embedded/chart/journal_values.h"
 #include "embedded/dictionary/variable.h"
 #include "embedded/framework/number_text.h"
-#include "embedded/output/number_format.h"
+#include "output/number_format.h"
 
 namespace hierfit::chart {
 

@@ -5,7 +5,7 @@
 
 #include "embedded/chart/markup.h"
 #include "embedded/journal/journal.h"
-#include "embedded/output/chart.h"
+#include "output/chart.h"
 
 namespace hierfit::chart {
 

@@ -3,7 +3,7 @@
 
 #include "embedded/dictionary/variable.h"
 #include "embedded/framework/number_text.h"
-#include "embedded/output/number_format.h"
+#include "output/number_format.h"
 
 namespace {
 

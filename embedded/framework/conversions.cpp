@@ -6,7 +6,7 @@
 #include "host/framework.h"
 
 #include "embedded/framework/number_text.h"
-#include "embedded/output/number_format.h"
+#include "output/number_format.h"
 
 namespace {
 

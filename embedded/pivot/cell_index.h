@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <span>
 
-#include "embedded/output/document.h"
 #include "embedded/pivot/hash_index.h"
+#include "output/document.h"
 
 namespace hierfit::pivot {
 

@@ -9,7 +9,7 @@
 #include "host/dictionary.h"
 #include "host/pivot.h"
 
-#include "embedded/output/document.h"
+#include "output/document.h"
 
 namespace hierfit::pivot {
 

@@ -4,7 +4,7 @@
 #include "host/pivot.h"
 
 #include "embedded/journal/journal.h"
-#include "embedded/output/document.h"
+#include "output/document.h"
 
 namespace hierfit {
 /// The headings that are open, outermost first; what has no parent of its own goes under the last.

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "embedded/output/number_format.h"
+#include "output/number_format.h"
 
 namespace hierfit {
 

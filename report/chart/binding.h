@@ -8,8 +8,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "embedded/output/chart.h"
-#include "embedded/output/document.h"
+#include "output/chart.h"
+#include "output/document.h"
 #include "report/chart/plan.h"
 
 namespace hierfit::report::chart {

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "embedded/output/chart.h"
-#include "embedded/output/document.h"
+#include "output/chart.h"
+#include "output/document.h"
 
 namespace hierfit::report {
 

@@ -1,8 +1,8 @@
 // Lays a chart out: its document and data become a scene.
 #pragma once
 
-#include "embedded/output/chart.h"
-#include "embedded/output/document.h"
+#include "output/chart.h"
+#include "output/document.h"
 #include "report/chart/scene.h"
 
 namespace hierfit::report::chart {

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string>
 
-#include "embedded/output/chart.h"
+#include "output/chart.h"
 
 namespace hierfit::report::chart {
 

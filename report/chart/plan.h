@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "embedded/output/chart.h"
-#include "embedded/output/number_format.h"
+#include "output/chart.h"
+#include "output/number_format.h"
 #include "report/chart/style.h"
 
 namespace hierfit::report::chart {

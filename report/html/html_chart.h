@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "embedded/output/document.h"
+#include "output/document.h"
 
 namespace hierfit::report::html {
 

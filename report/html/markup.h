@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "embedded/output/document.h"
+#include "output/document.h"
 
 namespace hierfit::report::html {
 

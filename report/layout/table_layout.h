@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "embedded/output/document.h"
+#include "output/document.h"
 #include "report/layout/axis.h"
 
 namespace hierfit::report {

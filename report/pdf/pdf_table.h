@@ -1,7 +1,7 @@
 // Draws a table on the pages of a PDF.
 #pragma once
 
-#include "embedded/output/document.h"
+#include "output/document.h"
 #include "report/pdf/pen.h"
 
 namespace hierfit::report::pdf {

@@ -1,7 +1,7 @@
 // Writes the data of a chart under its picture.
 #pragma once
 
-#include "embedded/output/document.h"
+#include "output/document.h"
 #include "report/xlsx/workbook.h"
 
 namespace hierfit::report::xlsx {

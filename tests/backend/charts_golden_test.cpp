@@ -4,7 +4,7 @@
 #include <doctest/doctest.h>
 #include <string>
 
-#include "embedded/output/chart.h"
+#include "output/chart.h"
 #include "tests/backend/table_run.h"
 #include "tests/golden.h"
 

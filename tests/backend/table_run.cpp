@@ -9,8 +9,8 @@
 #include <variant>
 
 #include "backend/hierfit/frame/HFITProcCustom.h"
-#include "embedded/output/number_format.h"
 #include "embedded/session.h"
+#include "output/number_format.h"
 
 namespace hierfit::test {
 

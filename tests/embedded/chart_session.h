@@ -8,8 +8,8 @@
 #include "host/chart_data.h"
 #include "host/chart_document.h"
 
-#include "embedded/output/chart.h"
 #include "embedded/session.h"
+#include "output/chart.h"
 #include "tests/embedded/sample_inputs.h"
 
 namespace hierfit::test {

@@ -7,7 +7,7 @@
 #include "host/text.h"
 
 #include "embedded/dictionary/variable.h"
-#include "embedded/output/number_format.h"
+#include "output/number_format.h"
 
 using hierfit::output::kSystemMissing;
 

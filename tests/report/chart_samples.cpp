@@ -6,7 +6,7 @@
 #include <limits>
 #include <tuple>
 
-#include "embedded/output/number_format.h"
+#include "output/number_format.h"
 
 namespace hierfit::tests {
 

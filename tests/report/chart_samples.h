@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "embedded/output/chart.h"
+#include "output/chart.h"
 
 namespace hierfit::tests {
 

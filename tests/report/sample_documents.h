@@ -1,7 +1,7 @@
 // Documents like those that a run leaves, made by hand.
 #pragma once
 
-#include "embedded/output/document.h"
+#include "output/document.h"
 
 namespace hierfit::tests {
 

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "embedded/output/document.h"
+#include "output/document.h"
 
 namespace hierfit::tests {
 

@@ -15,8 +15,8 @@
 #include <variant>
 #include <vector>
 
-#include "embedded/output/chart.h"
-#include "embedded/output/number_format.h"
+#include "output/chart.h"
+#include "output/number_format.h"
 
 namespace hierfit::output {
 

@@ -1,5 +1,5 @@
 // How statistics are written.
-#include "embedded/output/number_format.h"
+#include "output/number_format.h"
 
 #include <doctest/doctest.h>
 #include <limits>

@@ -1,4 +1,4 @@
-#include "embedded/output/chart.h"
+#include "output/chart.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,4 +1,4 @@
-#include "embedded/output/number_format.h"
+#include "output/number_format.h"
 
 #include <algorithm>
 #include <array>
