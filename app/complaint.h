@@ -7,7 +7,10 @@
 
 namespace hierfit::app {
 
-enum ExitStatus { kWritten = 0, kNotReadable = 1, kNotPossible = 2 };
+/// Exit statuses.
+inline constexpr int kWritten = 0;
+inline constexpr int kNotReadable = 1;
+inline constexpr int kNotPossible = 2;
 
 /// A failure: where, what, and the exit status that it stands for.
 struct Complaint {

@@ -163,11 +163,11 @@ void render(const Output& output,
 
 }  // namespace
 
-Workshop::Workshop(const Options& given)
+Workshop::Workshop(const Options& wanted)
     : program(find_program()),
       module(program.module),
-      language(language_of(given, program.resources)),
-      options(given) {}
+      language(language_of(wanted, program.resources)),
+      options(wanted) {}
 
 output::Document make(const Job& job, const Workshop& workshop) {
   SessionInput input = read_inputs(job.pair);

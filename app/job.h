@@ -42,7 +42,7 @@ struct Workshop {
   const Options& options;
 
   /// Finds and loads the module.
-  explicit Workshop(const Options& options);
+  explicit Workshop(const Options& wanted);
 };
 
 /// Makes the report. No file is replaced before every form is made and safe on the disk. Gives the

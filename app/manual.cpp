@@ -210,18 +210,19 @@ std::string zsh_argument(const OptionRow& row) {
 std::string zsh_completion() {
   std::string text = "#compdef hierfit\n_arguments -s -S \\\n";
   for (const OptionRow& row : option_rows()) {
-    const std::string tail = "'[" + quoted(row.help, "[]:\\") + "]" + zsh_argument(row) + "' \\\n";
-    const std::string long_name =
-        std::string(row.long_name()) + (row.takes == Takes::Nothing ? "" : "=");
+    const bool takes_nothing = row.takes == Takes::Nothing;
+    const std::string long_name(row.long_name());
     const std::string short_name(row.short_name());
     text += "  ";
-    if (short_name.empty()) {
-      text += (row.repeats() ? "'*'" : "") + long_name + tail;
-    } else {
-      text += row.repeats() ? "'*'" : "'(" + short_name + " " + std::string(row.long_name()) + ")'";
-      text += "{" + short_name + (row.takes == Takes::Nothing ? "" : "+") + "," + long_name + "}" +
-              tail;
+    if (row.repeats()) text += "'*'";
+    if (!short_name.empty()) {
+      if (!row.repeats())
+        text.append("'(").append(short_name).append(" ").append(long_name) += ")'";
+      text.append("{").append(short_name).append(takes_nothing ? "," : "+,");
     }
+    text.append(long_name).append(takes_nothing ? "" : "=").append(short_name.empty() ? "" : "}");
+    text.append("'[").append(quoted(row.help, "[]:\\")).append("]").append(zsh_argument(row));
+    text += "' \\\n";
   }
   return text + "  '*:document:_files'\n";
 }

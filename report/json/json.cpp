@@ -175,11 +175,11 @@ class JsonReport {
     key("valueLabels");
     out_ += '[';
     const size_t begin = out_.size();
-    for (const auto& [value, label] : variable.number_labels) {
-      write_value_label(begin, label, [&] { append_number(value); });
+    for (const auto& labelled : variable.number_labels) {
+      write_value_label(begin, labelled.second, [&] { append_number(labelled.first); });
     }
-    for (const auto& [value, label] : variable.text_labels) {
-      write_value_label(begin, label, [&] { append_plain(value); });
+    for (const auto& labelled : variable.text_labels) {
+      write_value_label(begin, labelled.second, [&] { append_plain(labelled.first); });
     }
     out_ += ']';
   }
