@@ -3,15 +3,17 @@
 #   make check    set up, build, run all tests
 #   make build    set up, build
 #   make bench    set up, build, run the benchmarks
+#   make fuzz     set up, build, run the fuzz targets, each for TIME seconds (default 60)
 #   make format   bring all sources into shape
 #   make install  into PREFIX (default /usr/local), below DESTDIR
 
 PREFIX ?= /usr/local
+TIME ?= 60
 EXAMPLE ?= sleepstudy
 example := examples/$(EXAMPLE)
 dictionary := $(wildcard $(example)/dictionary.json)
 
-.PHONY: report check build bench format install clean
+.PHONY: report check build bench fuzz format install clean
 
 report: build
 	build/bin/hierfit $(example)/model.pmml $(example)/result.xml \
@@ -32,6 +34,10 @@ bench:
 	cmake --preset release -DHIERFIT_TESTS=OFF -DHIERFIT_BENCH=ON
 	cmake --build --preset release
 	build/bin/hierfit_bench
+
+fuzz:
+	scripts/setup build check
+	scripts/fuzz $(TIME)
 
 format:
 	git ls-files -z '*.h' '*.cpp' | xargs -0 clang-format-14 -i
