@@ -81,6 +81,11 @@ Session::State* state_of_thread() {
   return session_of_thread == nullptr ? nullptr : &session_of_thread->state();
 }
 
+journal::Journal* journal_of_thread() {
+  const Session::State* state = state_of_thread();
+  return state == nullptr ? nullptr : state->journal.get();
+}
+
 void Session::connect(CFProcCustom& procedure) {
   procedure.fpProcedure = state_->procedure.get();
   procedure.fpDataSource = &state_->dictionary;

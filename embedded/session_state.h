@@ -61,6 +61,9 @@ struct Session::State {
 /// The state of this thread's session, or null when the thread has none.
 Session::State* state_of_thread();
 
+/// The journal of this thread's session; null when none is written.
+journal::Journal* journal_of_thread();
+
 /// The topmost heading, whose items go into the document of the session.
 std::unique_ptr<BpProcedure> make_procedure(Session::State& state);
 

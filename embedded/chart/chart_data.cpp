@@ -10,7 +10,7 @@
 #include "embedded/strings/cut_text.h"
 
 using namespace hierfit;
-using journal::Journal;
+using journal::Result;
 using output::ChartColumn;
 using output::ChartSource;
 using output::ChartVariable;
@@ -39,14 +39,16 @@ void set_value(ChartColumn* column, int32_t row, const Value& value) {
   column->set(static_cast<size_t>(row), value);
 }
 
+/// The line of a call by handle, with the names that the handle stands for.
 template <class Value>
-void write_line(const VarDataProcessor::Impl& impl,
-                const char* call,
-                std::string_view source,
-                std::string_view variable,
-                int32_t row,
-                const Value& value) {
-  impl.journal->line(call).on(impl.id).arg(source).arg(variable).arg(row).arg(value);
+void note_by_name(const VarDataProcessor::Impl& impl,
+                  const char* call,
+                  const _varinfo& handle,
+                  int32_t row,
+                  const Value& value) {
+  if (impl.journal() == nullptr) return;
+  const auto [source, variable] = names_of(impl, handle);
+  impl.note(call, source, variable, row, value);
 }
 
 constexpr char kSetNumber[] = "VarDataProcessor::SetVariableValue";
@@ -107,23 +109,15 @@ std::vector<ChartSource> VarDataProcessor::Impl::take_sources() {
   return std::exchange(sources, {});
 }
 
-VarDataProcessor::VarDataProcessor() : impl_(std::make_unique<Impl>()) {
-  const Session::State* state = state_of_thread();
-  impl_->journal = state == nullptr ? nullptr : state->journal.get();
-  if (Journal* journal = impl_->journal) {
-    impl_->id = journal->number("VarDataProcessor");
-    journal->line("VarDataProcessor::VarDataProcessor").result(impl_->id);
-  }
+VarDataProcessor::VarDataProcessor()
+    : impl_(std::make_unique<Impl>(journal_of_thread(), "VarDataProcessor")) {
+  journal::note(impl_->journal(), "VarDataProcessor::VarDataProcessor", Result{impl_->id()});
 }
 
-VarDataProcessor::~VarDataProcessor() {
-  if (Journal* journal = impl_->journal) journal->line("release").on(impl_->id);
-}
+VarDataProcessor::~VarDataProcessor() { impl_->note("release"); }
 
 void VarDataProcessor::AddDataSource(const std::string& source, int32_t rowCount) {
-  if (Journal* journal = impl_->journal) {
-    journal->line("VarDataProcessor::AddDataSource").on(impl_->id).arg(source).arg(rowCount);
-  }
+  impl_->note("VarDataProcessor::AddDataSource", source, rowCount);
   const auto number = static_cast<int32_t>(impl_->sources.size());
   if (!impl_->source_index.emplace(source, number).second) return;
   ChartSource& added = impl_->sources.emplace_back();
@@ -135,23 +129,14 @@ void VarDataProcessor::AddDataSource(const std::string& source, int32_t rowCount
 void VarDataProcessor::AddVariable(const std::string& source,
                                    const std::string& variable,
                                    _varinfo* handle) {
-  if (Journal* journal = impl_->journal) {
-    journal->line("VarDataProcessor::AddVariable")
-        .on(impl_->id)
-        .arg(source)
-        .arg(variable)
-        .arg(handle != nullptr);
-  }
+  impl_->note("VarDataProcessor::AddVariable", source, variable, handle != nullptr);
   const _varinfo added = impl_->add(source, variable);
   if (handle != nullptr) *handle = added;
 }
 
 void VarDataProcessor::SetVariableValue(const _varinfo* handle, int32_t row, double value) {
   const _varinfo& info = handle == nullptr ? kNoVariable : *handle;
-  if (impl_->journal != nullptr) {
-    const auto [source, variable] = names_of(*impl_, info);
-    write_line(*impl_, kSetNumber, source, variable, row, value);
-  }
+  note_by_name(*impl_, kSetNumber, info, row, value);
   set_value(impl_->column(info), row, value);
 }
 
@@ -159,7 +144,7 @@ void VarDataProcessor::SetVariableValue(const std::string& source,
                                         const std::string& variable,
                                         int32_t row,
                                         double value) {
-  if (impl_->journal != nullptr) write_line(*impl_, kSetNumber, source, variable, row, value);
+  impl_->note(kSetNumber, source, variable, row, value);
   set_value(impl_->column(source, variable), row, value);
 }
 
@@ -167,10 +152,7 @@ void VarDataProcessor::SetStringVariableValue(const _varinfo* handle,
                                               int32_t row,
                                               const std::string& value) {
   const _varinfo& info = handle == nullptr ? kNoVariable : *handle;
-  if (impl_->journal != nullptr) {
-    const auto [source, variable] = names_of(*impl_, info);
-    write_line(*impl_, kSetText, source, variable, row, value);
-  }
+  note_by_name(*impl_, kSetText, info, row, value);
   impl_->set_text(impl_->column(info), row, value);
 }
 
@@ -178,7 +160,7 @@ void VarDataProcessor::SetStringVariableValue(const std::string& source,
                                               const std::string& variable,
                                               int32_t row,
                                               const std::string& value) {
-  if (impl_->journal != nullptr) write_line(*impl_, kSetText, source, variable, row, value);
+  impl_->note(kSetText, source, variable, row, value);
   impl_->set_text(impl_->column(source, variable), row, value);
 }
 
@@ -186,9 +168,7 @@ char* VarDataProcessor::GetDataStream(int32_t& length) {
   const std::string bytes = chart::write_data_stream(impl_->sources);
   const bool fits = bytes.size() <= std::numeric_limits<int32_t>::max();
   length = fits ? static_cast<int32_t>(bytes.size()) : 0;
-  if (Journal* journal = impl_->journal) {
-    journal->line("VarDataProcessor::GetDataStream").on(impl_->id).result(length);
-  }
+  impl_->note("VarDataProcessor::GetDataStream", Result{length});
   auto buffer = std::make_unique_for_overwrite<char[]>(static_cast<size_t>(length) + 1);
   std::memcpy(buffer.get(), bytes.data(), static_cast<size_t>(length));
   return buffer.release();

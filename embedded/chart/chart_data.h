@@ -35,8 +35,9 @@ std::vector<output::ChartSource> read_data_stream(std::string_view bytes);
 }  // namespace hierfit::chart
 
 /// The sources with their variables, found by name through hashes.
-struct VarDataProcessor::Impl {
+struct VarDataProcessor::Impl : hierfit::journal::Receiver {
   using Index = std::unordered_map<std::string, int32_t>;
+  using Receiver::Receiver;
 
   /// The column of a handle, or of names; null when there is none.
   hierfit::output::ChartColumn* column(const _varinfo& handle);
@@ -52,6 +53,4 @@ struct VarDataProcessor::Impl {
   Index source_index;
   std::vector<Index> variable_index;  ///< by source
   size_t text_bytes = 0;              ///< of all texts so far
-  hierfit::journal::Journal* journal = nullptr;
-  hierfit::journal::Id id;
 };

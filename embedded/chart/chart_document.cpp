@@ -14,6 +14,7 @@
 using namespace hierfit;
 using chart::Element;
 using journal::Journal;
+using journal::Result;
 
 namespace {
 
@@ -32,9 +33,9 @@ Variables variables_of(Element* root, Journal* journal) {
 }
 
 /// The graph of a document: its variables by name, those of one name in document order.
-class Graph final : public XGraph {
+class Graph final : public XGraph, public journal::Receiver {
  public:
-  Graph(const Variables& variables, Journal* journal) : journal_(journal) {
+  Graph(const Variables& variables, Journal* journal) : Receiver(journal) {
     for (const auto& variable : variables) {
       by_name_[variable->name()].push_back(variable.get());
     }
@@ -42,22 +43,10 @@ class Graph final : public XGraph {
 
   XVariable* getVariable(const std::string& name, int32_t index) override {
     chart::Variable* variable = find(name, index);
-    if (variable != nullptr) variable->enter_journal();
-    if (journal_ != nullptr) {
-      journal::Line line = journal_->line("XGraph::getVariable");
-      line.on(id_).arg(name).arg(index);
-      if (variable == nullptr) {
-        line.result(nullptr);
-      } else {
-        line.result(variable->id());
-      }
-    }
+    if (variable != nullptr) variable->number("XVariable");
+    note("XGraph::getVariable", name, index,
+         Result{variable == nullptr ? nullptr : &variable->id()});
     return variable;
-  }
-
-  journal::Id enter_journal() {
-    if (id_.number == 0) id_ = journal_->number("XGraph");
-    return id_;
   }
 
  private:
@@ -69,8 +58,6 @@ class Graph final : public XGraph {
   }
 
   std::unordered_map<std::string, std::vector<chart::Variable*>> by_name_;
-  Journal* journal_;
-  journal::Id id_;
 };
 
 /// The tree of a text. A text of blanks alone, such as that of a file that is not there, gives
@@ -87,9 +74,9 @@ std::unique_ptr<Element> tree_of(const std::string& xml) {
 
 }  // namespace
 
-struct XDocument::Impl {
-  Impl(const std::string& xml, Journal* journal_)
-      : journal(journal_),
+struct XDocument::Impl : journal::Receiver {
+  Impl(const std::string& xml, Journal* journal)
+      : Receiver(journal),
         root(tree_of(xml)),
         variables(variables_of(root.get(), journal)),
         graph(variables, journal) {}
@@ -103,8 +90,6 @@ struct XDocument::Impl {
     if (root != nullptr) chart::apply_style(*root);
   }
 
-  Journal* const journal;
-  journal::Id id;
   std::unique_ptr<Element> root;  ///< null: a document of nothing, which delivers nothing
   Variables variables;
   Graph graph;
@@ -113,31 +98,20 @@ struct XDocument::Impl {
 };
 
 XDocument::XDocument(const std::string& xml) {
-  const Session::State* state = state_of_thread();
-  Journal* journal = state == nullptr ? nullptr : state->journal.get();
-  if (journal == nullptr) {
-    impl_ = std::make_unique<Impl>(xml, journal);
-    return;
-  }
-  journal::Line line = journal->line("XDocument::XDocument");
-  line.arg(xml);
+  Journal* journal = journal_of_thread();
+  journal::Line line(journal, "XDocument::XDocument");
+  line.add(xml);
   impl_ = std::make_unique<Impl>(xml, journal);
-  impl_->id = journal->number("XDocument");
-  line.result(impl_->id);
+  impl_->number("XDocument");
+  line.add(Result{impl_->id()});
 }
 
-XDocument::~XDocument() {
-  if (Journal* journal = impl_->journal) journal->line("release").on(impl_->id);
-}
+XDocument::~XDocument() { impl_->note("release"); }
 
-void XDocument::setEditor(int32_t editor) {
-  if (Journal* journal = impl_->journal) {
-    journal->line("XDocument::setEditor").on(impl_->id).arg(editor);
-  }
-}
+void XDocument::setEditor(int32_t editor) { impl_->note("XDocument::setEditor", editor); }
 
 void XDocument::setLanguage() {
-  if (Journal* journal = impl_->journal) journal->line("XDocument::setLanguage").on(impl_->id);
+  impl_->note("XDocument::setLanguage");
   const Session::State* state = state_of_thread();
   if (state != nullptr && impl_->root != nullptr) {
     impl_->root->set("lang", state->document.language);
@@ -147,59 +121,40 @@ void XDocument::setLanguage() {
 void XDocument::SetDescription(const char16_t* text) {
   const std::u16string_view description =
       text == nullptr ? std::u16string_view() : std::u16string_view(text);
-  if (Journal* journal = impl_->journal) {
-    journal->line("XDocument::SetDescription").on(impl_->id).arg(description);
-  }
+  impl_->note("XDocument::SetDescription", description);
   impl_->description = chart::plain_text(chart::to_utf8(description));
 }
 
 void XDocument::SetChartData(VarDataProcessor* data) {
-  if (Journal* journal = impl_->journal) {
-    journal::Line line = journal->line("XDocument::SetChartData");
-    line.on(impl_->id);
-    if (data == nullptr) {
-      line.arg(nullptr);
-    } else {
-      line.arg(data->impl().id);
-    }
-  }
+  impl_->note("XDocument::SetChartData", data == nullptr ? nullptr : &data->impl().id());
   impl_->data = data;
 }
 
 void XDocument::applyCTemplate(bool flag) {
-  if (Journal* journal = impl_->journal) {
-    journal->line("XDocument::applyCTemplate").on(impl_->id).arg(flag);
-  }
+  impl_->note("XDocument::applyCTemplate", flag);
   impl_->style();
 }
 
 void XDocument::applyStyleTemplate() {
-  if (Journal* journal = impl_->journal) {
-    journal->line("XDocument::applyStyleTemplate").on(impl_->id);
-  }
+  impl_->note("XDocument::applyStyleTemplate");
   impl_->style();
 }
 
 std::string XDocument::AsUTF8() const {
   impl_->store_variables();
   std::string text = impl_->root == nullptr ? std::string() : chart::markup_of(*impl_->root);
-  if (Journal* journal = impl_->journal) {
-    journal->line("XDocument::AsUTF8").on(impl_->id).result(text);
-  }
+  impl_->note("XDocument::AsUTF8", Result{text});
   return text;
 }
 
 XGraph* XDocument::getExternalGraph() {
-  if (Journal* journal = impl_->journal) {
-    journal->line("XDocument::getExternalGraph").on(impl_->id).result(impl_->graph.enter_journal());
-  }
+  impl_->graph.number("XGraph");
+  impl_->note("XDocument::getExternalGraph", Result{impl_->graph.id()});
   return &impl_->graph;
 }
 
 void XDocument::SendChart(bool toOutput, bool flag2, bool flag3) {
-  if (Journal* journal = impl_->journal) {
-    journal->line("XDocument::SendChart").on(impl_->id).arg(toOutput).arg(flag2).arg(flag3);
-  }
+  impl_->note("XDocument::SendChart", toOutput, flag2, flag3);
   Session::State* state = state_of_thread();
   if (state == nullptr || impl_->root == nullptr || !toOutput) return;
   impl_->store_variables();

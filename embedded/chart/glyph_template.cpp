@@ -11,7 +11,7 @@
 
 using namespace hierfit;
 using chart::Element;
-using journal::Journal;
+using journal::Result;
 
 namespace {
 
@@ -51,12 +51,12 @@ Element& source_of(Element& data, const std::string& source) {
 
 }  // namespace
 
-struct XGlyphTemplate::Impl {
+struct XGlyphTemplate::Impl : journal::Receiver {
+  using Receiver::Receiver;
+
   std::string name;
   std::vector<Binding> bindings;
   std::string title;
-  Journal* journal = nullptr;
-  journal::Id id;
 
   /// Empty when no built-in template has the name.
   std::string text() const {
@@ -75,23 +75,15 @@ struct XGlyphTemplate::Impl {
   }
 };
 
-XGlyphTemplate::XGlyphTemplate() : impl_(std::make_unique<Impl>()) {
-  const Session::State* state = state_of_thread();
-  impl_->journal = state == nullptr ? nullptr : state->journal.get();
-  if (Journal* journal = impl_->journal) {
-    impl_->id = journal->number("XGlyphTemplate");
-    journal->line("XGlyphTemplate::XGlyphTemplate").result(impl_->id);
-  }
+XGlyphTemplate::XGlyphTemplate()
+    : impl_(std::make_unique<Impl>(journal_of_thread(), "XGlyphTemplate")) {
+  journal::note(impl_->journal(), "XGlyphTemplate::XGlyphTemplate", Result{impl_->id()});
 }
 
-XGlyphTemplate::~XGlyphTemplate() {
-  if (Journal* journal = impl_->journal) journal->line("release").on(impl_->id);
-}
+XGlyphTemplate::~XGlyphTemplate() { impl_->note("release"); }
 
 void XGlyphTemplate::setTemplateInternalName(const std::string& name) {
-  if (Journal* journal = impl_->journal) {
-    journal->line("XGlyphTemplate::setTemplateInternalName").on(impl_->id).arg(name);
-  }
+  impl_->note("XGlyphTemplate::setTemplateInternalName", name);
   impl_->name = name;
 }
 
@@ -104,11 +96,8 @@ void XGlyphTemplate::addVariable(const std::string& role,
                                  const char* label,
                                  int32_t kind,
                                  const void*) {
-  if (Journal* journal = impl_->journal) {
-    journal::Line line = journal->line("XGlyphTemplate::addVariable");
-    line.on(impl_->id).arg(role).arg(variable).arg(categorical).arg(labelKey).arg(source);
-    line.arg(format).arg(label).arg(kind).arg(nullptr);
-  }
+  impl_->note("XGlyphTemplate::addVariable", role, variable, categorical, labelKey, source, format,
+              label, kind, nullptr);
   Binding& added = impl_->bindings.emplace_back(
       Binding{role, variable, source, categorical, labelKey, std::nullopt, std::nullopt});
   if (format != nullptr) added.format = *format;
@@ -116,17 +105,13 @@ void XGlyphTemplate::addVariable(const std::string& role,
 }
 
 void XGlyphTemplate::addLabel(int32_t which, const std::string& text) {
-  if (Journal* journal = impl_->journal) {
-    journal->line("XGlyphTemplate::addLabel").on(impl_->id).arg(which).arg(text);
-  }
+  impl_->note("XGlyphTemplate::addLabel", which, text);
   if (which == kTitle) impl_->title = text;
 }
 
 bool XGlyphTemplate::convert(std::string& xml, std::string& second) {
   xml = impl_->text();
   second.clear();
-  if (Journal* journal = impl_->journal) {
-    journal->line("XGlyphTemplate::convert").on(impl_->id).result(xml);
-  }
+  impl_->note("XGlyphTemplate::convert", Result{xml});
   return !xml.empty();
 }

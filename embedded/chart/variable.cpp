@@ -110,42 +110,36 @@ void set_format(Element& variable, const VELT_Format& format) {
 }
 
 Variable::Variable(Element& element, journal::Journal* journal)
-    : element_(element), described_(read_variable(element)), journal_(journal) {
+    : Receiver(journal), element_(element), described_(read_variable(element)) {
   described_.values = {};
 }
 
-void Variable::enter_journal() {
-  if (journal_ != nullptr && id_.number == 0) id_ = journal_->number("XVariable");
-}
-
 void Variable::setLabel(const ChartString& label) {
-  if (journal_ != nullptr) journal_->line("XVariable::setLabel").on(id_).arg(label);
+  note("XVariable::setLabel", label);
   described_.label = plain_text(label);
   changed_ = true;
 }
 
 void Variable::setFormat(const VELT_Format& format) {
-  if (journal_ != nullptr) journal_->line("XVariable::setFormat").on(id_).arg(format);
+  note("XVariable::setFormat", format);
   described_.format = output::ChartFormat{format.width, format.type, format.decimals};
   changed_ = true;
 }
 
 void Variable::setCategorical(bool categorical) {
-  if (journal_ != nullptr) journal_->line("XVariable::setCategorical").on(id_).arg(categorical);
+  note("XVariable::setCategorical", categorical);
   described_.categorical = categorical;
   changed_ = true;
 }
 
 void Variable::setVELTVariable(VELT_Variable* variable) {
-  if (journal_ != nullptr) journal_->line("XVariable::setVELTVariable").on(id_).arg(variable);
+  note("XVariable::setVELTVariable", variable);
   dictionary_ = variable;
   changed_ = true;
 }
 
 void Variable::setFormatBasedOnVELTVariable(VELT_Variable* variable) {
-  if (journal_ != nullptr) {
-    journal_->line("XVariable::setFormatBasedOnVELTVariable").on(id_).arg(variable);
-  }
+  note("XVariable::setFormatBasedOnVELTVariable", variable);
   if (variable == nullptr) return;
   const VELT_Format format = variable->GetFormat();
   described_.format = output::ChartFormat{format.width, format.type, format.decimals};
@@ -153,7 +147,7 @@ void Variable::setFormatBasedOnVELTVariable(VELT_Variable* variable) {
 }
 
 void Variable::addRelabels() {
-  if (journal_ != nullptr) journal_->line("XVariable::addRelabels").on(id_);
+  note("XVariable::addRelabels");
   if (dictionary_ == nullptr) return;
   const VELT_ValueLabels& labels = *dictionary_->GetValueLabels();
   for (const auto& [value, label] : labels.by_number) {
@@ -165,12 +159,12 @@ void Variable::addRelabels() {
 }
 
 void Variable::addRelabel(double value, const ChartString& text) {
-  if (journal_ != nullptr) journal_->line("XVariable::addRelabel").on(id_).arg(value).arg(text);
+  note("XVariable::addRelabel", value, text);
   relabel(value, plain_text(text));
 }
 
 void Variable::addRelabel(const ChartString& value, const ChartString& text) {
-  if (journal_ != nullptr) journal_->line("XVariable::addRelabel").on(id_).arg(value).arg(text);
+  note("XVariable::addRelabel", value, text);
   const std::string of = value.toUTF8();
   const std::string label = plain_text(text);
   if (const auto number = number_of(of)) relabel(*number, label);
@@ -178,7 +172,7 @@ void Variable::addRelabel(const ChartString& value, const ChartString& text) {
 }
 
 void Variable::SetFormatPrefix(const ChartString& prefix) {
-  if (journal_ != nullptr) journal_->line("XVariable::SetFormatPrefix").on(id_).arg(prefix);
+  note("XVariable::SetFormatPrefix", prefix);
   described_.prefix = plain_text(prefix);
   changed_ = true;
 }

@@ -24,8 +24,9 @@ void set_format(Element& variable, const VELT_Format& format);
 /// A text that is a number in any notation, or none.
 std::optional<double> number_of(std::string_view text);
 
-/// A variable as the module holds it. Changes gather here and go into the element at `store`.
-class Variable final : public XVariable {
+/// A variable as the module holds it, which has its number from the first time that it is asked
+/// for. Changes gather here and go into the element at `store`.
+class Variable final : public XVariable, public journal::Receiver {
  public:
   Variable(Element& element, journal::Journal* journal);
 
@@ -40,9 +41,6 @@ class Variable final : public XVariable {
   void SetFormatPrefix(const ChartString& prefix) override;
 
   const std::string& name() const { return described_.name; }
-  const journal::Id& id() const { return id_; }
-  /// Numbers it when it is asked for the first time.
-  void enter_journal();
   void store();
 
  private:
@@ -53,8 +51,6 @@ class Variable final : public XVariable {
   output::ChartVariable described_;
   VELT_Variable* dictionary_ = nullptr;
   bool changed_ = false;
-  journal::Journal* journal_;
-  journal::Id id_;
 };
 
 }  // namespace hierfit::chart

@@ -10,15 +10,10 @@ struct JNIEnvironment {};
 namespace {
 
 using namespace hierfit;
-using journal::Journal;
+using journal::Receiver;
 
-constexpr journal::Id kMachine{"VeltJVM", 1};
-constexpr journal::Id kEditor{"GlyphEditor", 1};
-
-Journal* journal_of_thread() {
-  const Session::State* state = state_of_thread();
-  return state == nullptr ? nullptr : state->journal.get();
-}
+Receiver machine_receiver() { return Receiver(journal_of_thread(), journal::Id{"VeltJVM", 1}); }
+Receiver editor_receiver() { return Receiver(journal_of_thread(), journal::Id{"GlyphEditor", 1}); }
 
 JNIEnvironment* environment() {
   static JNIEnvironment one;
@@ -38,15 +33,13 @@ bool VeltJVM::IsStarted() const {
 }
 
 void VeltJVM::StartJVM() {
-  if (Journal* journal = journal_of_thread()) journal->line("VeltJVM::StartJVM").on(kMachine);
+  machine_receiver().note("VeltJVM::StartJVM");
   Session::State* state = state_of_thread();
   if (state != nullptr) state->editor.machine_is_started = state->editor.machine_can_start;
 }
 
 void VeltJVM::AttachCurrentThread(JNIEnvironment** attached) {
-  if (Journal* journal = journal_of_thread()) {
-    journal->line("VeltJVM::AttachCurrentThread").on(kMachine);
-  }
+  machine_receiver().note("VeltJVM::AttachCurrentThread");
   if (attached != nullptr) *attached = GetEnv();
 }
 
@@ -63,9 +56,7 @@ bool GlyphEditor::IsStartedHeadless() const {
 }
 
 void GlyphEditor::StartEditorHeadless(JNIEnvironment* attached) {
-  if (Journal* journal = journal_of_thread()) {
-    journal->line("GlyphEditor::StartEditorHeadless").on(kEditor).arg(attached != nullptr);
-  }
+  editor_receiver().note("GlyphEditor::StartEditorHeadless", attached != nullptr);
   Session::State* state = state_of_thread();
   if (state != nullptr) state->editor.editor_is_started = attached != nullptr;
 }
@@ -82,11 +73,9 @@ std::string GlyphEditor::EmbedHistogramInGraph(const std::string& graph,
     text =
         editor::embed_histogram(graph, histogram, {data, static_cast<size_t>(length)}, fieldType);
   }
-  if (Journal* journal = journal_of_thread()) {
-    journal::Line line = journal->line("GlyphEditor::EmbedHistogramInGraph");
-    line.on(kEditor).arg(graph).arg(histogram).arg(length).arg(fieldType);
-    if (!throws) line.result(text);
-  }
+  journal::Line line(journal_of_thread(), "GlyphEditor::EmbedHistogramInGraph");
+  line.on(editor_receiver().id()).add(graph, histogram, length, fieldType);
+  if (!throws) line.add(journal::Result{text});
   if (throws) throw JNIException("the editor refuses");
   return text;
 }

@@ -57,9 +57,8 @@ std::shared_ptr<PathFinder> make_paths(const std::string& resources, const std::
 
 std::string FetchFile::fetch(const std::string& path, bool asText, bool quiet) {
   std::string text = text_or_nothing(path);
-  if (auto* state = hierfit::state_of_thread(); state != nullptr && state->journal != nullptr) {
-    state->journal->line("FetchFile::fetch").arg(path).arg(asText).arg(quiet).result(text);
-  }
+  hierfit::journal::note(hierfit::journal_of_thread(), "FetchFile::fetch", path, asText, quiet,
+                         hierfit::journal::Result{text});
   return text;
 }
 

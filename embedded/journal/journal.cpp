@@ -101,6 +101,11 @@ void append_json(std::string& out, Id id) {
   out += '"';
 }
 
+void append_json(std::string& out, const Id* id) {
+  if (id == nullptr) return append_json(out, nullptr);
+  append_json(out, *id);
+}
+
 void append_json(std::string& out, std::nullptr_t) { out += "null"; }
 
 void append_json(std::string& out, std::u16string_view text) {
@@ -118,31 +123,40 @@ void append_json(std::string& out, std::u16string_view text) {
   append_json(out, utf8);
 }
 
-Line::Line(Journal& journal, std::string_view call) : journal_(journal), text_(journal.text_) {
-  text_ = "{\"call\":";
-  append_json(text_, call);
+Line::Line(Journal* journal, std::string_view call) : journal_(journal) {
+  if (journal_ == nullptr) return;
+  text() = "{\"call\":";
+  append_json(text(), call);
 }
 
 Line::~Line() {
+  if (journal_ == nullptr) return;
   close_arguments();
-  text_ += "}\n";
-  journal_.out_.write(text_.data(), static_cast<std::streamsize>(text_.size()));
+  text() += "}\n";
+  journal_->out_.write(text().data(), static_cast<std::streamsize>(text().size()));
 }
 
 Line& Line::on(Id receiver) {
-  text_ += ",\"on\":";
-  append_json(text_, receiver);
+  if (journal_ == nullptr) return *this;
+  text() += ",\"on\":";
+  append_json(text(), receiver);
   return *this;
 }
 
+std::string& Line::text() { return journal_->text_; }
+
 void Line::open_argument() {
-  text_ += arguments_open_ ? "," : ",\"args\":[";
+  text() += arguments_open_ ? "," : ",\"args\":[";
   arguments_open_ = true;
 }
 
+void Line::open_result() {
+  close_arguments();
+  text() += ",\"result\":";
+}
+
 void Line::close_arguments() {
-  if (!arguments_open_) return;
-  text_ += ']';
+  if (arguments_open_) text() += ']';
   arguments_open_ = false;
 }
 

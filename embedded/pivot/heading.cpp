@@ -21,22 +21,23 @@ output::Section& add_section(output::Section& parent, const BpCellText::Impl& ti
 
 BpHeading::Impl::Impl(output::Section& section_,
                       OpenSections& open_sections_,
-                      journal::Journal* journal_)
-    : section(section_), open_sections(open_sections_), journal(journal_), id{"BpProcedure", 0} {
+                      journal::Journal* journal)
+    : Receiver(journal, journal::Id{"BpProcedure", 0}),
+      section(section_),
+      open_sections(open_sections_) {
   open_sections.push_back(&section);
 }
 
 BpHeading::Impl::Impl(const Impl& parent, const BpCellText::Impl& title)
-    : section(add_section(parent.section, title)),
-      open_sections(parent.open_sections),
-      journal(parent.journal),
-      id(journal != nullptr ? journal->number("BpHeading") : journal::Id{}) {
+    : Receiver(parent.journal(), "BpHeading"),
+      section(add_section(parent.section, title)),
+      open_sections(parent.open_sections) {
   open_sections.push_back(&section);
 }
 
 BpHeading::Impl::~Impl() {
   std::erase(open_sections, &section);
-  if (journal != nullptr && id.number != 0) journal->line("release").on(id);
+  if (id().number != 0) note("release");
 }
 
 output::Table& BpHeading::Impl::add_table(const BpCellText::Impl& title,

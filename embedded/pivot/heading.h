@@ -12,7 +12,7 @@ using OpenSections = std::vector<output::Section*>;
 }  // namespace hierfit
 
 /// The section of an open heading. It goes with the last handle; the section stays in the document.
-struct BpHeading::Impl {
+struct BpHeading::Impl : hierfit::journal::Receiver {
  public:
   /// The topmost heading, the procedure itself.
   Impl(hierfit::output::Section& section,
@@ -28,6 +28,4 @@ struct BpHeading::Impl {
 
   hierfit::output::Section& section;
   hierfit::OpenSections& open_sections;
-  hierfit::journal::Journal* const journal;
-  const hierfit::journal::Id id;
 };

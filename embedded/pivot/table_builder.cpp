@@ -22,18 +22,14 @@ void widen(output::Cells& cells) {
   ++cells.dimensions;
 }
 
-journal::Id new_id(journal::Journal* journal, const char* class_name) {
-  return journal != nullptr ? journal->number(class_name) : journal::Id{class_name, 0};
-}
-
 }  // namespace
 
-BpPivotTable::Impl::Impl(output::Table& table_, journal::Journal* journal_)
-    : table(table_), journal(journal_), id(new_id(journal_, "BpPivotTable")) {}
+BpPivotTable::Impl::Impl(output::Table& table_, journal::Journal* journal)
+    : Receiver(journal, "BpPivotTable"), table(table_) {}
 
 BpPivotTable::Impl::~Impl() {
   settle_positions();
-  if (journal != nullptr) journal->line("release").on(id);
+  note("release");
 }
 
 BpGroup::Impl& BpPivotTable::Impl::add_dimension(const BpCellText::Impl& title) {
@@ -42,7 +38,7 @@ BpGroup::Impl& BpPivotTable::Impl::add_dimension(const BpCellText::Impl& title) 
   states_.emplace_back();
   widen(table.cells);
   if (table.cells.size() > 0) index_.rebuild(table.cells);
-  return groups_.emplace_back(BpGroup::Impl{this, number, kNone, new_id(journal, "BpDimension")});
+  return groups_.emplace_back(BpGroup::Impl{{journal(), "BpDimension"}, this, number, kNone});
 }
 
 void BpPivotTable::Impl::position(
@@ -102,8 +98,7 @@ BpGroup::Impl& BpPivotTable::Impl::group(const BpGroup::Impl& parent,
       number_of(states_[parent.dimension], 'g', parent.node, title, groups_.size());
   if (number < groups_.size()) return groups_[number];
   const uint32_t node = add_node(parent, title, true);
-  return groups_.emplace_back(
-      BpGroup::Impl{this, parent.dimension, node, new_id(journal, "BpGroup")});
+  return groups_.emplace_back(BpGroup::Impl{{journal(), "BpGroup"}, this, parent.dimension, node});
 }
 
 BpCategory::Impl& BpPivotTable::Impl::category(const BpGroup::Impl& parent,
@@ -113,7 +108,7 @@ BpCategory::Impl& BpPivotTable::Impl::category(const BpGroup::Impl& parent,
   if (number == categories_.size()) {
     const uint32_t node = add_node(parent, label, false);
     categories_.emplace_back(
-        BpCategory::Impl{this, parent.dimension, node, new_id(journal, "BpCategory")});
+        BpCategory::Impl{{journal(), "BpCategory"}, this, parent.dimension, node});
   }
   BpCategory::Impl& category = categories_[number];
   state.current = node_of(category).leaf;

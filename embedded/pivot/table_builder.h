@@ -13,23 +13,21 @@
 #include "embedded/pivot/hash_index.h"
 
 /// What a group handle refers to: a dimension as a whole, or a group node inside it.
-struct BpGroup::Impl {
+struct BpGroup::Impl : hierfit::journal::Receiver {
   BpPivotTable::Impl* table = nullptr;
   uint32_t dimension = 0;
   uint32_t node = hierfit::output::kNone;  ///< `kNone`: the dimension itself
-  hierfit::journal::Id id;
 };
 
-struct BpCategory::Impl {
+struct BpCategory::Impl : hierfit::journal::Receiver {
   BpPivotTable::Impl* table = nullptr;
   uint32_t dimension = 0;
   uint32_t node = 0;
-  hierfit::journal::Id id;
 };
 
 /// The state of an open table. It goes with the last handle to the table or into it, and then
 /// settles where the dimensions without a place stand.
-struct BpPivotTable::Impl {
+struct BpPivotTable::Impl : hierfit::journal::Receiver {
  public:
   Impl(hierfit::output::Table& table, hierfit::journal::Journal* journal);
   ~Impl();
@@ -51,8 +49,6 @@ struct BpPivotTable::Impl {
   void note_table(const BpAnnotation::Impl& note);
 
   hierfit::output::Table& table;
-  hierfit::journal::Journal* const journal;
-  const hierfit::journal::Id id;
 
  private:
   /// A group or category that was asked for.
