@@ -17,33 +17,42 @@ thread_local Session* session_of_thread = nullptr;
 constexpr const char* kReportTitle = "Generalized Linear Mixed Models";
 constexpr const char* kLanguageOfKeys = "en";
 
-output::Document empty_document(const Session::State& state) {
+output::Document empty_document(const Inputs& inputs) {
   output::Document document;
-  const bool has_catalogue = state.strings.language() != "C";
-  document.language = has_catalogue ? state.options.language : kLanguageOfKeys;
+  const bool has_catalogue = inputs.strings.language() != "C";
+  document.language = has_catalogue ? inputs.language : kLanguageOfKeys;
   document.right_to_left = is_right_to_left(document.language);
-  document.numbers = number_style(document.language);
-  document.title = state.strings.text(kReportTitle);
+  document.numbers = inputs.strings.numbers();
+  document.title = inputs.strings.text(kReportTitle);
   for (const std::string_view key : kReportWords) {
-    document.words.emplace(key, state.strings.text(key));
+    document.words.emplace(key, inputs.strings.text(key));
   }
   return document;
 }
 
-void read_dictionary(Session::State& state) {
-  const SessionInput& input = state.input;
-  add_model_fields(state.dictionary, read_model_document(input.pmml, input.pmml_name));
+Inputs read_inputs(const SessionInput& input, const SessionOptions& options) {
+  const std::string& resources = options.resource_directory;
+  Inputs inputs;
+  inputs.language = options.language;
+  inputs.strings = StringTable(resources + "/locale", options.language);
+  inputs.paths = make_paths(resources, inputs.strings.language());
+  add_model_fields(inputs.dictionary, read_model_document(input.pmml, input.pmml_name));
   if (input.dictionary) {
-    overlay_table_schema(state.dictionary, *input.dictionary, input.dictionary_name);
+    overlay_table_schema(inputs.dictionary, *input.dictionary, input.dictionary_name);
   }
+  return inputs;
+}
+
+/// The topmost heading, whose items go into the document.
+std::unique_ptr<BpProcedure> make_procedure(Session::State& state) {
+  return std::make_unique<BpProcedure>(
+      std::make_shared<BpHeading::Impl>(state.outputs.document.content, state.outputs.open_sections,
+                                        state.inputs.strings, state.journal.get()));
 }
 
 /// Why the procedure gave false. The model document was read once before, so the result document is
 /// what failed.
-DocumentError explain(const Session::State& state) {
-  const std::string& file = state.input.statxml_name;
-  if (state.statxml_is_empty) return {{file, 0, 0}, "the document is empty"};
-  const ReadFailure& failure = state.failure;
+DocumentError explain(const std::string& file, const ReadFailure& failure) {
   if (failure.sentence.empty()) {
     return {{file, 0, 0}, "the document cannot be read as a result of this procedure"};
   }
@@ -52,29 +61,26 @@ DocumentError explain(const Session::State& state) {
 
 }  // namespace
 
-Session::Session(SessionInput input, SessionOptions options) : state_(std::make_unique<State>()) {
+Session::Session(SessionInput input, SessionOptions options)
+    : input_(std::move(input)), state_(std::make_unique<State>()) {
   if (session_of_thread != nullptr) {
     throw std::logic_error("a thread has one session at a time");
   }
-  state_->input = std::move(input);
-  state_->options = std::move(options);
-  const std::string& resources = state_->options.resource_directory;
-  state_->strings = StringTable(resources + "/locale", state_->options.language);
-  state_->paths = make_paths(resources, state_->strings.language());
-  read_dictionary(*state_);
-  state_->document = empty_document(*state_);
-  if (state_->options.journal != nullptr) {
-    state_->journal = std::make_unique<journal::Journal>(*state_->options.journal);
+  state_->inputs = read_inputs(input_, options);
+  state_->outputs.document = empty_document(state_->inputs);
+  if (options.journal != nullptr) {
+    state_->journal = std::make_unique<journal::Journal>(*options.journal);
   }
-  state_->procedure = make_procedure(*state_);
+  state_->handles.procedure = make_procedure(*state_);
+  state_->handles.editor = editor::make_editor();
   session_of_thread = this;
 }
 
 Session::~Session() { session_of_thread = nullptr; }
 
-Session& Session::current() {
+Session::State& Session::current() {
   if (session_of_thread == nullptr) throw std::logic_error("the thread has no session");
-  return *session_of_thread;
+  return session_of_thread->state();
 }
 
 Session::State* state_of_thread() {
@@ -87,24 +93,27 @@ journal::Journal* journal_of_thread() {
 }
 
 void Session::connect(CFProcCustom& procedure) {
-  procedure.fpProcedure = state_->procedure.get();
-  procedure.fpDataSource = &state_->dictionary;
-  procedure.fpMetaData = &state_->dictionary;
+  procedure.fpProcedure = state_->handles.procedure.get();
+  procedure.fpDataSource = &state_->inputs.dictionary;
+  procedure.fpMetaData = &state_->inputs.dictionary;
 }
 
 void Session::run(CFProcCustom& procedure) {
   connect(procedure);
-  state_->failure = {};
-  state_->statxml_is_empty = state_->input.statxml.empty();
+  ReadFailure& failure = state_->outputs.failure;
+  failure = {};
+  const bool is_empty = input_.statxml.empty();
   std::vector<std::string> models;
-  models.push_back(std::move(state_->input.pmml));
+  models.push_back(std::move(input_.pmml));
   std::vector<StatXMLBlock> blocks;
-  blocks.push_back({std::move(state_->input.statxml)});
-  if (!procedure.GenerateOutput(models, blocks, {})) throw explain(*state_);
+  blocks.push_back({std::move(input_.statxml)});
+  if (procedure.GenerateOutput(models, blocks, {})) return;
+  if (is_empty) failure = {"the document is empty"};
+  throw explain(input_.statxml_name, failure);
 }
 
 output::Document Session::take_document() {
-  return std::exchange(state_->document, empty_document(*state_));
+  return std::exchange(state_->outputs.document, empty_document(state_->inputs));
 }
 
 }  // namespace hierfit

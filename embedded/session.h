@@ -32,7 +32,7 @@ struct SessionOptions {
   std::ostream* journal = nullptr;  ///< where the host call journal goes; null: no journal
 };
 
-/// The state of the host for one run: dictionary, string table, output document, journal. The host
+/// The host for one run: dictionary, string table, output document, journal. The host
 /// calls of the thread that made a session belong to it until it is destroyed; one session a thread
 /// at a time, and sessions of several threads do not touch each other.
 class Session {
@@ -43,9 +43,6 @@ class Session {
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
-
-  /// The session of this thread; there must be one.
-  static Session& current();
 
   /// Sets the three base class members of a procedure.
   void connect(CFProcCustom& procedure);
@@ -59,8 +56,11 @@ class Session {
   struct State;
   /// For the host's own parts.
   State& state() { return *state_; }
+  /// The state of this thread's session; there must be one.
+  static State& current();
 
  private:
+  SessionInput input_;
   std::unique_ptr<State> state_;
 };
 

@@ -10,6 +10,7 @@
 #include "host/string_table.h"
 
 #include "embedded/dictionary/data_dictionary.h"
+#include "embedded/editor/editor.h"
 #include "embedded/journal/journal.h"
 #include "embedded/pivot/heading.h"
 #include "embedded/session.h"
@@ -26,31 +27,19 @@ struct ReadFailure {
   bool well_formed = true;  ///< false: the parser refused the text
 };
 
-/// The editor of one session and its virtual machine, with switches for tests.
-struct EditorState {
-  bool machine_can_start = true;
-  bool embedding_throws = false;
-  bool machine_is_started = false;
-  bool editor_is_started = false;
-};
-
-struct Session::State {
-  SessionInput input;
-  SessionOptions options;
+/// What a run looks up. It stays as it is as long as the session.
+struct Inputs {
+  std::string language;  ///< that was asked for
   StringTable strings;
   DataDictionary dictionary;
   std::shared_ptr<PathFinder> paths;
-  ReadFailure failure;
-  bool statxml_is_empty = false;
+};
 
-  output::Document document;                  ///< under construction
-  std::unique_ptr<journal::Journal> journal;  ///< null: no journal is written
+/// What a run leaves. It grows.
+struct Outputs {
+  output::Document document;
   OpenSections open_sections;
-  std::unique_ptr<BpProcedure> procedure;
-  /// Copies of texts that wait for their `BpAnnotation`, by the handle that `Replicate` gave.
-  std::unordered_map<long, RefCountPtr<BpCellText::Impl>> replicas;
-  long next_replica = 1;
-  EditorState editor;
+  ReadFailure failure;
 
   /// Where a message or a chart goes: under the heading that was opened last and is still open.
   output::Section& open_section() {
@@ -58,13 +47,28 @@ struct Session::State {
   }
 };
 
+/// What the module holds of the host while a run lasts.
+struct Handles {
+  std::unique_ptr<BpProcedure> procedure;
+  /// Copies of texts that wait for their `BpAnnotation`, by the handle that `Replicate` gave.
+  std::unordered_map<long, RefCountPtr<BpCellText::Impl>> replicas;
+  long next_replica = 1;
+  std::unique_ptr<editor::Editor> editor;
+  bool machine_is_started = false;
+  bool editor_is_started = false;
+};
+
+struct Session::State {
+  Inputs inputs;
+  Outputs outputs;
+  std::unique_ptr<journal::Journal> journal;  ///< null: no journal is written
+  Handles handles;
+};
+
 /// The state of this thread's session, or null when the thread has none.
 Session::State* state_of_thread();
 
 /// The journal of this thread's session; null when none is written.
 journal::Journal* journal_of_thread();
-
-/// The topmost heading, whose items go into the document of the session.
-std::unique_ptr<BpProcedure> make_procedure(Session::State& state);
 
 }  // namespace hierfit

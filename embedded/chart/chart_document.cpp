@@ -62,24 +62,25 @@ class Graph final : public XGraph, public journal::Receiver {
 
 /// The tree of a text. A text of blanks alone, such as that of a file that is not there, gives
 /// none.
-std::unique_ptr<Element> tree_of(const std::string& xml) {
+std::unique_ptr<Element> tree_of(const std::string& xml, const StringTable& strings) {
   if (xml.find_first_not_of(" \t\r\n") == std::string::npos) return nullptr;
   auto root = chart::parse_markup(chart::xml_characters(xml), chart::kDocumentName);
   if (root->name != "chart") {
     throw DocumentError({chart::kDocumentName, 0, 0}, "its root is no chart");
   }
-  chart::translate(*root);
+  chart::translate(*root, strings);
   return root;
 }
 
 }  // namespace
 
 struct XDocument::Impl : journal::Receiver {
-  Impl(const std::string& xml, Journal* journal)
-      : Receiver(journal),
-        root(tree_of(xml)),
-        variables(variables_of(root.get(), journal)),
-        graph(variables, journal) {}
+  Impl(const std::string& xml, Session::State& state)
+      : Receiver(state.journal.get()),
+        outputs(state.outputs),
+        root(tree_of(xml, state.inputs.strings)),
+        variables(variables_of(root.get(), journal())),
+        graph(variables, journal()) {}
 
   void store_variables() {
     for (const auto& variable : variables) {
@@ -90,6 +91,7 @@ struct XDocument::Impl : journal::Receiver {
     if (root != nullptr) chart::apply_style(*root);
   }
 
+  Outputs& outputs;
   std::unique_ptr<Element> root;  ///< null: a document of nothing, which delivers nothing
   Variables variables;
   Graph graph;
@@ -98,10 +100,10 @@ struct XDocument::Impl : journal::Receiver {
 };
 
 XDocument::XDocument(const std::string& xml) {
-  Journal* journal = journal_of_thread();
-  journal::Line line(journal, "XDocument::XDocument");
+  Session::State& state = Session::current();
+  journal::Line line(state.journal.get(), "XDocument::XDocument");
   line.add(xml);
-  impl_ = std::make_unique<Impl>(xml, journal);
+  impl_ = std::make_unique<Impl>(xml, state);
   impl_->number("XDocument");
   line.add(Result{impl_->id()});
 }
@@ -112,10 +114,7 @@ void XDocument::setEditor(int32_t editor) { impl_->note("XDocument::setEditor", 
 
 void XDocument::setLanguage() {
   impl_->note("XDocument::setLanguage");
-  const Session::State* state = state_of_thread();
-  if (state != nullptr && impl_->root != nullptr) {
-    impl_->root->set("lang", state->document.language);
-  }
+  if (impl_->root != nullptr) impl_->root->set("lang", impl_->outputs.document.language);
 }
 
 void XDocument::SetDescription(const char16_t* text) {
@@ -155,12 +154,11 @@ XGraph* XDocument::getExternalGraph() {
 
 void XDocument::SendChart(bool toOutput, bool flag2, bool flag3) {
   impl_->note("XDocument::SendChart", toOutput, flag2, flag3);
-  Session::State* state = state_of_thread();
-  if (state == nullptr || impl_->root == nullptr || !toOutput) return;
+  if (impl_->root == nullptr || !toOutput) return;
   impl_->store_variables();
   // The data are large and are wanted no more: they move.
   std::vector<output::ChartSource> data;
   if (impl_->data != nullptr) data = impl_->data->impl().take_sources();
-  state->open_section().items.push_back(std::make_unique<output::Chart>(
+  impl_->outputs.open_section().items.push_back(std::make_unique<output::Chart>(
       chart::join(*impl_->root, std::move(data), impl_->description)));
 }

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "embedded/chart/markup.h"
+#include "embedded/strings/string_table.h"
 
 namespace hierfit::chart {
 
@@ -16,8 +17,8 @@ extern const std::string_view kStyleSheet;
 /// Puts the style sheet into a chart, in the place of the one that is there.
 void apply_style(Element& chart);
 
-/// Fills each element that has a `key` with the text of that key in the session's language.
-void translate(Element& chart);
+/// Fills each element that has a `key` with the text of that key.
+void translate(Element& chart, const StringTable& strings);
 
 /// What a chart document is called in messages.
 inline constexpr char kDocumentName[] = "chart document";

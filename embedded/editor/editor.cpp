@@ -1,5 +1,6 @@
-// The virtual machine and the headless editor, which stand in for a process of their own: what they
-// do is done in place.
+// The virtual machine and the headless editor over the editor of the session.
+#include "embedded/editor/editor.h"
+
 #include "host/editor.h"
 
 #include "embedded/editor/embed_histogram.h"
@@ -12,34 +13,45 @@ namespace {
 using namespace hierfit;
 using journal::Receiver;
 
-Receiver machine_receiver() { return Receiver(journal_of_thread(), journal::Id{"VeltJVM", 1}); }
-Receiver editor_receiver() { return Receiver(journal_of_thread(), journal::Id{"GlyphEditor", 1}); }
+Handles& handles() { return Session::current().handles; }
+
+Receiver machine() { return Receiver(journal_of_thread(), journal::Id{"VeltJVM", 1}); }
+Receiver glyph_editor() { return Receiver(journal_of_thread(), journal::Id{"GlyphEditor", 1}); }
 
 JNIEnvironment* environment() {
   static JNIEnvironment one;
   return &one;
 }
 
+class EditorInPlace final : public editor::Editor {
+ public:
+  bool start_machine() override { return true; }
+  std::string embed_histogram(std::string_view graph,
+                              std::string_view histogram,
+                              std::string_view stream,
+                              int32_t field_type) override {
+    return editor::embed_histogram(graph, histogram, stream, field_type);
+  }
+};
+
 }  // namespace
+
+std::unique_ptr<editor::Editor> editor::make_editor() { return std::make_unique<EditorInPlace>(); }
 
 VeltJVM& VeltJVM::GetInstance() {
   static VeltJVM machine;
   return machine;
 }
 
-bool VeltJVM::IsStarted() const {
-  const Session::State* state = state_of_thread();
-  return state != nullptr && state->editor.machine_is_started;
-}
+bool VeltJVM::IsStarted() const { return handles().machine_is_started; }
 
 void VeltJVM::StartJVM() {
-  machine_receiver().note("VeltJVM::StartJVM");
-  Session::State* state = state_of_thread();
-  if (state != nullptr) state->editor.machine_is_started = state->editor.machine_can_start;
+  machine().note("VeltJVM::StartJVM");
+  handles().machine_is_started = handles().editor->start_machine();
 }
 
 void VeltJVM::AttachCurrentThread(JNIEnvironment** attached) {
-  machine_receiver().note("VeltJVM::AttachCurrentThread");
+  machine().note("VeltJVM::AttachCurrentThread");
   if (attached != nullptr) *attached = GetEnv();
 }
 
@@ -50,15 +62,11 @@ GlyphEditor& GlyphEditor::GetInstance() {
   return editor;
 }
 
-bool GlyphEditor::IsStartedHeadless() const {
-  const Session::State* state = state_of_thread();
-  return state != nullptr && state->editor.editor_is_started;
-}
+bool GlyphEditor::IsStartedHeadless() const { return handles().editor_is_started; }
 
 void GlyphEditor::StartEditorHeadless(JNIEnvironment* attached) {
-  editor_receiver().note("GlyphEditor::StartEditorHeadless", attached != nullptr);
-  Session::State* state = state_of_thread();
-  if (state != nullptr) state->editor.editor_is_started = attached != nullptr;
+  glyph_editor().note("GlyphEditor::StartEditorHeadless", attached != nullptr);
+  handles().editor_is_started = attached != nullptr;
 }
 
 std::string GlyphEditor::EmbedHistogramInGraph(const std::string& graph,
@@ -66,16 +74,13 @@ std::string GlyphEditor::EmbedHistogramInGraph(const std::string& graph,
                                                const char* data,
                                                int32_t length,
                                                int32_t fieldType) {
-  const Session::State* state = state_of_thread();
-  const bool throws = state != nullptr && state->editor.embedding_throws;
-  std::string text;
-  if (!throws && IsStartedHeadless() && data != nullptr && length >= 0) {
-    text =
-        editor::embed_histogram(graph, histogram, {data, static_cast<size_t>(length)}, fieldType);
-  }
   journal::Line line(journal_of_thread(), "GlyphEditor::EmbedHistogramInGraph");
-  line.on(editor_receiver().id()).add(graph, histogram, length, fieldType);
-  if (!throws) line.add(journal::Result{text});
-  if (throws) throw JNIException("the editor refuses");
+  line.on(glyph_editor().id()).add(graph, histogram, length, fieldType);
+  std::string text;
+  if (IsStartedHeadless() && data != nullptr && length >= 0) {
+    const std::string_view stream(data, static_cast<size_t>(length));
+    text = handles().editor->embed_histogram(graph, histogram, stream, fieldType);
+  }
+  line.add(journal::Result{text});
   return text;
 }

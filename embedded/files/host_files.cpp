@@ -62,6 +62,6 @@ std::string FetchFile::fetch(const std::string& path, bool asText, bool quiet) {
   return text;
 }
 
-PathFinder* PathFactory::getPathInstance() { return Session::current().state().paths.get(); }
+PathFinder* PathFactory::getPathInstance() { return Session::current().inputs.paths.get(); }
 
 PathFinder* PathFactory::getPathInstance(int32_t) { return getPathInstance(); }

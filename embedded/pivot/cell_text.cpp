@@ -13,8 +13,6 @@ namespace {
 constexpr int32_t kShowName = 0;
 constexpr int32_t kPreferLabel = 2;
 
-Session::State& state() { return Session::current().state(); }
-
 template <class Part>
 RefCountPtr<BpCellText::Impl> make_impl(Part part) {
   return std::make_shared<BpCellText::Impl>(BpCellText::Impl{std::move(part)});
@@ -30,8 +28,8 @@ output::Number number_of(const DataValueText& part) {
           decimals};
 }
 
-output::Text number_text(const output::Number& number) {
-  output::Text text{output::shown(number, state().document.numbers), {}};
+output::Text number_text(const output::Number& number, const StringTable& strings) {
+  output::Text text{output::shown(number, strings.numbers()), {}};
   text.numbers.push_back({0, static_cast<uint32_t>(text.shown.size()), number});
   return text;
 }
@@ -57,40 +55,43 @@ std::optional<OBS> fitting_value(const VELT_Variable* variable, const OBS* value
   return *value;
 }
 
-output::Text shown_part(const StringText& part) {
-  return {part.is_key ? std::string(state().strings.text(part.text)) : part.text, {}};
+output::Text shown_part(const StringText& part, const StringTable& strings) {
+  return {part.is_key ? std::string(strings.text(part.text)) : part.text, {}};
 }
 
-output::Text shown_part(const NumberText& part) { return number_text(number_of(part)); }
+output::Text shown_part(const NumberText& part, const StringTable& strings) {
+  return number_text(number_of(part), strings);
+}
 
-output::Text shown_part(const VariableText& part) {
+output::Text shown_part(const VariableText& part, const StringTable&) {
   if (part.variable == nullptr) return {};
   const char* label = part.show == kShowName ? nullptr : part.variable->GetLabel();
   return {label != nullptr ? label : part.variable->GetName(), {}};
 }
 
-output::Text shown_part(const DataValueText& part) {
-  if (shows_as_number(part)) return number_text(number_of(part));
+output::Text shown_part(const DataValueText& part, const StringTable& strings) {
+  if (shows_as_number(part)) return number_text(number_of(part), strings);
   const char* label = label_of(part);
   return {label != nullptr ? label : ToString(&*part.value, part.variable->GetFormat()), {}};
 }
 
-PatternArgument pattern_argument(const CompositeText::Argument& argument) {
-  if (!argument.is_list) return shown_text(*argument.items.front());
+PatternArgument pattern_argument(const CompositeText::Argument& argument,
+                                 const StringTable& strings) {
+  if (!argument.is_list) return shown_text(*argument.items.front(), strings);
   std::vector<output::Text> items;
   items.reserve(argument.items.size());
   for (const auto& item : argument.items)
-    items.push_back(shown_text(*item));
+    items.push_back(shown_text(*item, strings));
   return items;
 }
 
-output::Text shown_part(const CompositeText& part) {
+output::Text shown_part(const CompositeText& part, const StringTable& strings) {
   std::vector<PatternArgument> arguments;
   arguments.reserve(part.arguments.size());
   for (const auto& argument : part.arguments)
-    arguments.push_back(pattern_argument(argument));
+    arguments.push_back(pattern_argument(argument, strings));
   const std::string_view pattern = part.pattern;
-  return fill_pattern(part.is_key ? state().strings.text(pattern) : pattern, arguments);
+  return fill_pattern(part.is_key ? strings.text(pattern) : pattern, arguments);
 }
 
 template <class Value>
@@ -218,8 +219,8 @@ void append_journal(std::string& out, const CompositeText& part) {
 
 }  // namespace
 
-output::Text shown_text(const BpCellText::Impl& text) {
-  return std::visit([](const auto& part) { return shown_part(part); }, text.part);
+output::Text shown_text(const BpCellText::Impl& text, const StringTable& strings) {
+  return std::visit([&](const auto& part) { return shown_part(part, strings); }, text.part);
 }
 
 std::optional<output::Number> as_number(const BpCellText::Impl& text) {
@@ -234,7 +235,7 @@ void append_identity(std::string& out, const BpCellText::Impl& text) {
 }
 
 RefCountPtr<BpCellText::Impl> take_replicate(long handle) {
-  auto node = state().replicas.extract(handle);
+  auto node = Session::current().handles.replicas.extract(handle);
   return node ? std::move(node.mapped()) : nullptr;
 }
 
@@ -264,9 +265,9 @@ using namespace hierfit::pivot;
 BpCellText::~BpCellText() = default;
 
 long BpCellText::Replicate() const {
-  auto& state = hierfit::Session::current().state();
-  const long handle = state.next_replica++;
-  state.replicas.emplace(handle, impl_);
+  hierfit::Handles& handles = hierfit::Session::current().handles;
+  const long handle = handles.next_replica++;
+  handles.replicas.emplace(handle, impl_);
   return handle;
 }
 

@@ -9,6 +9,7 @@
 #include "host/dictionary.h"
 #include "host/pivot.h"
 
+#include "embedded/strings/string_table.h"
 #include "output/document.h"
 
 namespace hierfit::pivot {
@@ -72,8 +73,8 @@ void append_json(std::string& out, const BpAnnotation& note);
 
 namespace hierfit::pivot {
 
-/// The text as a person sees it, in the language of the session.
-output::Text shown_text(const BpCellText::Impl& text);
+/// The text as a person sees it, in the language of the table.
+output::Text shown_text(const BpCellText::Impl& text, const StringTable& strings);
 
 /// The number that the text is, if it is one: a `BpNumber`, or a data value that has no value
 /// label. A data value without a value is the system-missing number.

@@ -4,6 +4,7 @@
 #include "host/pivot.h"
 
 #include "embedded/journal/journal.h"
+#include "embedded/strings/string_table.h"
 #include "output/document.h"
 
 namespace hierfit {
@@ -17,6 +18,7 @@ struct BpHeading::Impl : hierfit::journal::Receiver {
   /// The topmost heading, the procedure itself.
   Impl(hierfit::output::Section& section,
        hierfit::OpenSections& open_sections,
+       const hierfit::StringTable& strings,
        hierfit::journal::Journal* journal);
   /// A heading under another.
   Impl(const Impl& parent, const BpCellText::Impl& title);
@@ -28,4 +30,5 @@ struct BpHeading::Impl : hierfit::journal::Receiver {
 
   hierfit::output::Section& section;
   hierfit::OpenSections& open_sections;
+  const hierfit::StringTable& strings;
 };

@@ -35,7 +35,7 @@ BpHeading BpHeading::Heading(const BpCellText& title) {
 
 BpPivotTable BpHeading::PivotTable(const BpCellText& title, const BpCellText& subtype, bool flag) {
   const auto table = std::make_shared<BpPivotTable::Impl>(
-      impl_->add_table(title.impl(), subtype.impl()), impl_->journal());
+      impl_->add_table(title.impl(), subtype.impl()), impl_->strings, impl_->journal());
   impl_->note("BpHeading::PivotTable", title, subtype, flag, Result{table->id()});
   return BpPivotTable(table);
 }
@@ -53,7 +53,7 @@ void BpPivotTable::Note(const BpAnnotation& note) {
 
 void BpPivotTable::Caption(const BpCellText& text) {
   impl_->note("BpPivotTable::Caption", text);
-  impl_->table.caption = pivot::shown_text(text.impl());
+  impl_->table.caption = pivot::shown_text(text.impl(), impl_->strings);
 }
 
 void BpPivotTable::MinDataColumnWidth(int32_t width) {
@@ -94,11 +94,11 @@ void BpCategory::CellNote(const BpAnnotation& note) {
 }
 
 void BpError(const BpCellText& text, BpErrorShow show, BpErrorLevel level) {
-  auto& state = Session::current().state();
+  Session::State& state = Session::current();
   journal::note(state.journal.get(), "BpError", text, static_cast<int32_t>(show),
                 static_cast<int32_t>(level));
-  state.open_section().items.push_back(std::make_unique<output::Message>(
-      output::Message{pivot::shown_text(text.impl()), severity_of(level)}));
+  state.outputs.open_section().items.push_back(std::make_unique<output::Message>(
+      output::Message{pivot::shown_text(text.impl(), state.inputs.strings), severity_of(level)}));
 }
 
 BpFormatSpec BpProcedure::Coefficient() { return format(output::Format::Coefficient); }

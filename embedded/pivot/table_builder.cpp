@@ -24,8 +24,10 @@ void widen(output::Cells& cells) {
 
 }  // namespace
 
-BpPivotTable::Impl::Impl(output::Table& table_, journal::Journal* journal)
-    : Receiver(journal, "BpPivotTable"), table(table_) {}
+BpPivotTable::Impl::Impl(output::Table& table_,
+                         const StringTable& strings_,
+                         journal::Journal* journal)
+    : Receiver(journal, "BpPivotTable"), table(table_), strings(strings_) {}
 
 BpPivotTable::Impl::~Impl() {
   settle_positions();
@@ -34,7 +36,7 @@ BpPivotTable::Impl::~Impl() {
 
 BpGroup::Impl& BpPivotTable::Impl::add_dimension(const BpCellText::Impl& title) {
   const auto number = static_cast<uint32_t>(table.dimensions.size());
-  table.dimensions.emplace_back().title = pivot::shown_text(title);
+  table.dimensions.emplace_back().title = pivot::shown_text(title, strings);
   states_.emplace_back();
   widen(table.cells);
   if (table.cells.size() > 0) index_.rebuild(table.cells);
@@ -84,7 +86,7 @@ uint32_t BpPivotTable::Impl::add_node(const BpGroup::Impl& parent,
   output::Dimension& dimension = table.dimensions[parent.dimension];
   const auto number = static_cast<uint32_t>(dimension.nodes.size());
   output::Node& node = dimension.nodes.emplace_back();
-  node.label = pivot::shown_text(label);
+  node.label = pivot::shown_text(label, strings);
   node.parent = parent.node;
   if (is_group) return number;
   node.leaf = static_cast<uint32_t>(dimension.leaves.size());
@@ -136,11 +138,12 @@ void BpPivotTable::Impl::write_cell(const BpCategory::Impl& category,
     return;
   }
   cells.values[cell] = static_cast<uint32_t>(table.texts.size());
-  table.texts.push_back(pivot::shown_text(value));
+  table.texts.push_back(pivot::shown_text(value, strings));
 }
 
 uint32_t BpPivotTable::Impl::note_number(const BpAnnotation::Impl& note) {
-  output::Text text = note.text != nullptr ? pivot::shown_text(*note.text) : output::Text();
+  output::Text text =
+      note.text != nullptr ? pivot::shown_text(*note.text, strings) : output::Text();
   const auto [entry, is_new] =
       notes_.try_emplace(text.shown, static_cast<uint32_t>(table.notes.size()));
   if (is_new) table.notes.push_back(std::move(text));

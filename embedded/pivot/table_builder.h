@@ -29,7 +29,9 @@ struct BpCategory::Impl : hierfit::journal::Receiver {
 /// settles where the dimensions without a place stand.
 struct BpPivotTable::Impl : hierfit::journal::Receiver {
  public:
-  Impl(hierfit::output::Table& table, hierfit::journal::Journal* journal);
+  Impl(hierfit::output::Table& table,
+       const hierfit::StringTable& strings,
+       hierfit::journal::Journal* journal);
   ~Impl();
   Impl(const Impl&) = delete;
   Impl& operator=(const Impl&) = delete;
@@ -49,6 +51,7 @@ struct BpPivotTable::Impl : hierfit::journal::Receiver {
   void note_table(const BpAnnotation::Impl& note);
 
   hierfit::output::Table& table;
+  const hierfit::StringTable& strings;
 
  private:
   /// A group or category that was asked for.

@@ -11,7 +11,7 @@ using hierfit::StringTable;
 
 namespace {
 
-const hierfit::Session::State& state() { return hierfit::Session::current().state(); }
+const hierfit::Inputs& inputs() { return hierfit::Session::current().inputs; }
 
 hierfit::PatternArgument argument(const char* text) {
   return hierfit::output::Text{text == nullptr ? "" : text, {}};
@@ -20,10 +20,10 @@ hierfit::PatternArgument argument(const char* text) {
 /// The table at a path: that of the session, or a file of its own.
 struct OpenTable {
   explicit OpenTable(const std::string& path)
-      : table(path == state().paths->StringTablePath() ? nullptr
-                                                       : std::make_unique<StringTable>(path)) {}
+      : table(path == inputs().paths->StringTablePath() ? nullptr
+                                                        : std::make_unique<StringTable>(path)) {}
 
-  const StringTable& get() const { return table ? *table : state().strings; }
+  const StringTable& get() const { return table ? *table : inputs().strings; }
 
   std::unique_ptr<StringTable> table;
 };
@@ -49,7 +49,7 @@ std::string ParserMessage::GetTranslatedText(const std::string& key,
                                              const char* p5) const {
   const std::array arguments = {argument(p1), argument(p2), argument(p3), argument(p4),
                                 argument(p5)};
-  return hierfit::fill_pattern(state().strings.text(key), arguments).shown;
+  return hierfit::fill_pattern(inputs().strings.text(key), arguments).shown;
 }
 
 struct FacSTDictionary::Impl {

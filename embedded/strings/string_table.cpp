@@ -59,6 +59,7 @@ struct KeyHash {
 
 struct StringTable::Impl {
   std::string language{kKeysAsTheyStand};
+  output::NumberStyle numbers;
   std::locale catalogue;  ///< owns the facet
   const Facet* facet = nullptr;
   /// Keys that were asked for, with their texts; null for those that the catalogue does not hold.
@@ -84,7 +85,9 @@ StringTable::StringTable() : impl_(std::make_unique<Impl>()) {}
 
 StringTable::StringTable(const std::string& directory, std::string_view language) : StringTable() {
   impl_->language = catalogue_tag(directory, language);
-  if (impl_->language != kKeysAsTheyStand) impl_->open(directory + "/" + impl_->language + ".mo");
+  if (impl_->language == kKeysAsTheyStand) return;
+  impl_->open(directory + "/" + impl_->language + ".mo");
+  impl_->numbers = number_style(language);
 }
 
 StringTable::StringTable(const std::string& file) : StringTable() {
@@ -103,6 +106,8 @@ std::string_view StringTable::text(std::string_view key) const {
 }
 
 bool StringTable::holds(std::string_view key) const { return impl_->find(key) != nullptr; }
+
+const output::NumberStyle& StringTable::numbers() const { return impl_->numbers; }
 
 const std::string& StringTable::language() const { return impl_->language; }
 

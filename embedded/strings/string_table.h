@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "output/number_format.h"
+
 namespace hierfit {
 
 /// One language's catalogue, read once. Tables do not touch each other; one is used by one thread.
@@ -27,6 +29,8 @@ class StringTable {
   std::string_view text(std::string_view key) const;
   /// Whether the catalogue holds the key.
   bool holds(std::string_view key) const;
+  /// The marks of the language's numbers.
+  const output::NumberStyle& numbers() const;
   /// The tag of the catalogue that is in use: "pt" when "pt-BR" was asked for and only "pt" is
   /// there; "C" for an empty table.
   const std::string& language() const;

@@ -40,7 +40,7 @@ struct LoadedDocument {
 };
 
 void report(const hierfit::ReadFailure& failure) {
-  if (auto* state = hierfit::state_of_thread()) state->failure = failure;
+  if (auto* state = hierfit::state_of_thread()) state->outputs.failure = failure;
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 // The charts of the fit: predicted by observed, the two diagrams and the histogram in them.
 #include <doctest/doctest.h>
 
-#include "embedded/session_state.h"
 #include "tests/backend/chart_calls.h"
+#include "tests/embedded/failing_editor.h"
 
 using namespace hierfit;
 using namespace hierfit::test;
@@ -266,7 +266,7 @@ TEST_CASE("what keeps the histogram away leaves the diagram") {
   SUBCASE("no metadata") { run.reading.store.SetMetaData(nullptr); }
   SUBCASE("no field of the target") { run.settings().fTargetIndex = 99; }
   SUBCASE("an editor that throws") {
-    state_of_thread()->editor.embedding_throws = true;
+    use_failing_editor(true);
     asked = 1;
   }
   const ChartCalls calls = effects_diagram(run);
@@ -278,7 +278,7 @@ TEST_CASE("what keeps the histogram away leaves the diagram") {
 
 TEST_CASE("a machine that does not start is asked once a diagram") {
   ChartRun run;
-  state_of_thread()->editor.machine_can_start = false;
+  use_failing_editor(false);
   const ChartCalls calls = effects_diagram(run);
   CHECK(calls.count("VeltJVM::StartJVM") == 1);
   CHECK(calls.count("VeltJVM::AttachCurrentThread") == 0);

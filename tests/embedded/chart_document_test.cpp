@@ -192,7 +192,7 @@ TEST_CASE("the JSON form has the data of a chart by source, variable and row") {
   variable->addRelabel(0.1, ChartString("a tenth"));
   document.SetChartData(&data);
   document.SendChart(true, false, false);
-  const std::string json = report::render_json(session.state().document, {});
+  const std::string json = report::render_json(session.state().outputs.document, {});
   CHECK(count_of(json, R"({"name":"n","rows":4,"variables":[)") == 1);
   CHECK(count_of(json, R"({"name":"v","role":"v","label":"Label","categorical":false,)"
                        R"("holdsStrings":false,"width":8,"decimals":2,)"

@@ -3,8 +3,8 @@
 
 #include "host/editor.h"
 
-#include "embedded/session_state.h"
 #include "tests/embedded/chart_session.h"
+#include "tests/embedded/failing_editor.h"
 
 using namespace hierfit;
 using namespace hierfit::test;
@@ -88,12 +88,12 @@ TEST_CASE("the machine starts once a session, unless it is told to fail") {
     CHECK(count_of(session.journal(), "VeltJVM::AttachCurrentThread") == 2);
   }
   SUBCASE("a machine that does not start embeds nothing") {
-    session.state().editor.machine_can_start = false;
+    use_failing_editor(false);
     CHECK(embed(graph, template_text("GLMMHistogram")).empty());
     CHECK_FALSE(VeltJVM::GetInstance().IsStarted());
   }
   SUBCASE("an editor that throws leaves a line without a result") {
-    session.state().editor.embedding_throws = true;
+    use_failing_editor(true);
     CHECK_THROWS_AS(embed("g", "h"), JNIException);
     const std::string journal = session.journal();
     const size_t line = journal.find(R"({"call":"GlyphEditor::EmbedHistogramInGraph")");

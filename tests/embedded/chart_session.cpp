@@ -16,7 +16,7 @@ const std::string ChartSession::kModel = pmml(
     R"(<MiningField name="y"/><MiningField name="g"/><MiningField name="s"/>)");
 
 VELT_Variable* ChartSession::variable(const std::string& name) {
-  return state().dictionary.GetVariable(state().dictionary.FindVarIndex(name, 0));
+  return state().inputs.dictionary.GetVariable(state().inputs.dictionary.FindVarIndex(name, 0));
 }
 
 std::vector<output::Chart> ChartSession::take_charts() {

@@ -48,7 +48,7 @@ void with_dictionary(const std::string& overlay, Use use) {
   SessionInput input = test::session_input("<StatXML/>", kModel);
   if (!overlay.empty()) input.dictionary = overlay;
   Session session(std::move(input), test::plain_options());
-  use(session.state().dictionary);
+  use(session.state().inputs.dictionary);
 }
 
 template <class Make>
