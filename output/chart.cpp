@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "output/utf8.h"
+
 namespace hierfit::output {
 namespace {
 
@@ -14,21 +16,6 @@ struct Entity {
 constexpr Entity kEntities[] = {{"<BR/>", "\n"}, {"&amp;", "&"},   {"&lt;", "<"},
                                 {"&gt;", ">"},   {"&quot;", "\""}, {"&apos;", "'"}};
 
-/// Whether XML 1.0 has this character.
-bool is_xml_character(uint32_t code) {
-  if (code < 0x20) return code == '\t' || code == '\n' || code == '\r';
-  return code < 0xD800 || (code > 0xDFFF && code != 0xFFFE && code != 0xFFFF && code <= 0x10FFFF);
-}
-
-void append_utf8(std::string& out, uint32_t code) {
-  constexpr unsigned kLeads[] = {0, 0xC0, 0xE0, 0xF0};
-  const int tail = code < 0x80 ? 0 : code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
-  out += static_cast<char>(kLeads[tail] | (code >> (6 * tail)));
-  for (int i = tail - 1; i >= 0; --i) {
-    out += static_cast<char>(0x80 | ((code >> (6 * i)) & 0x3F));
-  }
-}
-
 /// Appends the character of a reference that begins `rest` ("&#9472;", "&#x2500;"). Gives the
 /// length of the reference; 0, with nothing appended, when it is none.
 size_t append_reference(std::string& out, std::string_view rest) {
@@ -38,8 +25,8 @@ size_t append_reference(std::string& out, std::string_view rest) {
   const char* last = rest.data() + rest.size();
   uint32_t code = 0;
   const auto [end, error] = std::from_chars(first, last, code, hexadecimal ? 16 : 10);
-  if (error != std::errc() || end == last || *end != ';' || !is_xml_character(code)) return 0;
-  append_utf8(out, code);
+  if (error != std::errc() || end == last || *end != ';' || !utf8::is_xml_character(code)) return 0;
+  utf8::append(out, code);
   return static_cast<size_t>(end + 1 - rest.data());
 }
 

@@ -10,6 +10,7 @@
 #include "embedded/chart/variable.h"
 #include "embedded/error.h"
 #include "embedded/session_state.h"
+#include "output/utf8.h"
 
 using namespace hierfit;
 using chart::Element;
@@ -121,7 +122,7 @@ void XDocument::SetDescription(const char16_t* text) {
   const std::u16string_view description =
       text == nullptr ? std::u16string_view() : std::u16string_view(text);
   impl_->note("XDocument::SetDescription", description);
-  impl_->description = chart::plain_text(chart::to_utf8(description));
+  impl_->description = chart::plain_text(utf8::from_utf16(description));
 }
 
 void XDocument::SetChartData(VarDataProcessor* data) {

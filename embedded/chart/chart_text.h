@@ -1,4 +1,4 @@
-// Texts of charts: their two encodings, and what XML can hold of them.
+// Texts of charts: what XML can hold of them.
 #pragma once
 
 #include <string>
@@ -8,13 +8,9 @@
 
 namespace hierfit::chart {
 
-/// U+FFFD stands for what is not valid in either encoding.
-std::u16string to_utf16(std::string_view utf8);
-std::string to_utf8(std::u16string_view utf16);
-
 /// The text as valid UTF-8 of characters that XML 1.0 knows: what is not valid becomes U+FFFD, a
 /// character that XML does not know goes. Marks of XML stay as they are.
-std::string xml_characters(std::string_view utf8);
+std::string xml_characters(std::string_view text);
 
 /// What a reader sees of a text of the library (`output::plain_text`), fit for a document.
 std::string plain_text(const ChartString& text);

@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "output/utf8.h"
+
 namespace hierfit::journal {
 namespace {
 
@@ -38,19 +40,6 @@ void append_number(std::string& out, Value value) {
   std::array<char, 32> buffer;
   const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
   out.append(buffer.data(), end);
-}
-
-void append_utf8(std::string& out, char32_t code) {
-  if (code < 0x80) {
-    out += static_cast<char>(code);
-    return;
-  }
-  const int tail = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
-  constexpr unsigned kLead[] = {0, 0xC0, 0xE0, 0xF0};
-  out += static_cast<char>(kLead[tail] | (code >> (6 * tail)));
-  for (int i = tail - 1; i >= 0; --i) {
-    out += static_cast<char>(0x80 | ((code >> (6 * i)) & 0x3F));
-  }
 }
 
 }  // namespace
@@ -109,18 +98,7 @@ void append_json(std::string& out, const Id* id) {
 void append_json(std::string& out, std::nullptr_t) { out += "null"; }
 
 void append_json(std::string& out, std::u16string_view text) {
-  std::string utf8;
-  for (size_t i = 0; i < text.size(); ++i) {
-    char32_t code = text[i];
-    const bool leads = code >= 0xD800 && code < 0xDC00;
-    if (leads && i + 1 < text.size() && (text[i + 1] & 0xFC00) == 0xDC00) {
-      code = 0x10000 + ((code & 0x3FF) << 10) + (text[++i] & 0x3FFu);
-    } else if ((code & 0xF800) == 0xD800) {
-      code = 0xFFFD;
-    }
-    append_utf8(utf8, code);
-  }
-  append_json(out, utf8);
+  append_json(out, utf8::from_utf16(text));
 }
 
 Line::Line(Journal* journal, std::string_view call) : journal_(journal) {

@@ -1,17 +1,15 @@
 #include "embedded/xml/lookup_trace.h"
 
+#include "output/utf8.h"
+
 namespace hierfit::xml {
 namespace {
 
 constexpr size_t kShownValue = 60;  // bytes of an attribute's value that a message quotes
 
 std::string quoted(std::string_view value) {
-  if (value.size() <= kShownValue) return "\"" + std::string(value) + "\"";
-  size_t end = kShownValue;
-  while (end > 0 && (static_cast<unsigned char>(value[end]) & 0xC0) == 0x80) {
-    --end;
-  }
-  return "\"" + std::string(value.substr(0, end)) + "\u2026\"";
+  const std::string_view shown = utf8::first_bytes(value, kShownValue);
+  return "\"" + std::string(shown) + (shown.size() < value.size() ? "\u2026\"" : "\"");
 }
 
 std::string sentence_of_miss(LookupTrace::Step step,
