@@ -6,12 +6,10 @@
 
 #include "host/pmml.h"
 
+#include "backend/hierfit/frame/Messages.h"
 #include "backend/hierfit/reader/Elements.h"
 
 namespace {
-
-constexpr BpErrorShow kShowInOutput{2};
-constexpr BpErrorLevel kErrorLevel{3};
 
 /// What the result document may unpack to: the largest single matrix, and twice as many numbers as
 /// its text has bytes, which is more than honest matrices of any size need.

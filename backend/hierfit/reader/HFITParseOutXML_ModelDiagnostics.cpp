@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr std::string_view kMissingItem = "__MISSING__";
-
 // clang-format off
 constexpr AttributeBinding<ModelDiagnostics> kFitStatistics[] = {
     {"AICC", &ModelDiagnostics::fAICC},

@@ -1,6 +1,7 @@
 #include "backend/hierfit/tables/HFITEmmeansOutput.h"
 
 #include "backend/hierfit/charts/HFITChartOutput.h"
+#include "backend/hierfit/frame/Messages.h"
 #include "backend/hierfit/store/EffectText.h"
 #include "backend/hierfit/tables/CellText.h"
 #include "backend/hierfit/tables/TableShape.h"
@@ -12,28 +13,14 @@ constexpr std::size_t kManyBlocks = 20;
 constexpr char kTooManyBlocks[] = "kGLMM_C24";
 constexpr char kNotEstimable[] = "kGLMM_C25";
 
-struct GrandMeanColumn {
-  StatisticColumn column;
-  double ModelDiagnostics::*value;
-};
-
-constexpr GrandMeanColumn kMeanColumns[] = {
+constexpr Column<ModelDiagnostics> kMeanColumns[] = {
     {{"Mean", BpProcedure::Coefficient}, &ModelDiagnostics::fGrandMean},
     {{"Std. Error", BpProcedure::Coefficient}, &ModelDiagnostics::fGrandMeanStdErr},
 };
-constexpr GrandMeanColumn kMeanBounds[] = {
+constexpr Column<ModelDiagnostics> kMeanBounds[] = {
     {{"Lower", BpProcedure::Coefficient}, &ModelDiagnostics::fGrandMeanCILower},
     {{"Upper", BpProcedure::Coefficient}, &ModelDiagnostics::fGrandMeanCIUpper},
 };
-
-template <std::size_t N>
-void WriteColumns(BpGroup& group,
-                  const GrandMeanColumn (&columns)[N],
-                  const ModelDiagnostics& diagnostics) {
-  for (const GrandMeanColumn& column : columns) {
-    WriteStatistic(group, column.column, diagnostics.*column.value);
-  }
-}
 
 }  // namespace
 

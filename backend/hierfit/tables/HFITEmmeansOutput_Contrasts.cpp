@@ -1,5 +1,4 @@
 // The contrasts of the compared factor.
-#include <algorithm>
 #include <optional>
 
 #include "backend/hierfit/charts/HFITChartOutput.h"
@@ -23,50 +22,17 @@ constexpr ContrastNames kContrastNames[] = {
     {"Simple Contrasts", "^1 Simple Contrasts"},
 };
 
-struct ContrastColumn {
-  StatisticColumn column;
-  CoordinatesData EmmeansContrastData::*values;
-};
-
-constexpr ContrastColumn kContrastColumns[] = {
+constexpr ListColumn<EmmeansContrastData> kContrastColumns[] = {
     {{"Contrast Estimate", BpProcedure::Coefficient}, &EmmeansContrastData::fContrastEstimate},
     {{"Std. Error", BpProcedure::Coefficient}, &EmmeansContrastData::fStdErr},
     {{"t", BpProcedure::Coefficient}, &EmmeansContrastData::fTTest},
     {{"df", BpProcedure::Count}, &EmmeansContrastData::fDf},
     {{"Adj. Sig.", BpProcedure::Coefficient}, &EmmeansContrastData::fAdjustedSig},
 };
-constexpr ContrastColumn kBounds[] = {
+constexpr ListColumn<EmmeansContrastData> kBounds[] = {
     {{"Lower", BpProcedure::Coefficient}, &EmmeansContrastData::fConfIntervalLower},
     {{"Upper", BpProcedure::Coefficient}, &EmmeansContrastData::fConfIntervalUpper},
 };
-
-template <std::size_t N>
-bool HaveLength(const EmmeansContrastData& contrasts,
-                const ContrastColumn (&columns)[N],
-                std::size_t length) {
-  return std::ranges::all_of(columns, [&](const ContrastColumn& column) {
-    return (contrasts.*column.values).fvValues.size() == length;
-  });
-}
-
-bool IsConsistent(const EmmeansContrastData& contrasts) {
-  const std::size_t length = contrasts.fvCoordinates.front().fvValues.size();
-  return std::ranges::all_of(contrasts.fvCoordinates,
-                             [length](const CoordinatesData& factor) {
-                               return factor.fvValues.size() == length;
-                             }) &&
-         HaveLength(contrasts, kContrastColumns, length) && HaveLength(contrasts, kBounds, length);
-}
-
-template <std::size_t N>
-void WriteColumns(BpGroup& group,
-                  const ContrastColumn (&columns)[N],
-                  const EmmeansContrastData& contrasts,
-                  std::size_t row) {
-  for (const ContrastColumn& column : columns) {
-    WriteStatistic(group, column.column, CellNumber((contrasts.*column.values).fvValues[row]));
-  }
-}
 
 /// The names of the kind of the contrasts; null for a kind that has no table.
 const ContrastNames* NamesOf(const EmmeansContrastData& contrasts) {
@@ -153,7 +119,9 @@ std::optional<BpPivotTable> HFITEmmeansOutput::ContrastTable(BpHeading& heading,
   const std::size_t nEffect = SpecOf(emmeansData).fFactors.fvVarIndices.size();
   std::vector<VELT_Variable*> others;
   VELT_Variable* compared = nullptr;
-  if (!(nFactor >= 2 && nEffect + 1 == nFactor) || !IsConsistent(contrasts)) return {};
+  if (!(nFactor >= 2 && nEffect + 1 == nFactor) ||
+      !AreParallel(contrasts, kContrastColumns, kBounds))
+    return {};
   if (!FindContrastVariables(emmeansData, others, compared)) return {};
 
   BpPivotTable table = heading.PivotTable(Key(names.table), Text("Contrasts"), true);

@@ -1,7 +1,4 @@
 // The means of one requested effect.
-#include <algorithm>
-#include <optional>
-
 #include "backend/hierfit/tables/CellText.h"
 #include "backend/hierfit/tables/HFITEmmeansOutput.h"
 #include "backend/hierfit/tables/TableShape.h"
@@ -9,47 +6,14 @@
 
 namespace {
 
-struct EstimateColumn {
-  StatisticColumn column;
-  CoordinatesData EmmeansEstimData::*values;
-};
-
-constexpr EstimateColumn kMeanColumns[] = {
+constexpr ListColumn<EmmeansEstimData> kMeanColumns[] = {
     {{"Mean", BpProcedure::Coefficient}, &EmmeansEstimData::fMean},
     {{"Std. Error", BpProcedure::Coefficient}, &EmmeansEstimData::fStdErr},
 };
-constexpr EstimateColumn kBounds[] = {
+constexpr ListColumn<EmmeansEstimData> kBounds[] = {
     {{"Lower", BpProcedure::Coefficient}, &EmmeansEstimData::fConfIntervalLower},
     {{"Upper", BpProcedure::Coefficient}, &EmmeansEstimData::fConfIntervalUpper},
 };
-
-template <std::size_t N>
-bool HaveLength(const EmmeansEstimData& estimates,
-                const EstimateColumn (&columns)[N],
-                std::size_t length) {
-  return std::ranges::all_of(columns, [&](const EstimateColumn& column) {
-    return (estimates.*column.values).fvValues.size() == length;
-  });
-}
-
-bool IsConsistent(const EmmeansEstimData& estimates) {
-  const std::size_t length = estimates.fvCoordinates.front().fvValues.size();
-  return std::ranges::all_of(estimates.fvCoordinates,
-                             [length](const CoordinatesData& factor) {
-                               return factor.fvValues.size() == length;
-                             }) &&
-         HaveLength(estimates, kMeanColumns, length) && HaveLength(estimates, kBounds, length);
-}
-
-template <std::size_t N>
-void WriteColumns(BpGroup& group,
-                  const EstimateColumn (&columns)[N],
-                  const EmmeansEstimData& estimates,
-                  std::size_t row) {
-  for (const EstimateColumn& column : columns) {
-    WriteStatistic(group, column.column, CellNumber((estimates.*column.values).fvValues[row]));
-  }
-}
 
 }  // namespace
 
@@ -57,7 +21,8 @@ void HFITEmmeansOutput::EstimatesOutput(BpHeading& heading, const EmmeansData& e
   const EmmeansEstimData& estimates = emmeansData.fEstimates;
   const std::size_t nFactor = estimates.fvCoordinates.size();
   const std::size_t nEffect = SpecOf(emmeansData).fFactors.fvVarIndices.size();
-  if (!(nFactor > 0 && nEffect == nFactor) || !IsConsistent(estimates)) return;
+  if (!(nFactor > 0 && nEffect == nFactor) || !AreParallel(estimates, kMeanColumns, kBounds))
+    return;
   std::vector<VELT_Variable*> variables;
   for (const CoordinatesData& factor : estimates.fvCoordinates) {
     variables.push_back(FindVariable(factor.fField));

@@ -7,12 +7,7 @@
 
 namespace {
 
-struct TestColumn {
-  StatisticColumn column;
-  double EmmeansOverallTest::*value;
-};
-
-constexpr TestColumn kTestColumns[] = {
+constexpr Column<EmmeansOverallTest> kTestColumns[] = {
     {{"F", BpProcedure::Coefficient}, &EmmeansOverallTest::fFStatistic},
     {{"df1", BpProcedure::Count}, &EmmeansOverallTest::fDf1},
     {{"df2", BpProcedure::Count}, &EmmeansOverallTest::fDf2},
@@ -55,8 +50,6 @@ void HFITEmmeansOutput::OverallTestsOutput(BpHeading& heading, const EmmeansData
       factors[i].Category(BpDataValue(fpDataSource->GetVariable(fields[i]),
                                       test.fFields.fSubjectValues[i].GetObsValue(), kPreferLabel));
     }
-    for (const TestColumn& column : kTestColumns) {
-      WriteStatistic(statistics, column.column, test.*column.value);
-    }
+    WriteColumns(statistics, kTestColumns, test);
   }
 }

@@ -1,6 +1,7 @@
 // The layout of the first subject's records.
 #include <algorithm>
 
+#include "backend/hierfit/frame/Messages.h"
 #include "backend/hierfit/tables/CellText.h"
 #include "backend/hierfit/tables/HFITOutput.h"
 #include "backend/hierfit/tables/TableShape.h"

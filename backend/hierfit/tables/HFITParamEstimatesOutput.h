@@ -68,21 +68,40 @@ class HFITParamEstimatesOutput {
   struct StyleRule;
   /// The style of all rows of one table.
   RowStyle StyleOf(int32_t block) const;
-  void CovarianceRows(BpDimension& rows,
-                      BpDimension& columns,
+  /// How the rows of a covariance table are laid out.
+  enum class Layout { Plain, ByGroup, ByTarget };
+  /// What tells the covariance tables apart.
+  struct CovarianceLayout {
+    Layout layout;
+    int32_t covarianceType;
+    const EffectStruct* subjects;  ///< null: the caption names none
+    bool repeatsWarnings;          ///< whether the caption repeats those of the engine
+    const char* rows;              ///< key of the title
+    const char* columns;
+  };
+  /// A covariance table that is open, as its dimensions are.
+  struct CovarianceTable {
+    Layout layout;
+    BpDimension rows;
+    std::optional<BpDimension> outer;  ///< none in a plain layout
+    BpDimension columns;
+  };
+  CovarianceTable LayOut(BpPivotTable table, const CovarianceLayout& layout);
+  void CovarianceRows(CovarianceTable& table,
+                      const std::vector<ParamEstimData>& estimates,
+                      int32_t block);
+  void CovarianceRows(CovarianceTable& table,
                       const ParamEstimData& paramEstimData,
                       int32_t block,
                       const RowStyle& style);
-  /// How the rows of a covariance table are laid out.
-  enum class Layout { Plain, ByGroup, ByTarget };
 
   const RandomSpec* SpecOf(int64_t block) const;
   Layout LayoutOf(const std::vector<std::string>& groupSpec) const;
   static bool Fits(Layout layout, const SegmentInfoData& segment);
+  static bool AllFit(Layout layout, const std::vector<ParamEstimData>& estimates);
   BpDimension AddOuterDimension(BpPivotTable& table, Layout layout) const;
-  void OuterCategory(BpDimension& dimension, Layout layout, const SegmentInfoData& segment) const;
+  void OuterCategory(CovarianceTable& table, const SegmentInfoData& segment) const;
   std::string SubjectText(const EffectStruct& subjectSpec);
-  BpComposite OpenCovarianceCaption(int32_t covarianceType, const EffectStruct* subjectSpec);
   BpComposite GroupLabel(const SegmentInfoData& segment) const;
   BpDataValue TargetValue(const CFStatVariableValue& value) const;
   const VELT_Variable* Target() const;

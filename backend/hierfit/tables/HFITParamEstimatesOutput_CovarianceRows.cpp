@@ -61,8 +61,17 @@ HFITParamEstimatesOutput::RowStyle HFITParamEstimatesOutput::StyleOf(int32_t blo
   return style;
 }
 
-void HFITParamEstimatesOutput::CovarianceRows(BpDimension& rows,
-                                              BpDimension& columns,
+void HFITParamEstimatesOutput::CovarianceRows(CovarianceTable& table,
+                                              const std::vector<ParamEstimData>& estimates,
+                                              int32_t block) {
+  const RowStyle style = StyleOf(block);
+  for (const ParamEstimData& data : estimates) {
+    OuterCategory(table, data.fFiledData);
+    CovarianceRows(table, data, block, style);
+  }
+}
+
+void HFITParamEstimatesOutput::CovarianceRows(CovarianceTable& table,
                                               const ParamEstimData& paramEstimData,
                                               int32_t block,
                                               const RowStyle& style) {
@@ -80,21 +89,21 @@ void HFITParamEstimatesOutput::CovarianceRows(BpDimension& rows,
     std::string label;
     fpHFITOutputStats->GetPrintableListText(row.fPrintableList, block, key, parameters, label);
 
-    BpCategory category = rows.Category(Text(label));
+    BpCategory category = table.rows.Category(Text(label));
     if (block == kResidualBlock && key == kResidualVariance) {
       category.CellNote(Footnote(Key("This is the scale parameter.")));
     }
     BpCategory estimate =
-        WriteStatistic(columns, kEstimate, style.fixedValue.value_or(row.fEstimate));
+        WriteStatistic(table.columns, kEstimate, style.fixedValue.value_or(row.fEstimate));
     if (row.fIsRedundant) estimate.CellNote(Footnote(Key("Parameter redundant")));
     if (style.note != nullptr) estimate.CellNote(Footnote(Key(style.note)));
-    if (style.hasErrorAndBounds) WriteStatistic(columns, kStdError, fixedOr(row.fStdError));
+    if (style.hasErrorAndBounds) WriteStatistic(table.columns, kStdError, fixedOr(row.fStdError));
     if (style.hasTest) {
-      columns.Category(Text("Z")).Cell(
+      table.columns.Category(Text("Z")).Cell(
           BpNumber(unlessRedundant(row.fZTest), BpProcedure::Coefficient()));
-      WriteStatistic(columns, kSig, unlessRedundant(row.fSig));
+      WriteStatistic(table.columns, kSig, unlessRedundant(row.fSig));
     }
-    BpGroup interval = GroupOf(columns, intervalTitle);
+    BpGroup interval = GroupOf(table.columns, intervalTitle);
     if (style.hasErrorAndBounds) {
       WriteStatistic(interval, kLower, fixedOr(row.fConfIntervalLower));
       WriteStatistic(interval, kUpper, fixedOr(row.fConfIntervalUpper));

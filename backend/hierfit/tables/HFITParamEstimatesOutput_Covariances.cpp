@@ -94,15 +94,6 @@ BpComposite HFITParamEstimatesOutput::GroupLabel(const SegmentInfoData& segment)
   return label;
 }
 
-/// The start of a caption: the structure and, unless there are no subjects, their specification.
-BpComposite HFITParamEstimatesOutput::OpenCovarianceCaption(int32_t covarianceType,
-                                                            const EffectStruct* subjectSpec) {
-  BpComposite caption(subjectSpec == nullptr ? kNoSubjectCaption : kSubjectCaption, true);
-  caption.Add(Text(fpHFITOutputStats->CovarianceTypeName(covarianceType, true)));
-  if (subjectSpec != nullptr) caption.Add(Text(SubjectText(*subjectSpec)));
-  return caption;
-}
-
 /// The warnings of the engine that the caption repeats, as its last argument.
 void HFITParamEstimatesOutput::AddWarningList(BpComposite& caption) const {
   std::vector<const char*> keys;
@@ -136,6 +127,11 @@ bool HFITParamEstimatesOutput::Fits(Layout layout, const SegmentInfoData& segmen
                                    : layout == Layout::Plain || HasOneValue(segment);
 }
 
+bool HFITParamEstimatesOutput::AllFit(Layout layout, const std::vector<ParamEstimData>& estimates) {
+  return std::ranges::all_of(
+      estimates, [layout](const ParamEstimData& data) { return Fits(layout, data.fFiledData); });
+}
+
 /// The outer row dimension: the groups, or the categories of the target.
 BpDimension HFITParamEstimatesOutput::AddOuterDimension(BpPivotTable& table, Layout layout) const {
   if (layout == Layout::ByGroup) {
@@ -145,13 +141,30 @@ BpDimension HFITParamEstimatesOutput::AddOuterDimension(BpPivotTable& table, Lay
                       Shown::TitleAndLabels);
 }
 
-void HFITParamEstimatesOutput::OuterCategory(BpDimension& dimension,
-                                             Layout layout,
+/// The caption names the structure and, unless there are no subjects, their specification.
+HFITParamEstimatesOutput::CovarianceTable HFITParamEstimatesOutput::LayOut(
+    BpPivotTable table, const CovarianceLayout& layout) {
+  const bool hasSubjects = layout.subjects != nullptr;
+  BpComposite caption(hasSubjects ? kSubjectCaption : kNoSubjectCaption, true);
+  caption.Add(Text(fpHFITOutputStats->CovarianceTypeName(layout.covarianceType, true)));
+  if (hasSubjects) caption.Add(Text(SubjectText(*layout.subjects)));
+  if (layout.repeatsWarnings) AddWarningList(caption);
+  caption.Finish();
+  table.Caption(caption);
+  BpDimension rows = AddDimension(table, Key(layout.rows), kRows, 1, Shown::TitleAndLabels);
+  std::optional<BpDimension> outer;
+  if (layout.layout != Layout::Plain) outer = AddOuterDimension(table, layout.layout);
+  BpDimension columns = AddDimension(table, Key(layout.columns), kColumns, 1, Shown::LabelsAlone);
+  return {layout.layout, rows, outer, columns};
+}
+
+/// Asks for the row of the outer dimension, if there is one.
+void HFITParamEstimatesOutput::OuterCategory(CovarianceTable& table,
                                              const SegmentInfoData& segment) const {
-  if (layout == Layout::ByGroup) {
-    dimension.Category(GroupLabel(segment));
-  } else {
-    dimension.Category(TargetValue(segment.fSubjectValues.front()));
+  if (table.layout == Layout::ByGroup) {
+    table.outer->Category(GroupLabel(segment));
+  } else if (table.layout == Layout::ByTarget) {
+    table.outer->Category(TargetValue(segment.fSubjectValues.front()));
   }
 }
 
@@ -181,20 +194,17 @@ void HFITParamEstimatesOutput::RandomEffectBlockOutput(BpHeading& heading,
   if (!(segments.size() == nCat) || (layout == Layout::Plain && !(nCat == 1))) return;
   if (!std::ranges::all_of(matrices, hasPlace) || !std::ranges::all_of(segments, fits)) return;
 
-  BpPivotTable table =
-      heading.PivotTable(BlockTitle(static_cast<double>(block)), Text("RandomEffects"), true);
-  BpComposite caption = OpenCovarianceCaption(spec->fCovType, &spec->fSubjectSpec);
-  caption.Finish();
-  table.Caption(caption);
-  BpDimension rows =
-      AddDimension(table, Key("Random Effect Block"), kRows, 1, Shown::TitleAndLabels);
-  std::optional<BpDimension> groups;
-  if (layout != Layout::Plain) groups = AddOuterDimension(table, layout);
-  BpDimension columns =
-      AddDimension(table, Key("Random Effect Block Column"), kColumns, 1, Shown::LabelsAlone);
+  CovarianceTable table = LayOut(
+      heading.PivotTable(BlockTitle(static_cast<double>(block)), Text("RandomEffects"), true),
+      {.layout = layout,
+       .covarianceType = spec->fCovType,
+       .subjects = &spec->fSubjectSpec,
+       .repeatsWarnings = false,
+       .rows = "Random Effect Block",
+       .columns = "Random Effect Block Column"});
   for (std::size_t g = 0; g < nCat; ++g) {
-    if (groups) OuterCategory(*groups, layout, segments[g]);
-    FillMatrix(rows, columns, labels, matrices[g]);
+    OuterCategory(table, segments[g]);
+    FillMatrix(table.rows, table.columns, labels, matrices[g]);
   }
 }
 
@@ -238,26 +248,18 @@ void HFITParamEstimatesOutput::ResidualEffectOutput(
     BpHeading& heading, const std::vector<ParamEstimData>& paramEstimVect) {
   const bool isGrouped = !fpBuildSettings->fvResidualGroupSpec.empty();
   if (!(isGrouped ? paramEstimVect.size() >= 1 : paramEstimVect.size() == 1)) return;
-  const auto isParallel = [](const ParamEstimData& data) { return IsParallel(data.fFiledData); };
-  if (isGrouped && !std::ranges::all_of(paramEstimVect, isParallel)) return;
+  const Layout layout = isGrouped ? Layout::ByGroup : Layout::Plain;
+  if (!AllFit(layout, paramEstimVect)) return;
 
-  BpPivotTable table = heading.PivotTable(Key("Residual Effect"), Text("ResidualEffect"), true);
-  BpComposite caption =
-      OpenCovarianceCaption(fpBuildSettings->fResidualCovType,
-                            HasNoSubjects() ? nullptr : &fpBuildSettings->fResidualSubjectSpec);
-  AddWarningList(caption);
-  caption.Finish();
-  table.Caption(caption);
-  BpDimension rows = AddDimension(table, Key("Residual Effect"), kRows, 1, Shown::TitleAndLabels);
-  std::optional<BpDimension> groups;
-  if (isGrouped) groups = AddOuterDimension(table, Layout::ByGroup);
-  BpDimension columns = AddDimension(table, Key("Residual Effect Covariance Column"), kColumns, 1,
-                                     Shown::LabelsAlone);
-  const RowStyle style = StyleOf(kResidualBlock);
-  for (const ParamEstimData& data : paramEstimVect) {
-    if (groups) OuterCategory(*groups, Layout::ByGroup, data.fFiledData);
-    CovarianceRows(rows, columns, data, kResidualBlock, style);
-  }
+  CovarianceTable table =
+      LayOut(heading.PivotTable(Key("Residual Effect"), Text("ResidualEffect"), true),
+             {.layout = layout,
+              .covarianceType = fpBuildSettings->fResidualCovType,
+              .subjects = HasNoSubjects() ? nullptr : &fpBuildSettings->fResidualSubjectSpec,
+              .repeatsWarnings = true,
+              .rows = "Residual Effect",
+              .columns = "Residual Effect Covariance Column"});
+  CovarianceRows(table, paramEstimVect, kResidualBlock);
 }
 
 void HFITParamEstimatesOutput::RandomEffectOutput(BpHeading& heading,
@@ -267,29 +269,20 @@ void HFITParamEstimatesOutput::RandomEffectOutput(BpHeading& heading,
   const RandomSpec* spec = SpecOf(block);
   if (spec == nullptr) return;
   const Layout layout = LayoutOf(spec->fvGroupSpec);
-  const std::size_t nCat = paramEstimVect.size();
-  const auto fits = [&](const ParamEstimData& data) { return Fits(layout, data.fFiledData); };
-  if (layout == Layout::Plain && !(nCat == 1)) return;
-  if (!std::ranges::all_of(paramEstimVect, fits)) return;
+  if (layout == Layout::Plain && !(paramEstimVect.size() == 1)) return;
+  if (!AllFit(layout, paramEstimVect)) return;
 
   const bool isOnly = blockCount < 2;
-  BpPivotTable table =
+  BpPivotTable opened =
       isOnly ? heading.PivotTable(Key("Random Effect"), Text("CovarianceParameters"), true)
              : heading.PivotTable(BlockTitle(block), Text("CovarianceParameters"), true);
-  BpComposite caption = OpenCovarianceCaption(spec->fCovType, &spec->fSubjectSpec);
-  AddWarningList(caption);
-  caption.Finish();
-  table.Caption(caption);
-  const char* rowsTitle = layout == Layout::Plain || blockCount == 1 ? "Random Effect Covariance"
-                                                                     : "Random Effect Block";
-  BpDimension rows = AddDimension(table, Key(rowsTitle), kRows, 1, Shown::TitleAndLabels);
-  std::optional<BpDimension> groups;
-  if (layout != Layout::Plain) groups = AddOuterDimension(table, layout);
-  BpDimension columns =
-      AddDimension(table, Key("Random Effect Covariance Column"), kColumns, 1, Shown::LabelsAlone);
-  const RowStyle style = StyleOf(block);
-  for (const ParamEstimData& data : paramEstimVect) {
-    if (groups) OuterCategory(*groups, layout, data.fFiledData);
-    CovarianceRows(rows, columns, data, block, style);
-  }
+  CovarianceTable table = LayOut(
+      std::move(opened), {.layout = layout,
+                          .covarianceType = spec->fCovType,
+                          .subjects = &spec->fSubjectSpec,
+                          .repeatsWarnings = true,
+                          .rows = layout == Layout::Plain || isOnly ? "Random Effect Covariance"
+                                                                    : "Random Effect Block",
+                          .columns = "Random Effect Covariance Column"});
+  CovarianceRows(table, paramEstimVect, block);
 }

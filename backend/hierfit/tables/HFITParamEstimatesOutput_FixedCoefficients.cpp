@@ -6,41 +6,25 @@
 
 namespace {
 
-struct CoefficientColumn {
-  StatisticColumn column;
-  double ParamStatData::*value;
-};
-
 constexpr StatisticColumn kCoefficient = {"Coefficient", BpProcedure::Coefficient};
 constexpr StatisticColumn kRedundantCoefficient = {"Coefficient", BpProcedure::Count};
 
-constexpr CoefficientColumn kTestColumns[] = {
+constexpr Column<ParamStatData> kTestColumns[] = {
     {{"Std. Error", BpProcedure::CoefficientSE}, &ParamStatData::fStdError},
     {{"t", BpProcedure::GeneralStat}, &ParamStatData::fTTest},
     {{"Sig.", BpProcedure::Significance}, &ParamStatData::fSig},
 };
-constexpr CoefficientColumn kBounds[] = {
+constexpr Column<ParamStatData> kBounds[] = {
     {{"Lower", BpProcedure::Coefficient}, &ParamStatData::fConfIntervalLower},
     {{"Upper", BpProcedure::Coefficient}, &ParamStatData::fConfIntervalUpper},
 };
-constexpr CoefficientColumn kExpCoefficient[] = {
+constexpr Column<ParamStatData> kExpCoefficient[] = {
     {{"Exp(Coefficient)", BpProcedure::Coefficient}, &ParamStatData::fExpEstimate},
 };
-constexpr CoefficientColumn kExpBounds[] = {
+constexpr Column<ParamStatData> kExpBounds[] = {
     {{"Lower", BpProcedure::Coefficient}, &ParamStatData::fExpCILower},
     {{"Upper", BpProcedure::Coefficient}, &ParamStatData::fExpCIUpper},
 };
-
-/// A redundant coefficient has none of these numbers.
-template <std::size_t N>
-void WriteColumns(BpGroup& group,
-                  const CoefficientColumn (&columns)[N],
-                  const ParamStatData& row,
-                  double missing) {
-  for (const CoefficientColumn& column : columns) {
-    WriteStatistic(group, column.column, row.fIsRedundant ? missing : row.*column.value);
-  }
-}
 
 }  // namespace
 
@@ -130,12 +114,15 @@ void HFITParamEstimatesOutput::CoefficientRow(BpDimension& statistics,
   } else {
     WriteStatistic(statistics, kCoefficient, row.fEstimate);
   }
-  WriteColumns(statistics, kTestColumns, row, fMissingValue);
+  // A redundant coefficient has none of the other numbers.
+  static const ParamStatData kNoNumbers;
+  const ParamStatData& numbers = row.fIsRedundant ? kNoNumbers : row;
+  WriteColumns(statistics, kTestColumns, numbers);
   BpGroup interval = GroupOf(statistics, headings.interval);
-  WriteColumns(interval, kBounds, row, fMissingValue);
+  WriteColumns(interval, kBounds, numbers);
 
   if (row.fExpEstimate == fMissingValue) return;
-  WriteColumns(statistics, kExpCoefficient, row, fMissingValue);
+  WriteColumns(statistics, kExpCoefficient, numbers);
   BpGroup expInterval = GroupOf(statistics, headings.expInterval);
-  WriteColumns(expInterval, kExpBounds, row, fMissingValue);
+  WriteColumns(expInterval, kExpBounds, numbers);
 }

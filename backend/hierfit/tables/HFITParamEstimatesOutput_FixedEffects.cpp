@@ -6,23 +6,12 @@
 
 namespace {
 
-struct TestColumn {
-  StatisticColumn column;
-  double EffectTestData::*value;
-};
-
-constexpr TestColumn kTestColumns[] = {
+constexpr Column<EffectTestData> kTestColumns[] = {
     {{"F", BpProcedure::GeneralStat}, &EffectTestData::fFStatistic},
     {{"df1", BpProcedure::Count}, &EffectTestData::fDf1},
     {{"df2", BpProcedure::Count}, &EffectTestData::fDf2},
     {{"Sig.", BpProcedure::Significance}, &EffectTestData::fSig},
 };
-
-void WriteTest(BpDimension& statistics, const EffectTestData& test) {
-  for (const TestColumn& column : kTestColumns) {
-    WriteStatistic(statistics, column.column, test.*column.value);
-  }
-}
 
 }  // namespace
 
@@ -42,9 +31,9 @@ void HFITParamEstimatesOutput::FixedEffectsOutput() {
 
   BpCategory model = source.Category(Key("Corrected Model"));
   if (nEffects == 0) model.Note(Footnote(Key("Fixed effects intercept only ...")));
-  WriteTest(statistics, pEffectStatData->fCorrectedModel);
+  WriteColumns(statistics, kTestColumns, pEffectStatData->fCorrectedModel);
   for (std::size_t i = 0; i < nEffects; ++i) {
     source.Category(Text(fvEffectNames[i]));
-    WriteTest(statistics, pEffectStatData->fvFixedEffectTests[i]);
+    WriteColumns(statistics, kTestColumns, pEffectStatData->fvFixedEffectTests[i]);
   }
 }

@@ -2,11 +2,15 @@
 // that the operations of a pivot table take.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 
 #include "host/pivot.h"
 
+#include "backend/hierfit/store/Emmeans.h"
 #include "backend/hierfit/tables/CellText.h"
+#include "backend/hierfit/tables/TableText.h"
 
 /// Places of a dimension.
 inline constexpr int32_t kRows = 0;
@@ -23,10 +27,6 @@ inline constexpr int32_t kVariableInCell = 2;
 /// Preference values of a data value.
 inline constexpr int32_t kValueAlone = 0;
 inline constexpr int32_t kPreferLabel = 2;
-
-/// Where the messages of the tables go, and how grave they are.
-inline constexpr BpErrorShow kShowInOutput{2};
-inline constexpr BpErrorLevel kWarningLevel{2};
 
 /// What a dimension shows of itself.
 enum class Shown { TitleAndLabels, LabelsAlone, Nothing };
@@ -55,4 +55,45 @@ inline BpCategory WriteStatistic(BpGroup& columns, const StatisticColumn& column
   BpCategory category = columns.Category(Key(column.key));
   category.Cell(BpNumber(value, column.format()));
   return category;
+}
+
+/// A column of statistics, and the member of a record that its numbers stand in: one number, or a
+/// list with one for each row.
+template <class Record, class Value = double>
+struct Column {
+  StatisticColumn statistic;
+  Value Record::*value;
+};
+template <class Record>
+using ListColumn = Column<Record, CoordinatesData>;
+
+inline double NumberOf(double value, std::size_t) { return value; }
+inline double NumberOf(const CoordinatesData& list, std::size_t row) {
+  return CellNumber(list.fvValues[row]);
+}
+
+/// Writes the numbers of a record, or of one row of its lists, in the row last asked for.
+template <class Record, class Value, std::size_t N>
+void WriteColumns(BpGroup& group,
+                  const Column<Record, Value> (&columns)[N],
+                  const Record& record,
+                  std::size_t row = 0) {
+  for (const Column<Record, Value>& column : columns) {
+    WriteStatistic(group, column.statistic, NumberOf(record.*column.value, row));
+  }
+}
+
+/// Whether all coordinates of a record and the lists of the columns are equally long. It must have
+/// coordinates.
+template <class Record, std::size_t... N>
+bool AreParallel(const Record& record, const ListColumn<Record> (&... columns)[N]) {
+  const std::size_t length = record.fvCoordinates.front().fvValues.size();
+  const auto fits = [length](const CoordinatesData& list) {
+    return list.fvValues.size() == length;
+  };
+  const auto columnFits = [&](const ListColumn<Record>& column) {
+    return fits(record.*column.value);
+  };
+  return std::ranges::all_of(record.fvCoordinates, fits) &&
+         (std::ranges::all_of(columns, columnFits) && ...);
 }

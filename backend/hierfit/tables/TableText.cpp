@@ -10,7 +10,6 @@
 namespace {
 
 constexpr std::size_t kPieceLength = 255;
-constexpr char kMissingText[] = "__MISSING__";
 
 /// Where the next `count` characters end, counted from `begin`.
 std::size_t EndOfCharacters(const std::string& text, std::size_t begin, std::size_t count) {
@@ -76,5 +75,5 @@ std::unique_ptr<BpCellText> LongTextCell(const std::string& text) {
 }
 
 double CellNumber(const std::string& text) {
-  return text == kMissingText ? kSystemMissing : String2Double(text);
+  return text == kMissingItem ? kSystemMissing : String2Double(text);
 }
