@@ -90,13 +90,11 @@ class SDOMXMLWrapper {
   /// The iterator belongs to the root.
   bool GetElementIterator(std::string_view name, SDOMXMLIterator** iterator, bool flag);
 
-  /// False when the attribute is absent; `value` is then empty.
+  /// False when the attribute is absent; what `value` holds then is up to the host.
   bool GetAttribute(std::string_view name, std::string& value);
   /// The items of an `Array` element, in place of what `items` held; false, with `items` empty,
   /// when they cannot be read (an open quote, or a count that differs from the attribute `n`).
   bool GetSimpleArray(std::vector<std::string>& items);
-  /// The same without copies; the items belong to the root.
-  bool GetSimpleArray(std::vector<std::string_view>& items);
 
  private:
   struct Impl;
@@ -149,7 +147,7 @@ class CFStatVariableValue {
 
 /// The number that a whole text stands for; the system-missing number when it is none. A number is
 /// an optional sign, digits with at most one ".", and an optional exponent, in any locale.
-double String2Double(std::string_view text);
+double String2Double(const std::string& text);
 /// The whole number that a text of a sign and digits stands for; 0 for any other text and for a
 /// number beyond 32 bits.
 int32_t String2Integer(const std::string& text);

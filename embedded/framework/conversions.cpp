@@ -44,7 +44,7 @@ int32_t roman_sum(std::string_view text) {
 
 }  // namespace
 
-double String2Double(std::string_view text) {
+double String2Double(const std::string& text) {
   return hierfit::parse_number(text).value_or(hierfit::output::kSystemMissing);
 }
 

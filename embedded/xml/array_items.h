@@ -1,7 +1,6 @@
 // Splits the text of an `Array` element.
 #pragma once
 
-#include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,10 +12,5 @@ namespace hierfit::xml {
 /// space, `\"` for a quote and `\\` for a backslash. False when a quote is left open, or an item
 /// goes on behind its closing quote.
 bool split_items(std::string_view text, std::vector<std::string>& items);
-
-/// The same without copies: the items stand in the text, quoted ones in `storage`.
-bool view_items(std::string_view text,
-                std::vector<std::string_view>& items,
-                std::deque<std::string>& storage);
 
 }  // namespace hierfit::xml

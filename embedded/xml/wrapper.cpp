@@ -1,6 +1,5 @@
 // The framework's XML wrapper over a tree.
 #include <algorithm>
-#include <deque>
 #include <memory_resource>
 
 #include "host/framework.h"
@@ -23,7 +22,6 @@ struct LoadedDocument {
   Tree tree;
   LookupTrace trace;
   std::pmr::monotonic_buffer_resource handed_out;
-  std::deque<std::string> item_storage;  ///< items and arrays that do not stand in the tree
 
   /// The first element that the whole path reaches from `node`. As deep as the path has steps.
   NodeId find(NodeId node, std::string_view path) const {
@@ -52,9 +50,6 @@ struct SDOMXMLWrapper::Impl {
 
   const Tree& tree() const { return document->tree; }
   LookupTrace& trace() const { return document->trace; }
-
-  template <class Items, class Split>
-  bool read_array(Items& items, std::string& storage, const Split& split);
 
   static SDOMXMLWrapper* hand_out(LoadedDocument& document, NodeId node) {
     struct Element {
@@ -152,40 +147,27 @@ bool SDOMXMLWrapper::GetAttribute(std::string_view name, std::string& value) {
   return true;
 }
 
-/// Splits the text of the array with `split(text, items)`.
-template <class Items, class Split>
-bool SDOMXMLWrapper::Impl::read_array(Items& items, std::string& storage, const Split& split) {
-  const Tree& of = tree();
-  if (of.empty()) {
+bool SDOMXMLWrapper::GetSimpleArray(std::vector<std::string>& items) {
+  const Tree& tree = impl_->tree();
+  if (tree.empty()) {
     items.clear();
     return false;
   }
-  const std::string_view stated = of.attribute_text(node, "n");
+  std::string storage;
+  const std::string_view stated = tree.attribute_text(impl_->node, "n");
   const auto count = hierfit::parse_number(stated);
-  const std::string_view text = of.text(node, storage);
+  const std::string_view text = tree.text(impl_->node, storage);
   const auto most = static_cast<double>(text.size() / 2 + 1);  // an item and a blank each
   if (count && *count > 0 && *count <= most) items.reserve(static_cast<size_t>(*count));
-  const bool fits = split(text, items) &&
+  const bool fits = hierfit::xml::split_items(text, items) &&
                     (!hierfit::is_number(stated) || count == static_cast<double>(items.size()));
   if (!fits) {
     items.clear();
-    trace().missed(of, LookupTrace::Step::Array, node, "n");
+    impl_->trace().missed(tree, LookupTrace::Step::Array, impl_->node, "n");
     return false;
   }
-  trace().found(LookupTrace::Step::Array, node, "n");
+  impl_->trace().found(LookupTrace::Step::Array, impl_->node, "n");
   return true;
-}
-
-bool SDOMXMLWrapper::GetSimpleArray(std::vector<std::string>& items) {
-  std::string storage;
-  return impl_->read_array(items, storage, hierfit::xml::split_items);
-}
-
-bool SDOMXMLWrapper::GetSimpleArray(std::vector<std::string_view>& items) {
-  std::deque<std::string>& storage = impl_->document->item_storage;
-  return impl_->read_array(items, storage.emplace_back(), [&](std::string_view text, auto& views) {
-    return hierfit::xml::view_items(text, views, storage);
-  });
 }
 
 SDOMXMLIterator::~SDOMXMLIterator() = default;

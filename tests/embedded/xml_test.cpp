@@ -56,16 +56,12 @@ std::string complaint(const std::string& statxml, const ReadingProcedure::Read& 
 
 bool read_nothing(SDOMXMLWrapper&) { return true; }
 
-/// The items of the array in a document, joined with "|", or "unreadable". Items that stay in the
-/// document are the same.
+/// The items of the array in a document, joined with "|", or "unreadable".
 std::string items_of(const std::string& document) {
   SDOMXMLWrapper root;
   REQUIRE(root.LoadFromString(document) != nullptr);
   std::vector<std::string> items = {"left over"};
-  std::vector<std::string_view> views = {"left over"};
   const bool reads = root.GetSimpleArray(items);
-  CHECK(root.GetSimpleArray(views) == reads);
-  CHECK(std::ranges::equal(views, items));
   if (!reads) return items.empty() ? "unreadable" : "not emptied";
   std::string joined;
   for (const std::string& item : items) {

@@ -138,13 +138,6 @@ bool SDOMXMLWrapper::GetSimpleArray(std::vector<std::string>& items) {
   return false;
 }
 
-bool SDOMXMLWrapper::GetSimpleArray(std::vector<std::string_view>& items) {
-  auto& texts = impl_->loaded.hand_out<std::vector<std::string>>();
-  const bool reads = GetSimpleArray(texts);
-  items.assign(texts.begin(), texts.end());
-  return reads;
-}
-
 SDOMXMLIterator::~SDOMXMLIterator() = default;
 
 bool SDOMXMLIterator::Next(SDOMXMLWrapper** element) {
@@ -178,7 +171,7 @@ bool CFStatVariableValue::SetCompleteValue(const std::string& text,
   return LoadObsValue(variable, flag);
 }
 
-double String2Double(std::string_view text) {
+double String2Double(const std::string& text) {
   return number_in<double>(text).value_or(OBS().number);
 }
 

@@ -13,6 +13,7 @@
 
 #include "host/framework.h"
 
+#include "backend/hierfit/reader/Elements.h"
 #include "backend/hierfit/store/SystemMissing.h"
 
 /// What the absence of an attribute means for the element that lacks it.
@@ -78,9 +79,9 @@ bool ReadAttribute(SDOMXMLWrapper& element,
                    std::string& scratch,
                    Record& record) {
   if (auto field = std::get_if<std::string Record::*>(&binding.field)) {
-    return element.GetAttribute(binding.name, record.**field);
+    return ReadText(element, binding.name, record.**field);
   }
-  const bool isThere = element.GetAttribute(binding.name, scratch);
+  const bool isThere = ReadText(element, binding.name, scratch);
   StoreText(binding, scratch, record);
   return isThere;
 }

@@ -1,6 +1,7 @@
-// Short forms of the element look-ups of the XML wrapper.
+// Short forms of the look-ups of the XML wrapper.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "host/framework.h"
@@ -9,6 +10,14 @@
 inline SDOMXMLWrapper* FirstElement(SDOMXMLWrapper& parent, std::string_view path) {
   SDOMXMLWrapper* element = nullptr;
   return parent.GetFirstElement(path, &element, true) ? element : nullptr;
+}
+
+/// Reads the text of an attribute, which is empty when the attribute is absent; of itself, a host
+/// may leave the text alone then. Gives whether the attribute is there.
+inline bool ReadText(SDOMXMLWrapper& element, std::string_view name, std::string& text) {
+  const bool isThere = element.GetAttribute(name, text);
+  if (!isThere) text.clear();
+  return isThere;
 }
 
 /// A walk over the children of this name, or null when there are none.

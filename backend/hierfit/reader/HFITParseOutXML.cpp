@@ -151,7 +151,7 @@ bool HFITParseOutXML::ReadClassification(SDOMXMLWrapper& modelDiagnosticsElm) {
   SDOMXMLWrapper* classifMatrixElm = FirstElement(modelDiagnosticsElm, "Matrix");
   if (classifMatrixElm == nullptr) return true;
   std::string description;
-  classifMatrixElm->GetAttribute("description", description);
+  ReadText(*classifMatrixElm, "description", description);
   if (description != "classificationTable") return true;
   ClassifMatrixData* pClassifMatrixData = fpHFITOutputStats->NewClassifMatrixData();
   if (!(pClassifMatrixData != nullptr)) return false;

@@ -177,6 +177,6 @@ class HFITParseOutXML {
   BuildSettingsStruct* fpBuildSettings = nullptr;  ///< the store's, while it is read
   const std::string* fpPMMLStr;
   const std::string* fpStatXMLStr;
-  std::vector<std::string_view> fvItems;  ///< of the array in hand; its room serves the next one
-  std::size_t fUnpackedBytes = 0;         ///< of all matrices and all labels of covariances so far
+  std::vector<std::string> fvItems;  ///< of the array in hand; its room serves the next one
+  std::size_t fUnpackedBytes = 0;    ///< of all matrices and all labels of covariances so far
 };

@@ -167,7 +167,7 @@ bool ReadNamed(HFITParseOutXML& reader,
                const StructureBinding<Record> (&structures)[S],
                Record& record) {
   std::string value;
-  element.GetAttribute("value", value);
+  ReadText(element, "value", value);
   StoreNamed(values, name, value, record);
   const auto structure = std::ranges::find(structures, name, &StructureBinding<Record>::name);
   return structure == std::end(structures) || structure->read(reader, element, record);
@@ -184,7 +184,7 @@ bool ReadNamedAttributes(HFITParseOutXML& reader,
   if (attributeIter == nullptr) return false;
   std::string name;
   for (SDOMXMLWrapper* attributeElm = nullptr; attributeIter->Next(&attributeElm);) {
-    attributeElm->GetAttribute("name", name);
+    ReadText(*attributeElm, "name", name);
     if (!ReadNamed(reader, *attributeElm, name, values, structures, record)) return false;
   }
   return true;
@@ -275,14 +275,14 @@ bool HFITParseOutXML::ReadEffectStruct(SDOMXMLWrapper* effectStructElm,
 
 bool HFITParseOutXML::ReadEffectAttribute(SDOMXMLWrapper& attributeElm, EffectStruct& effect) {
   std::string name;
-  attributeElm.GetAttribute("name", name);
+  ReadText(attributeElm, "name", name);
   SDOMXMLWrapper* listElm = FirstElement(attributeElm, "ListValue");
   if (listElm == nullptr) return false;
 
   SDOMXMLIterator* valueIter = Children(*listElm, "Value");
   std::string text;
   for (SDOMXMLWrapper* valueElm = nullptr; Step(valueIter, valueElm);) {
-    valueElm->GetAttribute("value", text);
+    ReadText(*valueElm, "value", text);
     if (name == "Fields") {
       effect.fvFieldNames.push_back(text);
       const int32_t index = FieldIndex(text);
@@ -300,7 +300,7 @@ bool HFITParseOutXML::ReadStringList(SDOMXMLWrapper* listValueElm,
   if (listValueElm == nullptr) return true;
   SDOMXMLIterator* valueIter = Children(*listValueElm, "Value");
   for (SDOMXMLWrapper* valueElm = nullptr; Step(valueIter, valueElm);) {
-    valueElm->GetAttribute("value", vTexts.emplace_back());
+    ReadText(*valueElm, "value", vTexts.emplace_back());
   }
   return true;
 }

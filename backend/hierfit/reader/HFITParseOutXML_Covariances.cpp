@@ -52,7 +52,7 @@ bool HFITParseOutXML::ReadNumericStatistic(SDOMXMLWrapper* statisticElm,
                                            double& value) {
   if (!(statisticElm != nullptr)) return false;
   std::string text;
-  statisticElm->GetAttribute("value", text);
+  ReadText(*statisticElm, "value", text);
   value = text.empty() ? fMissingValue : String2Double(text);
   return statisticElm->GetAttribute("name", name);
 }

@@ -17,7 +17,7 @@ bool HFITParseOutXML::ReadDataGroups(SDOMXMLIterator* dataGroupElmIter) {
   if (!(dataGroupElmIter != nullptr)) return false;
   for (SDOMXMLWrapper* dataGroupElm = nullptr; dataGroupElmIter->Next(&dataGroupElm);) {
     std::string description;
-    dataGroupElm->GetAttribute("description", description);
+    ReadText(*dataGroupElm, "description", description);
     if (description == "Emmeans" && !ReadTopEffect(*dataGroupElm)) return false;
     if (description == "customEmmeans" && !ReadBlock(*dataGroupElm)) return false;
   }

@@ -93,8 +93,8 @@ void ReadDistributionStatistics(SDOMXMLIterator* statisticIter, TargetDistData& 
   std::string name;
   std::string value;
   for (SDOMXMLWrapper* statisticElm = nullptr; Step(statisticIter, statisticElm);) {
-    statisticElm->GetAttribute("name", name);
-    statisticElm->GetAttribute("value", value);
+    ReadText(*statisticElm, "name", name);
+    ReadText(*statisticElm, "value", value);
     StoreNamed(kDistributionStatistics, name, value, targetDistData);
   }
 }
@@ -104,7 +104,7 @@ bool ReadDistributionCoordinates(HFITParseOutXML& reader,
                                  TargetDistData& targetDistData) {
   std::string feature;
   for (SDOMXMLWrapper* coordinatesElm = nullptr; coordinatesIter->Next(&coordinatesElm);) {
-    coordinatesElm->GetAttribute("feature", feature);
+    ReadText(*coordinatesElm, "feature", feature);
     if (!ReadFeature(reader, *coordinatesElm, feature, kDistributionFeatures, targetDistData)) {
       return false;
     }
@@ -212,7 +212,7 @@ bool HFITParseOutXML::ReadModelTestStats(SDOMXMLIterator* effectTestDataElmIter,
                                          EffectStatData& effectStatData) {
   std::string description;
   for (SDOMXMLWrapper* testElm = nullptr; Step(effectTestDataElmIter, testElm);) {
-    testElm->GetAttribute("description", description);
+    ReadText(*testElm, "description", description);
     EffectTestData test;
     ReadAttributesUntested(*testElm, kTestAttributes, test);
     StoreEmptyTexts(kFTestAttributes, test);
@@ -235,7 +235,7 @@ bool HFITParseOutXML::ReadDoubleArray(SDOMXMLWrapper* arrayElm, std::vector<doub
   if (!arrayElm->GetSimpleArray(fvItems)) return false;
 
   vNumbers.resize(fvItems.size());
-  std::ranges::transform(fvItems, vNumbers.begin(), [this](std::string_view item) {
+  std::ranges::transform(fvItems, vNumbers.begin(), [this](const std::string& item) {
     return item == kMissingItem ? fMissingValue : String2Double(item);
   });
   return true;

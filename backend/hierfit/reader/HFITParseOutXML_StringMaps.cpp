@@ -76,7 +76,7 @@ bool HFITParseOutXML::ReadStringMaps(SDOMXMLIterator* stringMapCollectIter,
 }
 
 bool HFITParseOutXML::ReadMapEntry(SDOMXMLWrapper& mapEntryElm, MapEntryData& mapEntry) {
-  mapEntryElm.GetAttribute("name", mapEntry.fName);
+  ReadText(mapEntryElm, "name", mapEntry.fName);
   return ReadRegressionParameter(FirstElement(mapEntryElm, "Label/RegressionParameter"),
                                  mapEntry.fRegressionParam);
 }
@@ -140,7 +140,7 @@ bool HFITParseOutXML::ReadFactor(SDOMXMLWrapper* factorElm, FactorData& factorDa
   if (!ReadAttributes(*factorElm, kFactorAttributes, factorData)) return false;
   factorData.fVarIndex = FieldIndex(factorData.fField);
   std::string value;
-  factorElm->GetAttribute("value", value);
+  ReadText(*factorElm, "value", value);
   return factorData.fValue.SetCompleteValue(value, fpDataSource->GetVariable(factorData.fVarIndex),
                                             0);
 }

@@ -140,7 +140,7 @@ bool HFITParseOutXML::ReadFirstSubjectRecords(SDOMXMLWrapper* structuredDataElm,
 
 bool HFITParseOutXML::ReadSubjectGroup(SDOMXMLWrapper& groupElm, StructuredData& structuredData) {
   std::string description;
-  groupElm.GetAttribute("description", description);
+  ReadText(groupElm, "description", description);
   const bool isTarget = description == "target";
   if (!isTarget && description != "repeatedMeasures") return false;
   SDOMXMLIterator* coordinatesIter = Children(groupElm, "Coordinates");
