@@ -134,7 +134,6 @@ bool SDOMXMLWrapper::GetElementIterator(std::string_view name, SDOMXMLIterator**
 }
 
 bool SDOMXMLWrapper::GetAttribute(std::string_view name, std::string& value) {
-  value.clear();
   const Tree& tree = impl_->tree();
   if (tree.empty()) return false;
   const char* text = tree.attribute(impl_->node, name);

@@ -22,7 +22,7 @@ bool ReadWarningParameters(SDOMXMLWrapper& printListElm, std::vector<std::string
   bool hasValue = true;
   std::string value;
   for (SDOMXMLWrapper* valueElm = nullptr; Step(valueIter, valueElm);) {
-    hasValue = valueElm->GetAttribute("value", value);
+    hasValue = ReadText(*valueElm, "value", value);
     if (!value.empty()) vParameters.push_back(value);
   }
   return hasValue;

@@ -54,5 +54,5 @@ bool HFITParseOutXML::ReadNumericStatistic(SDOMXMLWrapper* statisticElm,
   std::string text;
   ReadText(*statisticElm, "value", text);
   value = text.empty() ? fMissingValue : String2Double(text);
-  return statisticElm->GetAttribute("name", name);
+  return ReadText(*statisticElm, "name", name);
 }

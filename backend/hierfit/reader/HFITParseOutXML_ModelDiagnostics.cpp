@@ -165,7 +165,7 @@ bool HFITParseOutXML::ReadTargetDistribution(SDOMXMLIterator* targetDistDataElmI
   bool isFound = false;
   for (SDOMXMLWrapper* targetDistElm = nullptr; targetDistDataElmIter->Next(&targetDistElm);) {
     targetDistData.fShape = targetDistData.fRate = targetDistData.fR = targetDistData.fP = 0;
-    isFound = targetDistElm->GetAttribute("description", targetDistData.fDescription);
+    isFound = ReadText(*targetDistElm, "description", targetDistData.fDescription);
     if (targetDistData.fDescription != "TargetDistribution") continue;
 
     if (SDOMXMLWrapper* countsElm = FirstElement(*targetDistElm, "Counts")) {

@@ -139,7 +139,7 @@ bool HFITParseOutXML::ReadStatistic(SDOMXMLWrapper* statisticElm,
                                     std::string& name,
                                     std::string& value) {
   if (!(statisticElm != nullptr)) return false;
-  return statisticElm->GetAttribute("name", name) && statisticElm->GetAttribute("value", value);
+  return ReadText(*statisticElm, "name", name) && ReadText(*statisticElm, "value", value);
 }
 
 bool HFITParseOutXML::ReadSegmentInfo(SDOMXMLWrapper* segmentInfoElm,
