@@ -42,45 +42,19 @@ class Graph final : public XGraph {
   Variable variable_;
 };
 
-/// What of the machine and the editor has started.
-struct Started {
-  bool machine = false;
-  bool editor = false;
-};
-
-Started& started() {
-  static Started started;
-  return started;
-}
+bool machine_runs = false;
+bool editor_runs = false;
 
 }  // namespace
 
 struct XDocument::Impl {
-  std::string text;
   Graph graph;
 };
 
-// The 16-bit text of this host has a byte of UTF-8 in each unit: nobody but this host looks into
-// it.
-ChartString::ChartString(const char* text) {
-  for (; *text != '\0'; ++text) {
-    text_ += static_cast<unsigned char>(*text);
-  }
-}
-
-void ChartString::replaceSubstring(const ChartString& from, const ChartString& to) {
-  const size_t place = text_.find(from.text_);
-  if (place != std::u16string::npos) text_.replace(place, from.text_.size(), to.text_);
-}
-
-std::string ChartString::toUTF8() const {
-  std::string bytes;
-  for (const char16_t unit : text_) {
-    bytes += static_cast<char>(unit);
-  }
-  return bytes;
-}
-
+// The text of this host is nothing: nobody but this host looks into it.
+ChartString::ChartString(const char*) {}
+void ChartString::replaceSubstring(const ChartString&, const ChartString&) {}
+std::string ChartString::toUTF8() const { return {}; }
 ChartString XUtility::ChartStringFromOLANG(const char* text) { return ChartString(text); }
 ChartString XUtility::ChartStringFromLocalCodePage(const char* text) { return ChartString(text); }
 
@@ -137,9 +111,8 @@ char* VarDataProcessor::GetDataStream(int32_t& length) {
   return std::make_unique<char[]>(0).release();
 }
 
-XDocument::XDocument(const std::string& xml) : impl_(std::make_unique<Impl>()) {
+XDocument::XDocument(const std::string&) : impl_(std::make_unique<Impl>()) {
   count("XDocument::XDocument");
-  impl_->text = xml;
 }
 XDocument::~XDocument() { count("release"); }
 void XDocument::setEditor(int32_t) { count("XDocument::setEditor"); }
@@ -150,7 +123,7 @@ void XDocument::applyCTemplate(bool) { count("XDocument::applyCTemplate"); }
 void XDocument::applyStyleTemplate() { count("XDocument::applyStyleTemplate"); }
 std::string XDocument::AsUTF8() const {
   count("XDocument::AsUTF8");
-  return impl_->text;
+  return {};
 }
 XGraph* XDocument::getExternalGraph() {
   count("XDocument::getExternalGraph");
@@ -162,10 +135,10 @@ VeltJVM& VeltJVM::GetInstance() {
   static VeltJVM machine;
   return machine;
 }
-bool VeltJVM::IsStarted() const { return started().machine; }
+bool VeltJVM::IsStarted() const { return machine_runs; }
 void VeltJVM::StartJVM() {
   count("VeltJVM::StartJVM");
-  started().machine = true;
+  machine_runs = true;
 }
 void VeltJVM::AttachCurrentThread(JNIEnvironment** environment) {
   count("VeltJVM::AttachCurrentThread");
@@ -180,10 +153,10 @@ GlyphEditor& GlyphEditor::GetInstance() {
   static GlyphEditor editor;
   return editor;
 }
-bool GlyphEditor::IsStartedHeadless() const { return started().editor; }
+bool GlyphEditor::IsStartedHeadless() const { return editor_runs; }
 void GlyphEditor::StartEditorHeadless(JNIEnvironment*) {
   count("GlyphEditor::StartEditorHeadless");
-  started().editor = true;
+  editor_runs = true;
 }
 std::string GlyphEditor::EmbedHistogramInGraph(
     const std::string&, const std::string&, const char*, int32_t, int32_t) {

@@ -2,6 +2,7 @@
 """Runs the module on the tiny host and on the embedded one: both must have been asked the same.
 
 Usage: check_second_host.py TINY_HOST_RUN MODULE HIERFIT EXAMPLE...
+An example is a folder with model.pmml and result.xml, or a result beside its model.pmml.
 """
 import collections
 import json
@@ -35,7 +36,10 @@ def calls_of_embedded_host(documents):
 
 
 def faults(example):
-    documents = [pathlib.Path(example, "model.pmml"), pathlib.Path(example, "result.xml")]
+    result = pathlib.Path(example)
+    if result.is_dir():
+        result = result / "result.xml"
+    documents = [result.with_name("model.pmml"), result]
     tiny_order, tiny = calls_of_tiny_host(documents)
     embedded_order, embedded = calls_of_embedded_host(documents)
     for operation in sorted(tiny.keys() | embedded.keys()):

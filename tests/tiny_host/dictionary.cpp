@@ -6,140 +6,105 @@
 #include <iterator>
 #include <sstream>
 
-#include "host/pmml.h"
-
 #include "tests/tiny_host/tiny_host.h"
-#include "tests/tiny_host/xml.h"
-
-struct VELT_ValueLabels {};
 
 namespace {
 
-constexpr VELT_Format kStringFormat = {8, kStringFormatType, 0};
+constexpr std::string_view kLevels[] = {"", "categorical", "ordinal", "continuous"};
 
-/// What a kind of field is called in the document, in the dictionary and in the metadata library.
-struct Level {
-  std::string_view optype;
-  int32_t level;
-  int32_t measure;
-};
-constexpr Level kLevels[] = {{"categorical", 1, 2}, {"ordinal", 2, 3}, {"continuous", 3, 1}};
-constexpr Level kUnknownLevel = {"", 0, 0};
-
-Level level_of(const tiny::Element& field) {
-  const auto* found = std::ranges::find(kLevels, field.value("optype"), &Level::optype);
-  return found == std::end(kLevels) ? kUnknownLevel : *found;
+std::string text_of(SDOMXMLWrapper& element, const char* attribute) {
+  std::string text;
+  element.GetAttribute(attribute, text);
+  return text;
 }
 
-VELT_Format format_of(const tiny::Element& field) {
-  const std::string type = field.value("dataType");
+VELT_Format format_of(const std::string& type) {
   if (type == "integer") return {8, 5, 0};
-  return type == "double" ? VELT_Format{8, 5, 2} : kStringFormat;
+  return type == "double" ? VELT_Format{8, 5, 2} : VELT_Format{8, kStringFormatType, 0};
 }
-
-class ModelVariable final : public IMCVariable {
- public:
-  explicit ModelVariable(const tiny::Element& field)
-      : name_(field.value("name")),
-        measure_(level_of(field).measure),
-        level_count_(static_cast<int32_t>(field.find("Value").size())) {}
-
-  int32_t MeasureCode() const override { return measure_; }
-  void FieldName(std::string& name) const override { name = name_; }
-  int32_t LevelCount() const override { return level_count_; }
-
- private:
-  std::string name_;
-  int32_t measure_;
-  int32_t level_count_;
-};
 
 }  // namespace
 
 namespace tiny {
 
-const VELT_ValueLabels* Variable::GetValueLabels() const {
-  static const VELT_ValueLabels none;
-  return &none;
-}
-
-Dictionary::Dictionary(const std::string& pmml) {
-  const std::optional<Document> document = parse(pmml);
-  if (!document) return;
-  for (const Element* field : document->front().find("DataDictionary/DataField")) {
-    index_.emplace(field->value("name"), FieldCount());
-    Variable& variable = *variables_.emplace_back(std::make_unique<Variable>());
-    variable.name = field->value("name");
-    variable.label = field->value("displayName");
-    variable.format = format_of(*field);
-    variable.level = level_of(*field).level;
+Field::Field(SDOMXMLWrapper& element)
+    : name_(text_of(element, "name")),
+      label_(text_of(element, "displayName")),
+      format_(format_of(text_of(element, "dataType"))) {
+  const auto* level = std::ranges::find(kLevels, text_of(element, "optype"));
+  if (level != std::end(kLevels)) level_ = static_cast<int32_t>(level - kLevels);
+  SDOMXMLIterator* values = nullptr;
+  if (!element.GetElementIterator("Value", &values, true)) return;
+  for (SDOMXMLWrapper* value = nullptr; values->Next(&value); ++level_count_) {
+    const std::string label = text_of(*value, "displayValue");
+    if (!label.empty()) labels_.by_value.emplace(text_of(*value, "value"), label);
   }
 }
 
+std::deque<Field> fields_of(const std::string& pmml) {
+  SDOMXMLWrapper root;
+  SDOMXMLWrapper* dictionary = nullptr;
+  SDOMXMLIterator* walk = nullptr;
+  std::deque<Field> fields;
+  if (root.LoadFromString(pmml) == nullptr) return fields;
+  if (!root.GetFirstElement("DataDictionary", &dictionary, true)) return fields;
+  if (!dictionary->GetElementIterator("DataField", &walk, true)) return fields;
+  for (SDOMXMLWrapper* field = nullptr; walk->Next(&field);)
+    fields.emplace_back(*field);
+  return fields;
+}
+
 int32_t Dictionary::FindVarIndex(const std::string& name, int32_t) const {
-  const auto found = index_.find(name);
-  return found == index_.end() ? -1 : found->second;
+  const auto found = std::ranges::find(fields_, name, &Field::GetName);
+  return found == fields_.end() ? -1 : static_cast<int32_t>(found - fields_.begin());
 }
 
-Variable* Dictionary::at(int32_t index) const {
-  const bool is_inside = index >= 0 && index < FieldCount();
-  return is_inside ? variables_[static_cast<size_t>(index)].get() : nullptr;
+Field* Dictionary::at(int32_t index) const {
+  return index < 0 || index >= FieldCount() ? nullptr : &fields_[static_cast<size_t>(index)];
 }
-
-VELT_Variable* Dictionary::GetVariable(int32_t index) const { return at(index); }
-
-const CFField* Dictionary::GetField(int32_t index) const { return at(index); }
 
 }  // namespace tiny
 
-const char* VELT_ValueLabelMap::GetLabel(double) const { return nullptr; }
-const char* VELT_ValueLabelMap::GetLabel(const std::string&) const { return nullptr; }
-const char* VELT_ValueLabelMap::GetLabel(const OBS*) const { return nullptr; }
+const char* VELT_ValueLabelMap::GetLabel(const std::string& value) const {
+  const auto found = labels_->by_value.find(value);
+  return found == labels_->by_value.end() ? nullptr : found->second.c_str();
+}
+const char* VELT_ValueLabelMap::GetLabel(double value) const {
+  return GetLabel((std::ostringstream() << value).str());
+}
+const char* VELT_ValueLabelMap::GetLabel(const OBS* value) const {
+  return value->isString ? GetLabel(value->text) : GetLabel(value->number);
+}
 
 std::string ToString(const OBS* value, VELT_Format format) {
   if (value == nullptr) return {};
-  if (value->isString) return value->text.substr(0, value->text.find_last_not_of(' ') + 1);
-  if (value->number == OBS().number) return ".";
+  if (value->isString) return value->text;
   std::ostringstream text;
   text << std::fixed << std::setprecision(format.decimals) << value->number;
   return text.str();
 }
 
 struct MCPMMLParser::Impl {
-  tiny::Document document;
+  std::deque<tiny::Field> fields;
 };
+
+MCVarList::MCVarList() = default;
+MCVarList::~MCVarList() = default;
+int32_t MCVarList::Size() const { return static_cast<int32_t>(variables_.size()); }
+const IMCVariable* MCVarList::GetVarAt(int32_t position) const {
+  return variables_[static_cast<size_t>(position)].get();
+}
 
 MCPMMLParser::MCPMMLParser() : impl_(std::make_unique<Impl>()) {}
 MCPMMLParser::~MCPMMLParser() = default;
 
 MCStatus MCPMMLParser::ParseToDOM(std::istream& text) {
-  auto document = tiny::parse(std::string(std::istreambuf_iterator<char>(text), {}));
-  if (!document) return MCStatus(true);
-  impl_->document = std::move(*document);
-  return MCStatus(false);
+  impl_->fields = tiny::fields_of({std::istreambuf_iterator<char>(text), {}});
+  return MCStatus(impl_->fields.empty());
 }
 
 MCStatus MCPMMLParser::FillVarList(MCVarList* list, const std::vector<std::string>&, bool) {
-  if (impl_->document.empty()) return MCStatus(true);
-  const tiny::Element& root = impl_->document.front();
-  std::unordered_map<std::string, const tiny::Element*> fields;
-  for (const tiny::Element* field : root.find("DataDictionary/DataField")) {
-    fields.emplace(field->value("name"), field);
-  }
-  for (const tiny::Element* mined : root.find("GeneralRegressionModel/MiningSchema/MiningField")) {
-    const auto field = fields.find(mined->value("name"));
-    if (field == fields.end()) return MCStatus(true);
-    list->variables_.push_back(std::make_unique<ModelVariable>(*field->second));
-  }
-  return MCStatus(list->variables_.empty());
-}
-
-MCVarList::MCVarList() = default;
-MCVarList::~MCVarList() = default;
-
-int32_t MCVarList::Size() const { return static_cast<int32_t>(variables_.size()); }
-
-const IMCVariable* MCVarList::GetVarAt(int32_t position) const {
-  const bool is_inside = position >= 0 && position < Size();
-  return is_inside ? variables_[static_cast<size_t>(position)].get() : nullptr;
+  for (const tiny::Field& field : impl_->fields)
+    list->variables_.push_back(std::make_unique<tiny::Field>(field));
+  return MCStatus(false);
 }

@@ -1,27 +1,33 @@
-// The pivot library: every operation is a line of the output. A text is what it shows; a group or a
-// category keeps its table open and is nothing else.
+// The pivot library: every operation is a line of the output. Texts show nowhere, so they are
+// nothing; a group or a category keeps its table open and is nothing else.
 #include "host/pivot.h"
 
-#include <map>
-
-#include "host/dictionary.h"
+#include <iostream>
 
 #include "tests/tiny_host/tiny_host.h"
 
-using tiny::print;
+struct BpCellText::Impl {};
+struct BpAnnotation::Impl {};
 
-struct BpCellText::Impl {
-  std::string shown;
-};
+namespace {
 
-struct BpAnnotation::Impl {
-  std::string shown;
-};
+void print(const char* operation) {
+  tiny::count(operation);
+  std::cout << operation << '\n';
+}
+
+}  // namespace
+
+std::map<std::string, int>& tiny::counts() {
+  static std::map<std::string, int> counts;
+  return counts;
+}
+void tiny::count(const std::string& operation) { ++counts()[operation]; }
 
 struct BpHeading::Impl {
   explicit Impl(bool isTopmost) : is_topmost(isTopmost) {}
   ~Impl() {
-    if (!is_topmost) print("release", "heading");
+    if (!is_topmost) print("release");
   }
   Impl(const Impl&) = delete;
   Impl& operator=(const Impl&) = delete;
@@ -31,7 +37,7 @@ struct BpHeading::Impl {
 
 struct BpPivotTable::Impl {
   Impl() = default;
-  ~Impl() { print("release", "table"); }
+  ~Impl() { print("release"); }
   Impl(const Impl&) = delete;
   Impl& operator=(const Impl&) = delete;
 };
@@ -44,127 +50,59 @@ struct BpCategory::Impl {
   RefCountPtr<BpPivotTable::Impl> table;
 };
 
-namespace {
-
-RefCountPtr<BpCellText::Impl> showing(std::string shown) {
-  return std::make_shared<BpCellText::Impl>(BpCellText::Impl{std::move(shown)});
-}
-
-std::string number_text(double number, int32_t decimals) {
-  const OBS value = {.number = number, .text = {}};
-  return ToString(&value, {.decimals = static_cast<uint8_t>(decimals)});
-}
-
-std::string variable_text(const VELT_Variable* variable, int32_t show) {
-  if (variable == nullptr) return {};
-  const bool shows_label = show != 0 && variable->GetLabel() != nullptr;
-  return shows_label ? variable->GetLabel() : variable->GetName();
-}
-
-std::string value_text(const VELT_Variable* variable, const OBS* value) {
-  if (variable == nullptr || value == nullptr) return ".";
-  return ToString(value, variable->GetFormat());
-}
-
-const std::string& shown(const BpCellText& part) { return part.impl().shown; }
-
-/// The texts that wait for the note which takes them over.
-std::map<long, std::string>& replicas() {
-  static std::map<long, std::string> replicas;
-  return replicas;
-}
-
-std::string take_replica(long handle) {
-  auto node = replicas().extract(handle);
-  return node.empty() ? std::string() : std::move(node.mapped());
-}
-
-}  // namespace
-
 BpCellText::~BpCellText() = default;
-
-long BpCellText::Replicate() const {
-  static long last = 0;
-  replicas().emplace(++last, impl_->shown);
-  return last;
-}
-
-BpString::BpString(std::string text, bool) : BpCellText(showing(std::move(text))) {}
-
-BpNumber::BpNumber(double value, const BpFormatSpec& format)
-    : BpCellText(showing(number_text(value, format.Kind()))) {}
-
-BpVariable::BpVariable(const VELT_Variable* variable, int32_t show)
-    : BpCellText(showing(variable_text(variable, show))) {}
-
-BpDataValue::BpDataValue(const VELT_Variable* variable, const OBS* value, int32_t)
-    : BpCellText(showing(value_text(variable, value))) {}
-
-BpDataValue::BpDataValue(const VELT_Variable* variable, double value, int32_t)
-    : BpCellText(
-          showing(number_text(value, variable == nullptr ? 0 : variable->GetFormat().decimals))) {}
-
-BpComposite::BpComposite(std::string pattern, bool) : BpCellText(showing(std::move(pattern))) {}
-void BpComposite::Add(const BpCellText& argument) { impl_->shown += " | " + shown(argument); }
+long BpCellText::Replicate() const { return 1; }
+BpString::BpString(std::string, bool) : BpCellText(nullptr) {}
+BpNumber::BpNumber(double, const BpFormatSpec&) : BpCellText(nullptr) {}
+BpVariable::BpVariable(const VELT_Variable*, int32_t) : BpCellText(nullptr) {}
+BpDataValue::BpDataValue(const VELT_Variable*, const OBS*, int32_t) : BpCellText(nullptr) {}
+BpDataValue::BpDataValue(const VELT_Variable*, double, int32_t) : BpCellText(nullptr) {}
+BpComposite::BpComposite(std::string, bool) : BpCellText(nullptr) {}
+void BpComposite::Add(const BpCellText&) {}
 void BpComposite::Sublist() {}
 void BpComposite::EndSublist() {}
 void BpComposite::Finish() {}
+BpAnnotation::BpAnnotation(long, int32_t, bool) {}
 
-BpAnnotation::BpAnnotation(long handle, int32_t, bool)
-    : impl_(std::make_shared<Impl>(Impl{take_replica(handle)})) {}
+void BpCategory::Cell(const BpCellText&) { print("BpCategory::Cell"); }
+void BpCategory::Note(const BpAnnotation&) { print("BpCategory::Note"); }
+void BpCategory::CellNote(const BpAnnotation&) { print("BpCategory::CellNote"); }
 
-void BpCategory::Cell(const BpCellText& value) { print("BpCategory::Cell", shown(value)); }
-void BpCategory::Note(const BpAnnotation& note) { print("BpCategory::Note", note.impl().shown); }
-void BpCategory::CellNote(const BpAnnotation& note) {
-  print("BpCategory::CellNote", note.impl().shown);
-}
-
-BpGroup BpGroup::Group(const BpCellText& title, bool, int32_t) {
-  print("BpGroup::Group", shown(title));
+BpGroup BpGroup::Group(const BpCellText&, bool, int32_t) {
+  print("BpGroup::Group");
   return BpGroup(impl_);
 }
-
-BpCategory BpGroup::Category(const BpCellText& label) {
-  print("BpGroup::Category", shown(label));
+BpCategory BpGroup::Category(const BpCellText&) {
+  print("BpGroup::Category");
   return BpCategory(std::make_shared<BpCategory::Impl>(BpCategory::Impl{impl_->table}));
 }
+void BpDimension::Position(int32_t, int32_t, bool, bool) { print("BpDimension::Position"); }
 
-void BpDimension::Position(int32_t place, int32_t level, bool, bool) {
-  print("BpDimension::Position", (place == 0 ? "rows " : "columns ") + std::to_string(level));
-}
-
-BpDimension BpPivotTable::Dimension(const BpCellText& title, int32_t) {
-  print("BpPivotTable::Dimension", shown(title));
+BpDimension BpPivotTable::Dimension(const BpCellText&, int32_t) {
+  print("BpPivotTable::Dimension");
   return BpDimension(std::make_shared<BpGroup::Impl>(BpGroup::Impl{impl_}));
 }
+void BpPivotTable::Note(const BpAnnotation&) { print("BpPivotTable::Note"); }
+void BpPivotTable::Caption(const BpCellText&) { print("BpPivotTable::Caption"); }
+void BpPivotTable::MinDataColumnWidth(int32_t) { print("BpPivotTable::MinDataColumnWidth"); }
 
-void BpPivotTable::Note(const BpAnnotation& note) {
-  print("BpPivotTable::Note", note.impl().shown);
-}
-void BpPivotTable::Caption(const BpCellText& text) { print("BpPivotTable::Caption", shown(text)); }
-void BpPivotTable::MinDataColumnWidth(int32_t width) {
-  print("BpPivotTable::MinDataColumnWidth", std::to_string(width));
-}
-
-BpHeading BpHeading::Heading(const BpCellText& title) {
-  print("BpHeading::Heading", shown(title));
+BpHeading BpHeading::Heading(const BpCellText&) {
+  print("BpHeading::Heading");
   return BpHeading(std::make_shared<Impl>(false));
 }
-
-BpPivotTable BpHeading::PivotTable(const BpCellText& title, const BpCellText&, bool) {
-  print("BpHeading::PivotTable", shown(title));
+BpPivotTable BpHeading::PivotTable(const BpCellText&, const BpCellText&, bool) {
+  print("BpHeading::PivotTable");
   return BpPivotTable(std::make_shared<BpPivotTable::Impl>());
 }
 
-void BpError(const BpCellText& text, BpErrorShow, BpErrorLevel) { print("BpError", shown(text)); }
+void BpError(const BpCellText&, BpErrorShow, BpErrorLevel) { print("BpError"); }
 
-// A kind of format is its number of decimals here.
-BpFormatSpec BpProcedure::Coefficient() { return BpFormatSpec(3); }
-BpFormatSpec BpProcedure::CoefficientSE() { return BpFormatSpec(3); }
+BpFormatSpec BpProcedure::Coefficient() { return BpFormatSpec(0); }
+BpFormatSpec BpProcedure::CoefficientSE() { return BpFormatSpec(0); }
 BpFormatSpec BpProcedure::Count() { return BpFormatSpec(0); }
-BpFormatSpec BpProcedure::GeneralStat() { return BpFormatSpec(3); }
-BpFormatSpec BpProcedure::Percent() { return BpFormatSpec(1); }
-BpFormatSpec BpProcedure::Significance() { return BpFormatSpec(3); }
-BpFormatSpec BpProcedure::SigDigit(double number) { return BpFormatSpec(6, number); }
+BpFormatSpec BpProcedure::GeneralStat() { return BpFormatSpec(0); }
+BpFormatSpec BpProcedure::Percent() { return BpFormatSpec(0); }
+BpFormatSpec BpProcedure::Significance() { return BpFormatSpec(0); }
+BpFormatSpec BpProcedure::SigDigit(double number) { return BpFormatSpec(0, number); }
 
 BpProcedure tiny::make_procedure() { return BpProcedure(std::make_shared<BpHeading::Impl>(true)); }

@@ -1,50 +1,63 @@
 // What a program needs of this host beside the interfaces in host/.
 #pragma once
 
+#include <deque>
 #include <map>
-#include <memory>
 #include <string>
-#include <unordered_map>
-#include <vector>
 
 #include "host/framework.h"
 #include "host/pivot.h"
+#include "host/pmml.h"
+
+struct VELT_ValueLabels {
+  std::map<std::string, std::string> by_value;
+};
 
 namespace tiny {
 
-/// A variable of the model document, and its metadata.
-class Variable final : public VELT_Variable, public CFField {
+/// A field of the model document: a variable of the dictionary, its metadata, and a variable of the
+/// model.
+class Field final : public VELT_Variable, public CFField, public IMCVariable {
  public:
-  std::string name;
-  std::string label;  ///< empty: none
-  VELT_Format format;
-  int32_t level = 0;
+  explicit Field(SDOMXMLWrapper& element);
 
-  const std::string& GetName() const override { return name; }
-  const char* GetLabel() const override { return label.empty() ? nullptr : label.c_str(); }
-  VELT_Format GetFormat() const override { return format; }
-  int32_t GetMeasurementLevel() const override { return level; }
-  const VELT_ValueLabels* GetValueLabels() const override;
-  int32_t GetType() const override { return level; }
+  const std::string& GetName() const override { return name_; }
+  const char* GetLabel() const override { return label_.empty() ? nullptr : label_.c_str(); }
+  VELT_Format GetFormat() const override { return format_; }
+  int32_t GetMeasurementLevel() const override { return level_; }
+  const VELT_ValueLabels* GetValueLabels() const override { return &labels_; }
+  int32_t GetType() const override { return level_; }
+  int32_t MeasureCode() const override { return level_ == 0 ? 0 : level_ % 3 + 1; }
+  void FieldName(std::string& name) const override { name = name_; }
+  int32_t LevelCount() const override { return level_count_; }
+
+ private:
+  std::string name_;
+  std::string label_;
+  VELT_ValueLabels labels_;
+  VELT_Format format_;
+  int32_t level_ = 0;
+  int32_t level_count_ = 0;
 };
 
-/// The variables of a model document: dictionary and metadata in one.
+/// The `DataField` elements of a model document; a text that is not well-formed has none.
+std::deque<Field> fields_of(const std::string& pmml);
+
+/// Dictionary and metadata in one.
 class Dictionary final : public ProcedureDataSource, public CFMetaData {
  public:
-  /// Takes every `DataField`; a text that is not well-formed gives none.
-  explicit Dictionary(const std::string& pmml);
+  explicit Dictionary(const std::string& pmml) : fields_(fields_of(pmml)) {}
 
   int32_t FindVarIndex(const std::string& name, int32_t flags) const override;
-  VELT_Variable* GetVariable(int32_t index) const override;
-  int32_t FieldCount() const override { return static_cast<int32_t>(variables_.size()); }
-  const CFField* GetField(int32_t index) const override;
+  VELT_Variable* GetVariable(int32_t index) const override { return at(index); }
+  int32_t FieldCount() const override { return static_cast<int32_t>(fields_.size()); }
+  const CFField* GetField(int32_t index) const override { return at(index); }
   int32_t GetFieldIndex(const std::string& name) const override { return FindVarIndex(name, 0); }
 
  private:
-  Variable* at(int32_t index) const;
+  Field* at(int32_t index) const;
 
-  std::vector<std::unique_ptr<Variable>> variables_;
-  std::unordered_map<std::string, int32_t> index_;
+  mutable std::deque<Field> fields_;
 };
 
 /// The topmost heading of the output.
@@ -52,9 +65,7 @@ BpProcedure make_procedure();
 
 /// Counts a call of an operation.
 void count(const std::string& operation);
-/// Counts a call and prints it with the first line of the text that it was about.
-void print(const std::string& operation, const std::string& text = {});
 /// How often each operation was called.
-const std::map<std::string, int>& counts();
+std::map<std::string, int>& counts();
 
 }  // namespace tiny
