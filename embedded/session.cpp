@@ -45,9 +45,9 @@ Inputs read_inputs(const SessionInput& input, const SessionOptions& options) {
 
 /// The topmost heading, whose items go into the document.
 std::unique_ptr<BpProcedure> make_procedure(Session::State& state) {
-  return std::make_unique<BpProcedure>(
-      std::make_shared<BpHeading::Impl>(state.outputs.document.content, state.outputs.open_sections,
-                                        state.inputs.strings, state.journal.get()));
+  return std::make_unique<BpProcedure>(std::make_shared<BpHeading::Impl>(
+      state.outputs.document.content, state.outputs.open_sections,
+      pivot::Wording{state.inputs.strings, state.outputs.document}, state.journal.get()));
 }
 
 /// Why the procedure gave false. The model document was read once before, so the result document is

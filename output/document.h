@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -35,6 +36,7 @@ struct Text {
   std::string shown;
   std::vector<NumberSpan> numbers;  ///< in the order of `begin`, not overlapping
   bool symbol = false;              ///< a statistical symbol, which typeset forms set in italics
+  std::string_view key{};  ///< of the string table, if it was made from one: of `Document::keys`
 
   bool operator==(const Text&) const = default;
 };
@@ -125,6 +127,13 @@ struct Document {
   /// The report's own words ("Contents", "missing", ...) in the document's language, by their
   /// English key; a key that is not here stands for itself.
   std::map<std::string, std::string, std::less<>> words;
+  std::set<std::string, std::less<>> keys;  ///< that texts were made from
+
+  /// The document's own copy of a key.
+  std::string_view own_key(std::string_view key) {
+    auto found = keys.find(key);
+    return found != keys.end() ? *found : *keys.emplace(key).first;
+  }
 
   std::string_view word(std::string_view key) const {
     auto found = words.find(key);

@@ -12,10 +12,15 @@ using output::Section;
 using output::Table;
 using output::Text;
 
-/// Of columns of probabilities, whatever format their cells came with; the first gives way to the
-/// symbol.
-constexpr std::string_view kSignificanceLabels[] = {"Sig.", "Adj. Sig."};
-constexpr std::string_view kSymbolLabels[] = {"F", "t", "df", "df1", "df2"};
+/// Keys of columns of probabilities, whatever format their cells came with; the first gives way to
+/// the symbol.
+constexpr std::string_view kSignificanceKeys[] = {"Sig.", "Adj. Sig."};
+constexpr std::string_view kSymbolKeys[] = {"F", "t", "df", "df1", "df2"};
+
+template <size_t Size>
+bool holds(const std::string_view (&keys)[Size], std::string_view key) {
+  return std::ranges::find(keys, key) != std::end(keys);
+}
 
 /// Other scripts have no italics.
 bool is_latin(std::string_view text) {
@@ -31,67 +36,40 @@ void write_number_style(const Preset& preset, output::NumberStyle& numbers) {
   numbers.significance_zero = preset.significance_zero;
 }
 
-/// Marks the statistical symbols among the labels of a document.
-class Symbols {
- public:
-  Symbols(const Preset& preset, const Document& document) : preset_(preset), document_(document) {}
+void mark(const Preset& preset, Text& label) {
+  const bool gives_way = label.key == kSignificanceKeys[0];
+  if (gives_way) label.shown = preset.significance;
+  label.symbol = gives_way || (is_latin(label.shown) && holds(kSymbolKeys, label.key));
+}
 
-  void mark(Section& section) const {
-    for (Item& item : section.items) {
-      if (auto* inner = std::get_if<std::unique_ptr<Section>>(&item)) {
-        mark(**inner);
-      } else if (auto* table = std::get_if<std::unique_ptr<Table>>(&item)) {
-        mark(**table);
-      }
+/// Marks the statistical symbols among the labels of a dimension, and the numbers under them.
+void mark(const Preset& preset, Table& table, uint32_t d) {
+  output::Dimension& dimension = table.dimensions[d];
+  std::vector<bool> significance(dimension.leaves.size());
+  for (output::Node& node : dimension.nodes) {
+    if (!node.is_group()) significance[node.leaf] = holds(kSignificanceKeys, node.label.key);
+    mark(preset, node.label);
+  }
+  if (std::ranges::find(significance, true) == significance.end()) return;
+  output::Cells& cells = table.cells;
+  for (size_t cell = 0; cell < cells.size(); ++cell) {
+    const uint32_t leaf = cells.at(cell)[d];
+    auto* number = std::get_if<output::Number>(&cells.values[cell]);
+    if (number == nullptr || leaf == output::kNone || !significance[leaf]) continue;
+    number->format = output::Format::Significance;
+  }
+}
+
+void mark(const Preset& preset, Section& section) {
+  for (Item& item : section.items) {
+    if (auto* inner = std::get_if<std::unique_ptr<Section>>(&item)) {
+      mark(preset, **inner);
+    } else if (auto* table = std::get_if<std::unique_ptr<Table>>(&item)) {
+      for (uint32_t d = 0; d < (*table)->dimensions.size(); ++d)
+        mark(preset, **table, d);
     }
   }
-
- private:
-  /// Symbols name statistics, so they stand in the dimension of the statistics alone: in another
-  /// one a label like "F" is the reader's own, a category of sex.
-  void mark(Table& table) const {
-    for (uint32_t d = 0; d < table.dimensions.size(); ++d) {
-      if (table.dimensions[d].title.shown == document_.word("Statistics")) mark(table, d);
-    }
-  }
-
-  void mark(Table& table, uint32_t d) const {
-    output::Dimension& dimension = table.dimensions[d];
-    std::vector<bool> significance(dimension.leaves.size());
-    for (output::Node& node : dimension.nodes) {
-      if (!node.is_group()) significance[node.leaf] = is_significance(node.label);
-      mark(node.label);
-    }
-    output::Cells& cells = table.cells;
-    for (size_t cell = 0; cell < cells.size(); ++cell) {
-      const uint32_t leaf = cells.at(cell)[d];
-      auto* number = std::get_if<output::Number>(&cells.values[cell]);
-      if (number == nullptr || leaf == output::kNone || !significance[leaf]) continue;
-      number->format = output::Format::Significance;
-    }
-  }
-
-  bool is_significance(const Text& label) const {
-    return std::ranges::any_of(kSignificanceLabels, [&](std::string_view key) {
-      return label.shown == document_.word(key);
-    });
-  }
-
-  void mark(Text& label) const {
-    if (label.shown == document_.word(kSignificanceLabels[0])) {
-      label.shown = preset_.significance;
-      label.symbol = true;
-    } else {
-      label.symbol =
-          is_latin(label.shown) && std::ranges::any_of(kSymbolLabels, [&](std::string_view key) {
-            return label.shown == document_.word(key);
-          });
-    }
-  }
-
-  const Preset& preset_;
-  const Document& document_;
-};
+}
 
 }  // namespace
 
@@ -102,7 +80,7 @@ const Preset* preset_by_name(std::string_view name) {
 
 void apply(const Preset& preset, Document& document) {
   write_number_style(preset, document.numbers);
-  if (preset.symbols) Symbols(preset, document).mark(document.content);
+  if (preset.symbols) mark(preset, document.content);
 }
 
 }  // namespace hierfit::report

@@ -28,8 +28,8 @@ output::Number number_of(const DataValueText& part) {
           decimals};
 }
 
-output::Text number_text(const output::Number& number, const StringTable& strings) {
-  output::Text text{output::shown(number, strings.numbers()), {}};
+output::Text number_text(const output::Number& number, const Wording& wording) {
+  output::Text text{output::shown(number, wording.strings.numbers()), {}};
   text.numbers.push_back({0, static_cast<uint32_t>(text.shown.size()), number});
   return text;
 }
@@ -55,43 +55,47 @@ std::optional<OBS> fitting_value(const VELT_Variable* variable, const OBS* value
   return *value;
 }
 
-output::Text shown_part(const StringText& part, const StringTable& strings) {
-  return {part.is_key ? std::string(strings.text(part.text)) : part.text, {}};
+output::Text shown_part(const StringText& part, const Wording& wording) {
+  if (!part.is_key) return {part.text, {}};
+  output::Text text{std::string(wording.strings.text(part.text)), {}};
+  text.key = wording.document.own_key(part.text);
+  return text;
 }
 
-output::Text shown_part(const NumberText& part, const StringTable& strings) {
-  return number_text(number_of(part), strings);
+output::Text shown_part(const NumberText& part, const Wording& wording) {
+  return number_text(number_of(part), wording);
 }
 
-output::Text shown_part(const VariableText& part, const StringTable&) {
+output::Text shown_part(const VariableText& part, const Wording&) {
   if (part.variable == nullptr) return {};
   const char* label = part.show == kShowName ? nullptr : part.variable->GetLabel();
   return {label != nullptr ? label : part.variable->GetName(), {}};
 }
 
-output::Text shown_part(const DataValueText& part, const StringTable& strings) {
-  if (shows_as_number(part)) return number_text(number_of(part), strings);
+output::Text shown_part(const DataValueText& part, const Wording& wording) {
+  if (shows_as_number(part)) return number_text(number_of(part), wording);
   const char* label = label_of(part);
   return {label != nullptr ? label : ToString(&*part.value, part.variable->GetFormat()), {}};
 }
 
-PatternArgument pattern_argument(const CompositeText::Argument& argument,
-                                 const StringTable& strings) {
-  if (!argument.is_list) return shown_text(*argument.items.front(), strings);
+PatternArgument pattern_argument(const CompositeText::Argument& argument, const Wording& wording) {
+  if (!argument.is_list) return shown_text(*argument.items.front(), wording);
   std::vector<output::Text> items;
   items.reserve(argument.items.size());
   for (const auto& item : argument.items)
-    items.push_back(shown_text(*item, strings));
+    items.push_back(shown_text(*item, wording));
   return items;
 }
 
-output::Text shown_part(const CompositeText& part, const StringTable& strings) {
+output::Text shown_part(const CompositeText& part, const Wording& wording) {
   std::vector<PatternArgument> arguments;
   arguments.reserve(part.arguments.size());
   for (const auto& argument : part.arguments)
-    arguments.push_back(pattern_argument(argument, strings));
-  const std::string_view pattern = part.pattern;
-  return fill_pattern(part.is_key ? strings.text(pattern) : pattern, arguments);
+    arguments.push_back(pattern_argument(argument, wording));
+  if (!part.is_key) return fill_pattern(part.pattern, arguments);
+  output::Text text = fill_pattern(wording.strings.text(part.pattern), arguments);
+  text.key = wording.document.own_key(part.pattern);
+  return text;
 }
 
 template <class Value>
@@ -219,8 +223,8 @@ void append_journal(std::string& out, const CompositeText& part) {
 
 }  // namespace
 
-output::Text shown_text(const BpCellText::Impl& text, const StringTable& strings) {
-  return std::visit([&](const auto& part) { return shown_part(part, strings); }, text.part);
+output::Text shown_text(const BpCellText::Impl& text, const Wording& wording) {
+  return std::visit([&](const auto& part) { return shown_part(part, wording); }, text.part);
 }
 
 std::optional<output::Number> as_number(const BpCellText::Impl& text) {

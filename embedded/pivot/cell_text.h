@@ -73,8 +73,14 @@ void append_json(std::string& out, const BpAnnotation& note);
 
 namespace hierfit::pivot {
 
-/// The text as a person sees it, in the language of the table.
-output::Text shown_text(const BpCellText::Impl& text, const StringTable& strings);
+/// What texts are worded with, and the document that they go into.
+struct Wording {
+  const StringTable& strings;
+  output::Document& document;
+};
+
+/// The text as a person sees it, in the language of the string table.
+output::Text shown_text(const BpCellText::Impl& text, const Wording& wording);
 
 /// The number that the text is, if it is one: a `BpNumber`, or a data value that has no value
 /// label. A data value without a value is the system-missing number.

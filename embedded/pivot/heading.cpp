@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "embedded/pivot/cell_text.h"
-
 using namespace hierfit;
 
 namespace {
@@ -20,20 +18,20 @@ output::Section& add_section(output::Section& parent, output::Text title) {
 
 BpHeading::Impl::Impl(output::Section& section_,
                       OpenSections& open_sections_,
-                      const StringTable& strings_,
+                      const pivot::Wording& wording_,
                       journal::Journal* journal)
     : Receiver(journal, journal::Id{"BpProcedure", 0}),
       section(section_),
       open_sections(open_sections_),
-      strings(strings_) {
+      wording(wording_) {
   open_sections.push_back(&section);
 }
 
 BpHeading::Impl::Impl(const Impl& parent, const BpCellText::Impl& title)
     : Receiver(parent.journal(), "BpHeading"),
-      section(add_section(parent.section, pivot::shown_text(title, parent.strings))),
+      section(add_section(parent.section, pivot::shown_text(title, parent.wording))),
       open_sections(parent.open_sections),
-      strings(parent.strings) {
+      wording(parent.wording) {
   open_sections.push_back(&section);
 }
 
@@ -45,8 +43,8 @@ BpHeading::Impl::~Impl() {
 output::Table& BpHeading::Impl::add_table(const BpCellText::Impl& title,
                                           const BpCellText::Impl& subtype) {
   auto table = std::make_unique<output::Table>();
-  table->title = pivot::shown_text(title, strings);
-  table->subtype = pivot::shown_text(subtype, strings).shown;
+  table->title = pivot::shown_text(title, wording);
+  table->subtype = pivot::shown_text(subtype, wording).shown;
   output::Table& added = *table;
   section.items.push_back(std::move(table));
   return added;

@@ -4,7 +4,7 @@
 #include "host/pivot.h"
 
 #include "embedded/journal/journal.h"
-#include "embedded/strings/string_table.h"
+#include "embedded/pivot/cell_text.h"
 #include "output/document.h"
 
 namespace hierfit {
@@ -18,7 +18,7 @@ struct BpHeading::Impl : hierfit::journal::Receiver {
   /// The topmost heading, the procedure itself.
   Impl(hierfit::output::Section& section,
        hierfit::OpenSections& open_sections,
-       const hierfit::StringTable& strings,
+       const hierfit::pivot::Wording& wording,
        hierfit::journal::Journal* journal);
   /// A heading under another.
   Impl(const Impl& parent, const BpCellText::Impl& title);
@@ -30,5 +30,5 @@ struct BpHeading::Impl : hierfit::journal::Receiver {
 
   hierfit::output::Section& section;
   hierfit::OpenSections& open_sections;
-  const hierfit::StringTable& strings;
+  const hierfit::pivot::Wording wording;
 };

@@ -35,7 +35,7 @@ BpHeading BpHeading::Heading(const BpCellText& title) {
 
 BpPivotTable BpHeading::PivotTable(const BpCellText& title, const BpCellText& subtype, bool flag) {
   const auto table = std::make_shared<BpPivotTable::Impl>(
-      impl_->add_table(title.impl(), subtype.impl()), impl_->strings, impl_->journal());
+      impl_->add_table(title.impl(), subtype.impl()), impl_->wording, impl_->journal());
   impl_->note("BpHeading::PivotTable", title, subtype, flag, Result{table->id()});
   return BpPivotTable(table);
 }
@@ -53,7 +53,7 @@ void BpPivotTable::Note(const BpAnnotation& note) {
 
 void BpPivotTable::Caption(const BpCellText& text) {
   impl_->note("BpPivotTable::Caption", text);
-  impl_->table.caption = pivot::shown_text(text.impl(), impl_->strings);
+  impl_->table.caption = pivot::shown_text(text.impl(), impl_->wording);
 }
 
 void BpPivotTable::MinDataColumnWidth(int32_t width) {
@@ -97,8 +97,9 @@ void BpError(const BpCellText& text, BpErrorShow show, BpErrorLevel level) {
   Session::State& state = Session::current();
   journal::note(state.journal.get(), "BpError", text, static_cast<int32_t>(show),
                 static_cast<int32_t>(level));
-  state.outputs.open_section().items.push_back(std::make_unique<output::Message>(
-      output::Message{pivot::shown_text(text.impl(), state.inputs.strings), severity_of(level)}));
+  state.outputs.open_section().items.push_back(std::make_unique<output::Message>(output::Message{
+      pivot::shown_text(text.impl(), {state.inputs.strings, state.outputs.document}),
+      severity_of(level)}));
 }
 
 BpFormatSpec BpProcedure::Coefficient() { return format(output::Format::Coefficient); }

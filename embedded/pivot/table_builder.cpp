@@ -25,9 +25,9 @@ void widen(output::Cells& cells) {
 }  // namespace
 
 BpPivotTable::Impl::Impl(output::Table& table_,
-                         const StringTable& strings_,
+                         const pivot::Wording& wording_,
                          journal::Journal* journal)
-    : Receiver(journal, "BpPivotTable"), table(table_), strings(strings_) {}
+    : Receiver(journal, "BpPivotTable"), table(table_), wording(wording_) {}
 
 BpPivotTable::Impl::~Impl() {
   settle_positions();
@@ -36,7 +36,7 @@ BpPivotTable::Impl::~Impl() {
 
 BpGroup::Impl& BpPivotTable::Impl::add_dimension(const BpCellText::Impl& title) {
   const auto number = static_cast<uint32_t>(table.dimensions.size());
-  table.dimensions.emplace_back().title = pivot::shown_text(title, strings);
+  table.dimensions.emplace_back().title = pivot::shown_text(title, wording);
   states_.emplace_back();
   widen(table.cells);
   if (table.cells.size() > 0) index_.rebuild(table.cells);
@@ -86,7 +86,7 @@ uint32_t BpPivotTable::Impl::add_node(const BpGroup::Impl& parent,
   output::Dimension& dimension = table.dimensions[parent.dimension];
   const auto number = static_cast<uint32_t>(dimension.nodes.size());
   output::Node& node = dimension.nodes.emplace_back();
-  node.label = pivot::shown_text(label, strings);
+  node.label = pivot::shown_text(label, wording);
   node.parent = parent.node;
   if (is_group) return number;
   node.leaf = static_cast<uint32_t>(dimension.leaves.size());
@@ -138,12 +138,12 @@ void BpPivotTable::Impl::write_cell(const BpCategory::Impl& category,
     return;
   }
   cells.values[cell] = static_cast<uint32_t>(table.texts.size());
-  table.texts.push_back(pivot::shown_text(value, strings));
+  table.texts.push_back(pivot::shown_text(value, wording));
 }
 
 uint32_t BpPivotTable::Impl::note_number(const BpAnnotation::Impl& note) {
   output::Text text =
-      note.text != nullptr ? pivot::shown_text(*note.text, strings) : output::Text();
+      note.text != nullptr ? pivot::shown_text(*note.text, wording) : output::Text();
   const auto [entry, is_new] =
       notes_.try_emplace(text.shown, static_cast<uint32_t>(table.notes.size()));
   if (is_new) table.notes.push_back(std::move(text));

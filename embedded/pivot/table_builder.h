@@ -30,7 +30,7 @@ struct BpCategory::Impl : hierfit::journal::Receiver {
 struct BpPivotTable::Impl : hierfit::journal::Receiver {
  public:
   Impl(hierfit::output::Table& table,
-       const hierfit::StringTable& strings,
+       const hierfit::pivot::Wording& wording,
        hierfit::journal::Journal* journal);
   ~Impl();
   Impl(const Impl&) = delete;
@@ -51,7 +51,7 @@ struct BpPivotTable::Impl : hierfit::journal::Receiver {
   void note_table(const BpAnnotation::Impl& note);
 
   hierfit::output::Table& table;
-  const hierfit::StringTable& strings;
+  const hierfit::pivot::Wording wording;
 
  private:
   /// A group or category that was asked for.

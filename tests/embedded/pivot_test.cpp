@@ -91,6 +91,24 @@ std::string cells_of(const output::Table& table) {
 
 }  // namespace
 
+TEST_CASE("a text has the key that it was made from, for as long as its document") {
+  const Outcome left = run([](Script& it) {
+    BpDimension rows = it.table().Dimension(BpString("Statistics", true), 2);
+    rows.Category(BpString("Sig.", true));
+    rows.Category(BpString("Sig.", false));
+    BpComposite title("^1% of all", true);
+    title.Add(it.count(95));
+    title.Finish();
+    rows.Category(title);
+  });
+  const output::Dimension& rows = left.table().dimensions[0];
+  CHECK(rows.title.key == "Statistics");
+  CHECK(rows.nodes[0].label.key == "Sig.");
+  CHECK(rows.nodes[1].label.key.empty());
+  CHECK(rows.nodes[2].label.key == "^1% of all");
+  CHECK(rows.nodes[2].label.shown == "95% of all");
+}
+
 TEST_CASE("a category asked for again is the same one only when all of its label is equal") {
   const Outcome outcome = run([](Script& s) {
     BpPivotTable table = s.table();

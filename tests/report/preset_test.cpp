@@ -6,6 +6,7 @@
 
 #include "report/report.h"
 #include "tests/report/sample_documents.h"
+#include "tests/report/table_builder.h"
 
 namespace hierfit::tests {
 namespace {
@@ -76,6 +77,31 @@ TEST_CASE("a house style changes how cells look, not which there are") {
     CHECK(without_looks(styled) == without_looks(plain));
     CHECK((styled == plain) == (preset.name == "default"));
   }
+}
+
+TEST_CASE("symbols are known by their keys, in each language and in no other words") {
+  TableBuilder builder("Table");
+  builder.rows("Sex").columns("Statistik");
+  const char* columns[] = {"Signifikanz", "FG", "\u81ea\u7531\u5ea6", "Adj. Signifikanz"};
+  for (const char* column : columns)
+    builder.cell({{"F"}, {column}}, coefficient(0.25));
+  output::Document document;
+  const char* keys[] = {"Sig.", "df", "df1", "Adj. Sig."};
+  for (size_t i = 0; i < std::size(keys); ++i)
+    builder.table().dimensions[1].nodes[i].label.key = document.own_key(keys[i]);
+  document.content.items.emplace_back(builder.take());
+  report::apply(*report::preset_by_name("apa"), document);
+
+  const auto& table = *std::get<std::unique_ptr<output::Table>>(document.content.items[0]);
+  std::string shown;
+  for (const output::Node& node : table.dimensions[1].nodes)
+    shown += node.label.shown + (node.label.symbol ? "* " : " ");
+  CHECK(shown == "p* FG* \u81ea\u7531\u5ea6 Adj. Signifikanz ");
+  CHECK_FALSE(table.dimensions[0].nodes[0].label.symbol);  // a category of the reader's own
+  std::string significances;
+  for (const output::CellValue& value : table.cells.values)
+    significances += std::get<output::Number>(value).format == Format::Significance ? '1' : '0';
+  CHECK(significances == "1001");
 }
 
 }  // namespace hierfit::tests
