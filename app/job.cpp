@@ -13,6 +13,7 @@
 #include "embedded/strings/language.h"
 #include "embedded/strings/string_table.h"
 #include "report/preset.h"
+#include "report/words.h"
 
 namespace hierfit::app {
 namespace {
@@ -111,7 +112,8 @@ output::Document make_document(SessionInput input,
                                std::ostream* journal) {
   Session session(std::move(input), {.language = workshop.language,
                                      .resource_directory = workshop.program.resources,
-                                     .journal = journal});
+                                     .journal = journal,
+                                     .words = report::kWords});
   const std::unique_ptr<CFProcCustom> procedure = workshop.module.make_procedure();
   session.run(*procedure);
   output::Document document = session.take_document();

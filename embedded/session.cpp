@@ -7,7 +7,6 @@
 #include "embedded/pmml/model_document.h"
 #include "embedded/session_state.h"
 #include "embedded/strings/language.h"
-#include "embedded/strings/report_words.h"
 
 namespace hierfit {
 namespace {
@@ -24,7 +23,7 @@ output::Document empty_document(const Inputs& inputs) {
   document.right_to_left = is_right_to_left(document.language);
   document.numbers = inputs.strings.numbers();
   document.title = inputs.strings.text(kReportTitle);
-  for (const std::string_view key : kReportWords) {
+  for (const std::string_view key : inputs.words) {
     document.words.emplace(key, inputs.strings.text(key));
   }
   return document;
@@ -34,6 +33,7 @@ Inputs read_inputs(const SessionInput& input, const SessionOptions& options) {
   const std::string& resources = options.resource_directory;
   Inputs inputs;
   inputs.language = options.language;
+  inputs.words = options.words;
   inputs.strings = StringTable(resources + "/locale", options.language);
   inputs.paths = make_paths(resources, inputs.strings.language());
   add_model_fields(inputs.dictionary, read_model_document(input.pmml, input.pmml_name));

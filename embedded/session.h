@@ -4,7 +4,9 @@
 #include <iosfwd>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/framework.h"
@@ -30,6 +32,7 @@ struct SessionOptions {
   std::string language = "en";      ///< BCP 47 tag, or "C": every key stands for itself
   std::string resource_directory;   ///< holds `locale/` and `template/`
   std::ostream* journal = nullptr;  ///< where the host call journal goes; null: no journal
+  std::span<const std::string_view> words = {};  ///< keys of `output::Document::words`
 };
 
 /// The host for one run: dictionary, string table, output document, journal. The host

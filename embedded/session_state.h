@@ -29,7 +29,8 @@ struct ReadFailure {
 
 /// What a run looks up. It stays as it is as long as the session.
 struct Inputs {
-  std::string language;  ///< that was asked for
+  std::string language;                     ///< that was asked for
+  std::span<const std::string_view> words;  ///< for the document
   StringTable strings;
   DataDictionary dictionary;
   std::shared_ptr<PathFinder> paths;

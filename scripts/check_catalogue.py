@@ -3,7 +3,7 @@
 
 The keys are those of locale/en.po. English is held against its keys, any other language against
 English: the same keys, places (^n), list forms ([first:further:]n) and escapes. A key of English is
-asked for somewhere in the sources. Without arguments it checks all of locale/. Each fault is one line, "file:line: message"; the status is 1 then, and 2
+asked for somewhere in the sources, and the report's words are those of its list. Without arguments it checks all of locale/. Each fault is one line, "file:line: message"; the status is 1 then, and 2
 for a catalogue that cannot be read.
 """
 import ast
@@ -16,10 +16,11 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 LOCALE = ROOT / "locale"
 
-# Where keys are asked for. The list of the report's words only repeats what report/ asks for.
+# Where keys are asked for. The list of the report's words only repeats what it asks for.
 SOURCES = ("backend", "embedded", "report", "templates")
 SUFFIXES = (".cpp", ".h", ".xml", ".glyphtemplate")
-LIST_OF_WORDS = ROOT / "embedded/strings/report_words.h"
+REPORT = "report"
+LIST_OF_WORDS = ROOT / "report/words.h"
 
 # Keys that the engine's documents bring.
 KEYS_OF_DOCUMENTS = re.compile(r"kGLMM_C\d+|Dispersion|Var\(\^1\)|Cov\(\^1,\^2\)")
@@ -50,6 +51,7 @@ PLACES_IN_ORDER = "Probability Distribution ^1, Link Function ^2 ..."
 LIST_FORM = re.compile(r"\[((?:[^\\\[\]:]|\\.)*):((?:[^\\\[\]:]|\\.)*):\]([1-9])", re.DOTALL)
 PLACE = re.compile(r"\\.|\^([1-9])", re.DOTALL)
 ESCAPE = re.compile(r"\\(.?)", re.DOTALL)
+WORD_ASKED_FOR = re.compile(r'\bword\("((?:[^"\\\n]|\\.)*)"\)')
 LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
 PO_LINE = re.compile(r'(?:(msgid|msgstr)\s+)?("(?:[^"\\]|\\[nt"\\])*")\s*')
 
@@ -184,25 +186,43 @@ def check_entries(entries, english, is_english):
             yield 1, f'"{key}" is missing'.replace("\n", "\\n")
 
 
-def literals():
-    """The texts between quotation marks in the sources; those side by side are one."""
-    found = set()
-    for folder in SOURCES:
-        for path in (ROOT / folder).rglob("*"):
-            if path.suffix not in SUFFIXES or path == LIST_OF_WORDS:
-                continue
-            joined = re.sub(r'"\s*\n\s*"', "", path.read_text(encoding="utf-8"))
-            found.update(text.replace("\\n", "\n").replace('\\"', '"').replace("\\\\", "\\")
-                         for text in LITERAL.findall(joined))
-    return found
+def plain(literal):
+    """What a text between quotation marks in a source says."""
+    return literal.replace("\\n", "\n").replace('\\"', '"').replace("\\\\", "\\")
+
+
+def source(path):
+    """A source in which texts between quotation marks that stand side by side are one."""
+    return re.sub(r'"\s*\n\s*"', "", path.read_text(encoding="utf-8"))
+
+
+def literals(folders, pattern=LITERAL):
+    """The texts between quotation marks in the sources of some folders, without the word list."""
+    return {plain(text) for folder in folders for path in (ROOT / folder).rglob("*")
+            if path.suffix in SUFFIXES and path != LIST_OF_WORDS
+            for text in pattern.findall(source(path))}
 
 
 def check_use(entries):
     """The keys that nothing asks for."""
-    asked = literals()
+    asked = literals(SOURCES)
     for entry in entries:
         if entry.key not in asked and not KEYS_OF_DOCUMENTS.fullmatch(entry.key):
             yield entry.line, f'"{entry.key}" is asked for nowhere'.replace("\n", "\\n")
+
+
+def check_words(english):
+    """The report's words that its list lacks, and those of the list that are not asked for."""
+    listed = {plain(text) for text in LITERAL.findall(LIST_OF_WORDS.read_text(encoding="utf-8"))}
+    in_report = literals([REPORT])
+    elsewhere = literals(folder for folder in SOURCES if folder != REPORT)
+    asked = literals([REPORT], WORD_ASKED_FOR) | (english.keys() & in_report - elsewhere)
+    for word in sorted(asked - listed - {""}):
+        yield 1, f'"{word}" is not in the list of words'
+    for word in sorted(listed - in_report):
+        yield 1, f'"{word}" is asked for nowhere in {REPORT}/'
+    for word in sorted(listed - english.keys()):
+        yield 1, f'"{word}" is no key of the string table'
 
 
 def check_catalogue(path, english):
@@ -224,6 +244,7 @@ def main(arguments):
         english = {e.key: e.text for e in read_entries(LOCALE / "en.po") if e.key}
         paths = [Path(a) for a in arguments] or sorted(LOCALE.glob("*.po"))
         found = [(path, *fault) for path in paths for fault in check_catalogue(path, english)]
+        found += [(LIST_OF_WORDS, *fault) for fault in check_words(english)]
     except Unreadable as error:
         print(error, file=sys.stderr)
         return 2

@@ -1,13 +1,12 @@
-// The keys of the report's own words.
+// The report's own words.
 #pragma once
 
 #include <string_view>
 
-namespace hierfit {
+namespace hierfit::report {
 
-/// What a renderer asks `output::Document::word` for.
-inline constexpr std::string_view kReportWords[] = {
-    "Adj. Sig.",
+/// The keys of all that a form asks `output::Document::word` for.
+inline constexpr std::string_view kWords[] = {
     "Along x: ^1 (^2).",
     "Along x: ^1, from ^2 to ^3.",
     "Along y: ^1, from ^2 to ^3.",
@@ -23,7 +22,6 @@ inline constexpr std::string_view kReportWords[] = {
     "Decimals as in the report",
     "Details",
     "Error:",
-    "F",
     "Fewer decimals",
     "Figure ^1",
     "Filter the contents",
@@ -50,10 +48,8 @@ inline constexpr std::string_view kReportWords[] = {
     "Reports",
     "Result",
     "Scatter plot of ^1 points.",
-    "Sig.",
     "Skip to the results",
     "Some panels are not shown: they are too many.",
-    "Statistics",
     "Table ^1",
     "Table ^1 (continued)",
     "The ^1 most significant of ^2 are shown.",
@@ -70,11 +66,7 @@ inline constexpr std::string_view kReportWords[] = {
     "^1: ^2 (^3).",
     "^1: ^2.",
     "and ^1 more",
-    "df",
-    "df1",
-    "df2",
     "missing",
-    "t",
 };
 
-}  // namespace hierfit
+}  // namespace hierfit::report
