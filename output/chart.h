@@ -1,6 +1,6 @@
-// A chart of the output document: the text of its chart document, and its data as columns.
+// A chart of the output document: its chart document, and its data as columns.
 //
-// What the text says is told in docs/chart.md. A renderer needs these two and nothing else.
+// What the document says is told in docs/chart.md. A renderer needs these two and nothing else.
 #pragma once
 
 #include <cstdint>
@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "output/markup.h"
 
 namespace hierfit::output {
 
@@ -91,7 +93,7 @@ struct Chart {
   std::string kind;         ///< names the kind of chart for programs, "predictedByObserved"
   std::string title;        ///< what stands above it, plain; the description when nothing does
   std::string description;  ///< what it was delivered with; not empty where the title is not
-  std::string document;     ///< the chart document, well-formed UTF-8
+  Element document;         ///< the chart document
   /// The data: those of the graph in the order of their making, then those of an embedded graph.
   /// Names are unique. A source of the document may be absent here.
   std::vector<ChartSource> sources;
@@ -102,30 +104,5 @@ struct Chart {
 /// What a reader sees of a text of a chart: `<BR/>` is a line feed and the predefined entities and
 /// character references are resolved; any other markup stays as it is.
 std::string plain_text(std::string_view text);
-
-/// When a guide is hidden: a panel where one facet variable has another value than the named one.
-class HideCondition {
- public:
-  struct Clause {
-    std::string name;   ///< the facet variable's role
-    std::string value;  ///< the one value that shows the guide
-
-    bool operator==(const Clause&) const = default;
-  };
-
-  /// Reads `name!="value"` joined by `||`; a value may hold quotation marks. A text of another
-  /// form, "false" among them, never hides.
-  explicit HideCondition(std::string_view text);
-
-  /// The clauses that any of must hold to hide the guide.
-  const std::vector<Clause>& clauses() const { return clauses_; }
-
- private:
-  std::vector<Clause> clauses_;
-};
-
-/// Whether a value of a clause names this value of a variable: the same text, or the same number.
-bool names_value(std::string_view clause_value, std::string_view text);
-bool names_value(std::string_view clause_value, double number);
 
 }  // namespace hierfit::output

@@ -1,5 +1,6 @@
 // The operations of a chart document.
 #include <algorithm>
+#include <optional>
 #include <unordered_map>
 
 #include "embedded/chart/chart_data.h"
@@ -63,13 +64,13 @@ class Graph final : public XGraph, public journal::Receiver {
 
 /// The tree of a text. A text of blanks alone, such as that of a file that is not there, gives
 /// none.
-std::unique_ptr<Element> tree_of(const std::string& xml, const StringTable& strings) {
-  if (xml.find_first_not_of(" \t\r\n") == std::string::npos) return nullptr;
-  auto root = chart::parse_markup(chart::xml_characters(xml), chart::kDocumentName);
-  if (root->name != "chart") {
+std::optional<Element> tree_of(const std::string& xml, const StringTable& strings) {
+  if (xml.find_first_not_of(" \t\r\n") == std::string::npos) return std::nullopt;
+  Element root = chart::parse_markup(chart::xml_characters(xml), chart::kDocumentName);
+  if (root.name != "chart") {
     throw DocumentError({chart::kDocumentName, 0, 0}, "its root is no chart");
   }
-  chart::translate(*root, strings);
+  chart::translate(root, strings);
   return root;
 }
 
@@ -80,7 +81,7 @@ struct XDocument::Impl : journal::Receiver {
       : Receiver(state.journal.get()),
         outputs(state.outputs),
         root(tree_of(xml, state.inputs.strings)),
-        variables(variables_of(root.get(), journal())),
+        variables(variables_of(root ? &*root : nullptr, journal())),
         graph(variables, journal()) {}
 
   void store_variables() {
@@ -89,11 +90,11 @@ struct XDocument::Impl : journal::Receiver {
     }
   }
   void style() {
-    if (root != nullptr) chart::apply_style(*root);
+    if (root) chart::apply_style(*root);
   }
 
   Outputs& outputs;
-  std::unique_ptr<Element> root;  ///< null: a document of nothing, which delivers nothing
+  std::optional<Element> root;  ///< none: a document of nothing, which delivers nothing
   Variables variables;
   Graph graph;
   VarDataProcessor* data = nullptr;
@@ -115,7 +116,7 @@ void XDocument::setEditor(int32_t editor) { impl_->note("XDocument::setEditor", 
 
 void XDocument::setLanguage() {
   impl_->note("XDocument::setLanguage");
-  if (impl_->root != nullptr) impl_->root->set("lang", impl_->outputs.document.language);
+  if (impl_->root) impl_->root->set("lang", impl_->outputs.document.language);
 }
 
 void XDocument::SetDescription(const char16_t* text) {
@@ -142,7 +143,7 @@ void XDocument::applyStyleTemplate() {
 
 std::string XDocument::AsUTF8() const {
   impl_->store_variables();
-  std::string text = impl_->root == nullptr ? std::string() : chart::markup_of(*impl_->root);
+  std::string text = impl_->root ? output::markup_of(*impl_->root) : std::string();
   impl_->note("XDocument::AsUTF8", Result{text});
   return text;
 }
@@ -155,7 +156,7 @@ XGraph* XDocument::getExternalGraph() {
 
 void XDocument::SendChart(bool toOutput, bool flag2, bool flag3) {
   impl_->note("XDocument::SendChart", toOutput, flag2, flag3);
-  if (impl_->root == nullptr || !toOutput) return;
+  if (!impl_->root || !toOutput) return;
   impl_->store_variables();
   // The data are large and are wanted no more: they move.
   std::vector<output::ChartSource> data;

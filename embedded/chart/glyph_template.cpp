@@ -4,7 +4,7 @@
 
 #include "embedded/chart/chart_text.h"
 #include "embedded/chart/journal_values.h"
-#include "embedded/chart/markup.h"
+#include "embedded/chart/parse_markup.h"
 #include "embedded/chart/style.h"
 #include "embedded/chart/variable.h"
 #include "embedded/session_state.h"
@@ -62,16 +62,16 @@ struct XGlyphTemplate::Impl : journal::Receiver {
   std::string text() const {
     const std::string_view text = chart::built_in_template(name);
     if (text.empty()) return {};
-    const auto root = chart::parse_markup(text, name);
-    if (Element* texts = root->child("texts"); texts != nullptr && !title.empty()) {
+    Element root = chart::parse_markup(text, name);
+    if (Element* texts = root.child("texts"); texts != nullptr && !title.empty()) {
       if (Element* element = texts->child("title")) element->set_text(chart::plain_text(title));
     }
-    if (Element* data = root->child("data")) {
+    if (Element* data = root.child("data")) {
       for (const Binding& binding : bindings) {
         fill_variable(source_of(*data, binding.source).add("variable"), binding);
       }
     }
-    return chart::markup_of(*root);
+    return output::markup_of(root);
   }
 };
 

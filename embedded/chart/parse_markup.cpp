@@ -1,13 +1,17 @@
-// Builds the tree from the events of the expat parser.
+#include "embedded/chart/parse_markup.h"
+
 #include <exception>
 #include <expat.h>
 #include <limits>
+#include <memory>
 #include <optional>
 
-#include "embedded/chart/markup.h"
 #include "embedded/error.h"
 
 namespace hierfit::chart {
+
+using output::Content;
+
 namespace {
 
 constexpr size_t kMaxDepth = 512;
@@ -16,6 +20,7 @@ struct ParserCloser {
   void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
 };
 
+/// Builds the tree from the events of the expat parser.
 class MarkupReader {
  public:
   MarkupReader(std::string_view text, const std::string& name)
@@ -27,7 +32,7 @@ class MarkupReader {
     XML_SetStartDoctypeDeclHandler(parser_.get(), &on_doctype);
   }
 
-  std::unique_ptr<Element> read() {
+  Element read() {
     if (text_.size() > std::numeric_limits<int32_t>::max()) fail("the text is larger than 2 GiB");
     const auto length = static_cast<int>(text_.size());
     const XML_Status status = XML_Parse(parser_.get(), text_.data(), length, XML_TRUE);
@@ -35,7 +40,7 @@ class MarkupReader {
     if (status != XML_STATUS_OK) {
       fail(std::string("not well-formed: ") + XML_ErrorString(XML_GetErrorCode(parser_.get())));
     }
-    return std::move(root_);
+    return std::move(*root_);
   }
 
  private:
@@ -71,19 +76,14 @@ class MarkupReader {
 
   void start(const char* name, const char** attributes) {
     if (open_.size() == kMaxDepth) fail("elements are nested deeper than 512");
-    auto element = std::make_unique<Element>();
-    element->name = name;
+    Element& element =
+        open_.empty() ? root_.emplace() : *open_.back()->content.emplace_back(Element()).element();
+    element.name = name;
     for (; *attributes != nullptr; attributes += 2) {
-      element->attributes.emplace_back(attributes[0], attributes[1]);
+      element.attributes.emplace_back(attributes[0], attributes[1]);
     }
-    element->self_closing = tag_closes_itself();
-    Element* opened = element.get();
-    if (open_.empty()) {
-      root_ = std::move(element);
-    } else {
-      open_.back()->content.emplace_back(std::move(element));
-    }
-    open_.push_back(opened);
+    element.self_closing = tag_closes_itself();
+    open_.push_back(&element);
   }
 
   void end() {
@@ -102,7 +102,7 @@ class MarkupReader {
 
   /// The parser hands a text over in pieces.
   void add_text(std::string_view text) {
-    std::vector<Content>& content = open_.back()->content;
+    std::list<Content>& content = open_.back()->content;
     if (content.empty() || !std::holds_alternative<std::string>(content.back())) {
       content.emplace_back(std::string());
     }
@@ -118,14 +118,14 @@ class MarkupReader {
   const std::string_view text_;
   const std::string& name_;
   const std::unique_ptr<std::remove_pointer_t<XML_Parser>, ParserCloser> parser_;
-  std::unique_ptr<Element> root_;
+  std::optional<Element> root_;
   std::vector<Element*> open_;
   std::exception_ptr thrown_;
 };
 
 }  // namespace
 
-std::unique_ptr<Element> parse_markup(std::string_view text, const std::string& name) {
+Element parse_markup(std::string_view text, const std::string& name) {
   return MarkupReader(text, name).read();
 }
 

@@ -122,7 +122,7 @@ output::Chart join(Element& document, std::vector<ChartSource> data, std::string
   chart.title = title_of(document);
   if (chart.title.empty()) chart.title = description;
   chart.description = description.empty() ? chart.title : std::move(description);
-  chart.document = markup_of(document);
+  chart.document = document;
   chart.sources = std::move(data);
   return chart;
 }

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "embedded/chart/markup.h"
+#include "embedded/chart/parse_markup.h"
 #include "output/chart.h"
 
 namespace hierfit::chart {

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "embedded/chart/markup.h"
+#include "embedded/chart/parse_markup.h"
 #include "embedded/strings/string_table.h"
 
 namespace hierfit::chart {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <iterator>
 
 #include "embedded/chart/chart_text.h"
 #include "embedded/chart/journal_values.h"
@@ -41,12 +40,10 @@ void read_relabel(ChartVariable& variable, const Element& relabel) {
 
 void read_values(output::ChartColumn& column, const Element& values) {
   size_t row = 0;
-  for (const Content& content : values.content) {
-    const auto* value = std::get_if<std::unique_ptr<Element>>(&content);
-    if (value == nullptr) continue;
-    const std::string text = (*value)->text();
-    if ((*value)->name == "s") column.set(row, text);
-    if ((*value)->name == "n") column.set(row, number_of(text).value_or(output::kSystemMissing));
+  for (const Element* value : values.children()) {
+    const std::string text = value->text();
+    if (value->name == "s") column.set(row, text);
+    if (value->name == "n") column.set(row, number_of(text).value_or(output::kSystemMissing));
     ++row;
   }
 }
@@ -190,11 +187,10 @@ void Variable::relabel(const std::string& value, std::string text) {
 
 void Variable::store() {
   if (!std::exchange(changed_, false)) return;
-  std::erase_if(element_.content, [](const Content& content) {
-    const auto* child = std::get_if<std::unique_ptr<Element>>(&content);
-    return child == nullptr || (*child)->name != "values";
+  std::erase_if(element_.content, [](const output::Content& content) {
+    return content.element() == nullptr || content.element()->name != "values";
   });
-  std::vector<Content> values = std::exchange(element_.content, {});
+  std::list<output::Content> values = std::exchange(element_.content, {});
   element_.set("categorical", described_.categorical ? "true" : "false");
   if (dictionary_ != nullptr) element_.set("dictionary", xml_characters(dictionary_->GetName()));
   if (const auto& format = described_.format) {
@@ -208,7 +204,7 @@ void Variable::store() {
   for (const auto& [value, text] : described_.text_labels) {
     add_relabel(element_, value, text);
   }
-  std::ranges::move(values, std::back_inserter(element_.content));
+  element_.content.splice(element_.content.end(), values);
 }
 
 }  // namespace hierfit::chart

@@ -3,7 +3,7 @@
 
 #include "host/chart_document.h"
 
-#include "embedded/chart/markup.h"
+#include "embedded/chart/parse_markup.h"
 #include "embedded/journal/journal.h"
 #include "output/chart.h"
 

@@ -4,7 +4,7 @@
 
 #include "embedded/chart/chart_data.h"
 #include "embedded/chart/chart_text.h"
-#include "embedded/chart/markup.h"
+#include "embedded/chart/parse_markup.h"
 #include "embedded/error.h"
 #include "embedded/framework/number_text.h"
 
@@ -22,7 +22,7 @@ constexpr std::string_view kParts[] = {"graph", "texts", "data", "style"};
 
 /// Byte offset of the end tag of the place for a histogram; 0 when there is none that is free.
 size_t place_in(Element& graph) {
-  for (const Element* element : chart::elements_of(graph)) {
+  for (const Element* element : output::elements_of(graph)) {
     if (element->name == "inset") return element->content.empty() ? element->end_tag : 0;
   }
   return 0;
@@ -63,19 +63,18 @@ void fill(Element& data, const std::vector<ChartSource>& sources) {
   }
 }
 
-std::string embedded_text(Element& histogram, int32_t field_type) {
+std::string embedded_text(const Element& histogram, int32_t field_type) {
   Element embedded;
   embedded.name = "embedded";
   embedded.set("kind", std::string(histogram.value("kind")));
   embedded.set("fieldType", std::to_string(std::max(field_type, 0)));
-  for (chart::Content& content : histogram.content) {
-    auto* part = std::get_if<std::unique_ptr<Element>>(&content);
-    if (part != nullptr && std::ranges::find(kParts, (*part)->name) != std::end(kParts)) {
-      embedded.content.push_back(std::move(content));
+  for (const Element* part : histogram.children()) {
+    if (std::ranges::find(kParts, part->name) != std::end(kParts)) {
+      embedded.content.emplace_back(*part);
     }
   }
   std::string text;
-  chart::append_markup(text, embedded);
+  output::append_markup(text, embedded);
   return text;
 }
 
@@ -89,13 +88,13 @@ std::string embed_histogram(std::string_view graph,
   const std::vector<ChartSource> sources = chart::read_data_stream(stream);
   if (sources.empty()) return {};
   try {
-    const auto outer = chart::parse_markup(text, kMessageName);
-    const auto inner = chart::parse_markup(chart::xml_characters(histogram), kMessageName);
-    const size_t place = place_in(*outer);
-    Element* data = inner->child("data");
+    Element outer = chart::parse_markup(text, kMessageName);
+    Element inner = chart::parse_markup(chart::xml_characters(histogram), kMessageName);
+    const size_t place = place_in(outer);
+    Element* data = inner.child("data");
     if (place == 0 || data == nullptr) return {};
     fill(*data, sources);
-    text.insert(place, embedded_text(*inner, field_type));
+    text.insert(place, embedded_text(inner, field_type));
   } catch (const DocumentError&) {
     return {};
   }

@@ -151,10 +151,10 @@ bool names_row(std::string_view value, const output::ChartColumn& values, size_t
     case output::ChartColumn::Kind::Unset:
       return false;
     case output::ChartColumn::Kind::Number:
-      return output::names_value(value, values.number(row));
+      return names_value(value, values.number(row));
     case output::ChartColumn::Kind::Text:
-      return output::names_value(value, values.text(row)) ||
-             output::names_value(value, output::plain_text(values.text(row)));
+      return names_value(value, values.text(row)) ||
+             names_value(value, output::plain_text(values.text(row)));
   }
   return false;
 }

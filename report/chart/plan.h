@@ -10,6 +10,7 @@
 
 #include "output/chart.h"
 #include "output/number_format.h"
+#include "report/chart/hide_condition.h"
 #include "report/chart/style.h"
 
 namespace hierfit::report::chart {
@@ -86,7 +87,7 @@ struct LineGuide {
   std::optional<double> y;  ///< horizontal; else by slope and intercept
   double slope = 0;
   double intercept = 0;
-  output::HideCondition hidden{""};
+  HideCondition hidden{""};
 };
 
 struct Legend {
@@ -149,8 +150,7 @@ struct Plan {
   Style style;
 };
 
-/// Reads a chart document. What a text lacks or says wrongly is as in the defaults; a text that is
-/// not well-formed gives a plan without elements.
+/// Reads a chart document. What it lacks or says wrongly is as in the defaults.
 Plan read_plan(const output::Chart& chart);
 
 }  // namespace hierfit::report::chart

@@ -137,7 +137,7 @@ class JsonReport {
     member("description", chart.description);
     key("sources");
     list(chart.sources, [this](const output::ChartSource& each) { write_source(each); });
-    member("document", chart.document);
+    member("document", output::markup_of(chart.document));
     out_ += '}';
   }
 

@@ -140,7 +140,7 @@ std::string charts_of(const DocumentFiles& files) {
   std::string text;
   for (const auto& chart : run(files, "en").charts) {
     text += "== " + chart->kind + ": " + chart->title + " (" + chart->description + ")\n" +
-            changes_from_template(without_styles(chart->document));
+            changes_from_template(without_styles(hierfit::output::markup_of(chart->document)));
     for (const ChartSource& source : chart->sources)
       text += data_of(source);
   }

@@ -10,7 +10,6 @@
 using namespace hierfit;
 using namespace hierfit::test;
 using output::ChartColumn;
-using output::HideCondition;
 
 namespace {
 
@@ -153,30 +152,4 @@ TEST_CASE("plain text resolves breaks and references, nothing else") {
   CHECK(output::plain_text("a<BR/>b &lt;&amp;&quot;&#9472;&#x41;") == "a\nb <&\"\u2500A");
   CHECK(output::plain_text("&amp;lt; &unknown; &#0; &#xD800; &#12 < & <b>") ==
         "&lt; &unknown; &#0; &#xD800; &#12 < & <b>");
-}
-
-TEST_CASE("conditions name the panel of a guide") {
-  using Clauses = std::vector<HideCondition::Clause>;
-  struct Row {
-    const char* text;
-    Clauses clauses;
-  };
-  const Row kRows[] = {
-      {"false", {}},
-      {"", {}},
-      {R"(facet1!="a")", {{"facet1", "a"}}},
-      {R"(facet1!="a"||facet2!="b")", {{"facet1", "a"}, {"facet2", "b"}}},
-      {R"(facet1!="say "a"!"||facet2!=""b"")", {{"facet1", "say \"a\"!"}, {"facet2", "\"b\""}}},
-      {R"(facet1!="a"||b"||facet2!="c||d")", {{"facet1", "a\"||b"}, {"facet2", "c||d"}}},
-      {R"(facet1!="")", {{"facet1", ""}}},
-      {R"(facet1!="open)", {}},
-  };
-  for (const auto& [text, clauses] : kRows) {
-    CAPTURE(text);
-    CHECK(HideCondition(text).clauses() == clauses);
-  }
-  CHECK(output::names_value("01", 1.0));
-  CHECK_FALSE(output::names_value("1x", 1.0));
-  CHECK_FALSE(output::names_value("", 0.0));
-  CHECK_FALSE(output::names_value("01", "1"));
 }

@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "report/chart/distribution.h"
+#include "report/chart/hide_condition.h"
 #include "report/chart/layout.h"
 #include "report/chart/metrics.h"
 #include "report/chart/scale.h"
@@ -298,6 +299,32 @@ TEST_CASE("densities hold an area of one") {
   CHECK_FALSE(density_of({"binomialnegative", 4, 1.2}, 8, 1.5));
   CHECK_FALSE(density_of({"normal"}, 8, 0));
   CHECK_FALSE(density_of({"weibull", 1, 1}, 8, 1));
+}
+
+TEST_CASE("conditions name the panel of a guide") {
+  using Clauses = std::vector<HideCondition::Clause>;
+  struct Row {
+    const char* text;
+    Clauses clauses;
+  };
+  const Row kRows[] = {
+      {"false", {}},
+      {"", {}},
+      {R"(facet1!="a")", {{"facet1", "a"}}},
+      {R"(facet1!="a"||facet2!="b")", {{"facet1", "a"}, {"facet2", "b"}}},
+      {R"(facet1!="say "a"!"||facet2!=""b"")", {{"facet1", "say \"a\"!"}, {"facet2", "\"b\""}}},
+      {R"(facet1!="a"||b"||facet2!="c||d")", {{"facet1", "a\"||b"}, {"facet2", "c||d"}}},
+      {R"(facet1!="")", {{"facet1", ""}}},
+      {R"(facet1!="open)", {}},
+  };
+  for (const auto& [text, clauses] : kRows) {
+    CAPTURE(text);
+    CHECK(HideCondition(text).clauses() == clauses);
+  }
+  CHECK(names_value("01", 1.0));
+  CHECK_FALSE(names_value("1x", 1.0));
+  CHECK_FALSE(names_value("", 0.0));
+  CHECK_FALSE(names_value("01", "1"));
 }
 
 }  // namespace hierfit::tests

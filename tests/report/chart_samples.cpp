@@ -6,6 +6,7 @@
 #include <limits>
 #include <tuple>
 
+#include "embedded/chart/parse_markup.h"
 #include "output/number_format.h"
 
 namespace hierfit::tests {
@@ -87,9 +88,12 @@ class Noise {
   uint64_t state_ = 20240229;
 };
 
-std::string document(const std::string& kind, const std::string& graph, const std::string& texts) {
-  return "<chart kind=\"" + kind + "\"><graph " + graph + "</graph><texts>" + texts +
-         "</texts><data/></chart>";
+output::Element document(const std::string& kind,
+                         const std::string& graph,
+                         const std::string& texts) {
+  const std::string text = "<chart kind=\"" + kind + "\"><graph " + graph + "</graph><texts>" +
+                           texts + "</texts><data/></chart>";
+  return chart::parse_markup(text, kind);
 }
 
 Chart chart_of(const std::string& kind,

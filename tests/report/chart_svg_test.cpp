@@ -5,6 +5,7 @@
 #include <memory>
 #include <set>
 
+#include "embedded/chart/parse_markup.h"
 #include "report/chart/chart.h"
 #include "report/chart/layout.h"
 #include "report/chart/plan.h"
@@ -87,8 +88,8 @@ TEST_CASE("pictures stay small, whatever they show") {
 TEST_CASE("the page's colours are those of the style sheet of charts") {
   const std::string css = content_of("/report/html/chart.css");
   output::Chart chart;
-  chart.document =
-      "<chart><graph/><texts/><data/>" + content_of("/templates/style.xml").substr(39) + "</chart>";
+  chart.document.content.emplace_back(
+      hierfit::chart::parse_markup(content_of("/templates/style.xml"), "style.xml"));
   const Style sheet = read_plan(chart).style;
   REQUIRE(sheet.steps(Part::Categories) == 8);
   for (size_t part = 1; part < kParts; ++part) {

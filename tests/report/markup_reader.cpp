@@ -1,39 +1,21 @@
 #include "tests/report/markup_reader.h"
 
-#include <expat.h>
-#include <memory>
-#include <string_view>
+#include "embedded/chart/parse_markup.h"
 
 namespace hierfit::tests {
-namespace {
-
-void XMLCALL start(void* user, const char* name, const char** attributes) {
-  Markup& markup = *static_cast<Markup*>(user);
-  markup.tags.insert(name);
-  bool reached = false;
-  bool named = false;
-  for (; *attributes != nullptr; attributes += 2) {
-    const std::string_view key = attributes[0];
-    if (key == "id") markup.ids.insert(attributes[1]);
-    if (key == "style" || key.starts_with("on")) markup.styled = true;
-    if (key == "tabindex") reached = true;
-    if (key == "aria-label" && attributes[1][0] != '\0') named = true;
-  }
-  markup.reachable += reached ? 1 : 0;
-  markup.unnamed += reached && !named ? 1 : 0;
-}
-
-}  // namespace
 
 Markup markup_of(const std::string& text) {
   Markup markup;
-  const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(
-      XML_ParserCreate("UTF-8"), &XML_ParserFree);
-  XML_SetUserData(parser.get(), &markup);
-  XML_SetElementHandler(parser.get(), &start, nullptr);
-  if (XML_Parse(parser.get(), text.data(), static_cast<int>(text.size()), XML_TRUE) !=
-      XML_STATUS_OK) {
-    markup.tags.clear();
+  output::Element root = chart::parse_markup(text, "picture");
+  for (const output::Element* element : output::elements_of(root)) {
+    markup.tags.insert(element->name);
+    for (const auto& [key, value] : element->attributes) {
+      if (key == "id") markup.ids.insert(value);
+      if (key == "style" || key.starts_with("on")) markup.styled = true;
+    }
+    const bool reached = element->attribute("tabindex") != nullptr;
+    markup.reachable += reached ? 1 : 0;
+    markup.unnamed += reached && element->value("aria-label").empty() ? 1 : 0;
   }
   return markup;
 }

@@ -7,7 +7,7 @@
 
 namespace hierfit::tests {
 
-/// Gathered by a parser; empty `tags` for a text that is not well-formed.
+/// Gathered from the tree of a text. Reading throws where the text is not well-formed.
 struct Markup {
   std::multiset<std::string> tags;
   std::multiset<std::string> ids;

@@ -1,8 +1,8 @@
-#include "embedded/chart/markup.h"
+#include "output/markup.h"
 
 #include <algorithm>
 
-namespace hierfit::chart {
+namespace hierfit::output {
 namespace {
 
 constexpr std::string_view kBreak = "BR";
@@ -29,21 +29,15 @@ void append_escaped(std::string& out, std::string_view text, const Escape (&esca
   }
 }
 
-Element* element_in(Content& content) {
-  const auto* element = std::get_if<std::unique_ptr<Element>>(&content);
-  return element == nullptr ? nullptr : element->get();
-}
-
 /// Parsers limit nesting to 512, so the depth of the calls is bounded.
 void append_text_of(std::string& out, const Element& element) {
   for (const Content& part : element.content) {
     if (const auto* text = std::get_if<std::string>(&part)) {
       out += *text;
-    } else if (const Element& child = *std::get<std::unique_ptr<Element>>(part);
-               child.name == kBreak) {
+    } else if (part.element()->name == kBreak) {
       out += '\n';
     } else {
-      append_text_of(out, child);
+      append_text_of(out, *part.element());
     }
   }
 }
@@ -51,7 +45,7 @@ void append_text_of(std::string& out, const Element& element) {
 void collect(std::vector<Element*>& elements, Element& element) {
   elements.push_back(&element);
   for (Content& part : element.content) {
-    if (Element* child = element_in(part)) collect(elements, *child);
+    if (Element* child = part.element()) collect(elements, *child);
   }
 }
 
@@ -83,35 +77,45 @@ void Element::remove(std::string_view attribute_name) {
                 [&](const auto& attribute) { return attribute.first == attribute_name; });
 }
 
-Element* Element::child(std::string_view child_name) {
-  for (Content& part : content) {
-    Element* element = element_in(part);
+const Element* Element::child(std::string_view child_name) const {
+  for (const Content& part : content) {
+    const Element* element = part.element();
     if (element != nullptr && element->name == child_name) return element;
   }
   return nullptr;
 }
 
+Element* Element::child(std::string_view child_name) {
+  return const_cast<Element*>(std::as_const(*this).child(child_name));
+}
+
+std::vector<const Element*> Element::children() const {
+  std::vector<const Element*> found;
+  for (const Content& part : content) {
+    if (const Element* element = part.element()) found.push_back(element);
+  }
+  return found;
+}
+
 std::vector<Element*> Element::children(std::string_view child_name) {
   std::vector<Element*> found;
   for (Content& part : content) {
-    Element* element = element_in(part);
+    Element* element = part.element();
     if (element != nullptr && element->name == child_name) found.push_back(element);
   }
   return found;
 }
 
 Element& Element::add(std::string child_name) {
-  auto added = std::make_unique<Element>();
-  added->name = std::move(child_name);
-  added->self_closing = true;
-  Element& element = *added;
-  content.emplace_back(std::move(added));
-  return element;
+  Element& added = *content.emplace_back(Element()).element();
+  added.name = std::move(child_name);
+  added.self_closing = true;
+  return added;
 }
 
 void Element::remove_children(std::string_view child_name) {
-  std::erase_if(content, [&](Content& part) {
-    const Element* element = element_in(part);
+  std::erase_if(content, [&](const Content& part) {
+    const Element* element = part.element();
     return element != nullptr && element->name == child_name;
   });
 }
@@ -155,7 +159,7 @@ void append_markup(std::string& out, const Element& element) {
     if (const auto* text = std::get_if<std::string>(&part)) {
       append_escaped(out, *text, kInText);
     } else {
-      append_markup(out, *std::get<std::unique_ptr<Element>>(part));
+      append_markup(out, *part.element());
     }
   }
   ((out += "</") += element.name) += '>';
@@ -168,4 +172,4 @@ std::string markup_of(const Element& root) {
   return out;
 }
 
-}  // namespace hierfit::chart
+}  // namespace hierfit::output
