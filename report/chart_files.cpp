@@ -4,10 +4,8 @@
 #include <cmath>
 #include <stdexcept>
 
-#include "report/chart/chart.h"
-#include "report/chart/layout.h"
+#include "report/chart/figure.h"
 #include "report/chart/metadata.h"
-#include "report/chart/plan.h"
 #include "report/chart/svg.h"
 #include "report/file_name.h"
 #include "report/picture/picture.h"
@@ -23,7 +21,6 @@ namespace {
 constexpr double kPixelsPerInch = 96;
 constexpr double kNarrowest = 100;
 constexpr double kWidest = 10'000;
-constexpr std::string_view kHead = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 
 void collect(const Section& section, std::vector<const Chart*>& charts) {
   for (const output::Item& item : section.items) {
@@ -52,10 +49,10 @@ chart::Scene append_picture(std::string& out,
                             const chart::SvgSettings& settings) {
   constexpr std::string_view kEnd = "</svg>\n";
   constexpr size_t kMostBytes = 950'000;
-  const chart::Plan plan = chart::read_plan(chart);
-  chart::Scene scene = chart::lay_out(plan, chart, document, {.width = width_of(options)});
+  const chart::Figure figure(chart, document);
+  chart::Scene scene = figure.scene({.width = width_of(options)});
   const size_t begin = out.size();
-  chart::append_svg(out, scene, plan.style, settings);
+  chart::append_svg(out, scene, figure.plan().style, settings);
   out.resize(out.size() - kEnd.size());
   chart::append_metadata(out, chart, kMostBytes - std::min(kMostBytes, out.size() - begin));
   out += kEnd;
@@ -72,7 +69,7 @@ std::string svg_of_nothing(const Document& document) {
   scene.width = std::ceil(chart::text_width(text, font)) + 40;
   scene.height = 48;
   scene.marks.push_back(chart::text_mark({scene.width / 2, 28}, text, font, chart::Anchor::Middle));
-  std::string svg(kHead);
+  std::string svg(chart::kSvgHead);
   chart::append_svg(svg, scene, style, {});
   return svg;
 }
@@ -91,7 +88,7 @@ std::string stacked_svg(const std::vector<const Chart*>& charts,
     width = std::max(width, scene.width);
     height += scene.height;
   }
-  std::string svg(kHead);
+  std::string svg(chart::kSvgHead);
   chart::append_svg_start(svg, width, height);
   return svg.append(pictures).append("</svg>\n");
 }
@@ -107,17 +104,18 @@ std::string svg_of_document(const Document& document, const Options& options) {
 }  // namespace
 
 std::string svg_of_chart(const Chart& chart, const Document& document, const Options& options) {
-  std::string svg(kHead);
+  std::string svg(chart::kSvgHead);
   append_picture(svg, chart, document, options, {});
   return svg;
 }
 
 std::string png_of_chart(const Chart& chart, const Document& document, const Options& options) {
-  return png_of_svg(render_svg(chart, document, width_of(options)), scale_of(options));
+  return png_of_svg(chart::Figure(chart, document).svg({.width = width_of(options)}),
+                    scale_of(options));
 }
 
 std::string pdf_of_chart(const Chart& chart, const Document& document, const Options& options) {
-  return pdf_of_svg(render_svg(chart, document, width_of(options)));
+  return pdf_of_svg(chart::Figure(chart, document).svg({.width = width_of(options)}));
 }
 
 const ChartForm* chart_form_by_name(std::string_view name) {

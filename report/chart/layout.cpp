@@ -43,7 +43,7 @@ class Page {
     y_ = settings.texts ? kMargin : 2;
   }
 
-  Scene write(const output::Chart& chart) {
+  Scene write() {
     const Texts& texts = binding_.plan.texts;
     put_text(texts.title, Lettering::Title, 2);
     put_text(texts.sub_title, Lettering::SubTitle, 2);
@@ -53,8 +53,6 @@ class Page {
     put_text(texts.footnote, Lettering::Footnote, 6);
     scene_.width = page_.width + 2 * kMargin;
     scene_.height = std::max(page_.height, y_) + (settings_.texts ? kMargin : 4);
-    scene_.title = chart.title.empty() ? texts.title : chart.title;
-    scene_.description = describe(binding_);
     scene_.marks = std::move(page_.marks);
     std::erase_if(scene_.marks, [](const Mark& mark) {
       return mark.kind == MarkKind::Text && mark.text.empty();
@@ -110,18 +108,8 @@ class Page {
 
 }  // namespace
 
-Scene lay_out(const Plan& plan,
-              const output::Chart& chart,
-              const output::Document& document,
-              const Settings& settings) {
-  const Binding binding = bind(plan, plan.graph, chart, document);
-  return Page(binding, settings).write(chart);
-}
-
-Scene lay_out(const output::Chart& chart,
-              const output::Document& document,
-              const Settings& settings) {
-  return lay_out(read_plan(chart), chart, document, settings);
+Scene lay_out(const Binding& binding, const Settings& settings) {
+  return Page(binding, settings).write();
 }
 
 }  // namespace hierfit::report::chart

@@ -9,6 +9,9 @@
 
 namespace hierfit::report::chart {
 
+/// Ahead of an `svg` element that is a file.
+inline constexpr std::string_view kSvgHead = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+
 struct SvgSettings {
   /// Colours by class, which the style sheet of the page gives for light and dark; else literal
   /// colours of the light theme, and the picture is a file of its own.

@@ -1,12 +1,12 @@
 // The text document form, for word processors.
 #include <algorithm>
 
+#include "report/chart/figure.h"
 #include "report/docx/docx_table.h"
 #include "report/docx/markup.h"
 #include "report/docx/package.h"
 #include "report/docx/parts.h"
 #include "report/layout/page_table.h"
-#include "report/page_chart.h"
 #include "report/picture/picture.h"
 #include "report/report.h"
 
@@ -136,25 +136,26 @@ class Report {
   }
 
   void write_part(const output::Chart& chart, uint32_t number, uint32_t) {
-    const double width = std::min(options_.chart_width, kChartWidth / kPointsPerPixel);
-    const PageChart page = page_chart(chart, document_, width);
+    const chart::Figure figure(chart, document_);
     std::string title;
-    append_run(title, page.title, {.italic = true});
-    if (!page.sub_title.empty()) append_run(title, "\n" + page.sub_title, {});
+    append_run(title, clean(figure.title()), {.italic = true});
+    if (!figure.sub_title().empty()) append_run(title, "\n" + clean(figure.sub_title()), {});
     append_caption(out_, document_.word("Figure ^1"), "Figure", number,
                    "c" + std::to_string(number), title, bookmarks_);
-    write_picture(page, number);
-    for (const std::string& note : page.notes) {
+    write_picture(figure, number);
+    for (const std::string& note : figure.notes()) {
       open_paragraph("TableNote");
-      append_run(out_, note, {});
+      append_run(out_, clean(note), {});
       close_paragraph();
     }
   }
 
-  void write_picture(const PageChart& page, uint32_t number) {
-    pictures_.push_back({"word/media/chart" + std::to_string(number) + ".png",
-                         png_of_svg(page.svg, kPictureScale)});
-    const PictureSize size = size_of_svg(page.svg);
+  void write_picture(const chart::Figure& figure, uint32_t number) {
+    const double width = std::min(options_.chart_width, kChartWidth / kPointsPerPixel);
+    const std::string svg = figure.svg({.width = width, .texts = false});
+    pictures_.push_back(
+        {"word/media/chart" + std::to_string(number) + ".png", png_of_svg(svg, kPictureScale)});
+    const PictureSize size = size_of_svg(svg);
     const double scale = std::min({1.0, kChartWidth / (size.width * kPointsPerPixel),
                                    kChartHeight / (size.height * kPointsPerPixel)});
     std::string extent;
@@ -163,13 +164,13 @@ class Report {
     open_paragraph("Figure");
     out_ += "<w:r><w:drawing><wp:inline distT=\"0\" distB=\"0\" distL=\"0\" distR=\"0\"><wp:extent";
     (out_ += extent) += "/><wp:docPr";
-    write_picture_names(number, page.description);
+    write_picture_names(number, clean(figure.description()));
     out_ +=
         "<wp:cNvGraphicFramePr><a:graphicFrameLocks noChangeAspect=\"1\"/>"
         "</wp:cNvGraphicFramePr><a:graphic><a:graphicData "
         "uri=\"http://schemas.openxmlformats.org/drawingml/2006/picture\"><pic:pic>"
         "<pic:nvPicPr><pic:cNvPr";
-    write_picture_names(number, page.description);
+    write_picture_names(number, clean(figure.description()));
     ((out_ += "<pic:cNvPicPr/></pic:nvPicPr><pic:blipFill><a:blip r:embed=\"") +=
      picture_relation(number)) +=
         "\"/><a:stretch><a:fillRect/></a:stretch></pic:blipFill>"

@@ -4,8 +4,7 @@
 #include <array>
 #include <set>
 
-#include "report/chart/binding.h"
-#include "report/chart/layout.h"
+#include "report/chart/figure.h"
 #include "report/chart/svg.h"
 #include "report/html/markup.h"
 #include "report/wording.h"
@@ -49,17 +48,16 @@ class HtmlChart {
         chart_(chart),
         number_(number),
         id_("c" + std::to_string(number)),
-        plan_(chart::read_plan(chart)),
-        style_(document.numbers) {
-    style_.minus = "\u2212";
-  }
+        figure_(chart, document),
+        plan_(figure_.plan()),
+        style_(figure_.binding().numbers) {}
 
   void write() {
     out_ += "<figure class=\"chart\" id=\"" + id_ + "\">\n";
     write_caption();
     write_pictures();
-    write_note(plan_.texts.caption);
-    write_note(plan_.texts.footnote);
+    for (const std::string& note : figure_.notes())
+      write_note(note);
     write_data();
     out_ += "</figure>\n";
   }
@@ -69,11 +67,11 @@ class HtmlChart {
     out_ += "<figcaption id=\"" + id_ + "h\"><b>";
     append_escaped(out_, filled(document_.word("Figure ^1"), std::to_string(number_)));
     out_ += "</b><br><i>";
-    append_lines(out_, chart_.title.empty() ? plan_.texts.title : chart_.title);
+    append_lines(out_, figure_.title());
     out_ += "</i>";
-    if (!plan_.texts.sub_title.empty()) {
+    if (!figure_.sub_title().empty()) {
       out_ += "<br><span>";
-      append_lines(out_, plan_.texts.sub_title);
+      append_lines(out_, figure_.sub_title());
       out_ += "</span>";
     }
     out_ += "</figcaption>\n";
@@ -81,8 +79,7 @@ class HtmlChart {
 
   std::string picture(double width, std::string_view suffix) const {
     std::string svg;
-    const chart::Scene scene =
-        chart::lay_out(plan_, chart_, document_, {.width = width, .texts = false});
+    const chart::Scene scene = figure_.scene({.width = width, .texts = false});
     const std::string prefix = id_ + std::string(suffix);
     chart::append_svg(svg, scene, plan_.style, {.by_class = true, .prefix = prefix});
     return svg;
@@ -108,7 +105,6 @@ class HtmlChart {
   }
 
   void write_note(const std::string& text) {
-    if (text.empty()) return;
     out_ += "<p>";
     append_lines(out_, text);
     out_ += "</p>\n";
@@ -270,8 +266,9 @@ class HtmlChart {
   const Chart& chart_;
   uint32_t number_;
   std::string id_;
-  chart::Plan plan_;
-  output::NumberStyle style_;
+  chart::Figure figure_;
+  const chart::Plan& plan_;
+  const output::NumberStyle& style_;
 };
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <array>
 
 #include "report/aligned_cells.h"
-#include "report/chart/chart.h"
+#include "report/chart/figure.h"
 #include "report/file_name.h"
 #include "report/latex/latex_table.h"
 #include "report/latex/latex_text.h"
@@ -108,7 +108,7 @@ class LatexReport {
      texts_.escaped(numbered(entry, document_))) += "}\\\\\n";
     ((out_ += "\\textit{") += texts_.escaped(chart.title, "\\\\ ")) += "}\\par\\smallskip\n";
     ((out_ += "\\chart{") += file_name(entry.number, charts_, chart.kind, "chart")) += ".pdf}{";
-    (out_ += texts_.escaped(describe_chart(chart, document_), "\\newline ")) +=
+    (out_ += texts_.escaped(chart::Figure(chart, document_).description(), "\\newline ")) +=
         "}\n\\end{figure}\n";
   }
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "report/chart/binding.h"
-#include "report/chart/chart.h"
+#include "report/chart/figure.h"
 #include "report/flat_heads.h"
 #include "report/markdown/markdown_table.h"
 #include "report/markdown/markdown_text.h"
@@ -185,7 +185,7 @@ class MarkdownReport {
 
   void write(const Chart& chart, const Entry& entry) {
     write_title(entry, chart.title, "");
-    (out_ += escaped_lines(describe_chart(chart, document_))) += '\n';
+    (out_ += escaped_lines(chart::Figure(chart, document_).description())) += '\n';
     for (const ChartSource& source : chart.sources)
       write_rows(source);
   }

@@ -3,8 +3,7 @@
 #include <memory>
 #include <optional>
 
-#include "report/chart/binding.h"
-#include "report/page_chart.h"
+#include "report/chart/figure.h"
 #include "report/pdf/pdf_table.h"
 #include "report/pdf/pen.h"
 #include "report/picture/picture.h"
@@ -32,8 +31,9 @@ constexpr double kPointsPerPixel = 0.75;
 constexpr double kNoteGap = 3;
 
 /// A chart drawn, and its size on paper.
-struct Figure {
-  PageChart chart;
+struct Drawing {
+  std::unique_ptr<chart::Figure> figure = {};
+  std::string svg = {};
   double width = 0;
   double height = 0;
 };
@@ -42,7 +42,7 @@ struct Figure {
 struct Block {
   PageEntry page;
   std::unique_ptr<PdfTable> table = {};
-  std::optional<Figure> figure = {};
+  Drawing drawing = {};
   uint32_t on_page = 0;
 };
 
@@ -70,22 +70,23 @@ class Report {
     if (const auto* table = page.entry.as<output::Table>()) {
       block.table = std::make_unique<PdfTable>(document_, *table, page.entry.number);
     } else if (const auto* chart = page.entry.as<output::Chart>()) {
-      block.figure = figure_of(*chart);
+      block.drawing = drawing_of(*chart);
     }
     return block;
   }
 
-  Figure figure_of(const output::Chart& chart) const {
+  Drawing drawing_of(const output::Chart& chart) const {
     constexpr double kMostWidth = kPaperWidth - 2 * kSideMargin;
     constexpr double kMostHeight = kPaperHeight - 2 * kEndMargin - 130;
     const double width = std::min(options_.chart_width, kMostWidth / kPointsPerPixel);
-    Figure figure{page_chart(chart, document_, width)};
-    const PictureSize size = size_of_svg(figure.chart.svg);
+    Drawing drawing{std::make_unique<chart::Figure>(chart, document_)};
+    drawing.svg = drawing.figure->svg({.width = width, .texts = false});
+    const PictureSize size = size_of_svg(drawing.svg);
     const double scale =
         std::min({kPointsPerPixel, kMostWidth / size.width, kMostHeight / size.height});
-    figure.width = size.width * scale;
-    figure.height = size.height * scale;
-    return figure;
+    drawing.width = size.width * scale;
+    drawing.height = size.height * scale;
+    return drawing;
   }
 
   void draw(Pen& pen) {
@@ -192,7 +193,7 @@ class Report {
 
   double own_start_height(Pen& pen, Block& block) {
     if (block.table != nullptr) return block.table->start_height(pen);
-    if (block.figure) return figure_height(pen, block);
+    if (block.drawing.figure) return figure_height(pen, block);
     return kBodyLook.size * 3;
   }
 
@@ -243,31 +244,34 @@ class Report {
   // Figures.
 
   Runs caption_of(const Block& block) const {
-    const PageChart& chart = block.figure->chart;
+    const chart::Figure& figure = *block.drawing.figure;
     Runs runs = {{.text = numbered(block.page.entry, document_) + "\n", .bold = true},
-                 {.text = chart.title, .italic = true}};
-    if (!chart.sub_title.empty()) runs.push_back({.text = "\n" + chart.sub_title});
+                 {.text = clean(figure.title()), .italic = true}};
+    if (!figure.sub_title().empty()) {
+      runs.push_back({.text = "\n" + clean(figure.sub_title())});
+    }
     return runs;
   }
 
   double figure_height(Pen& pen, const Block& block) const {
     double height = pen.height(caption_of(block), kCaptionLook, pen.width()) + kCaptionGap;
-    for (const std::string& note : block.figure->chart.notes)
-      height += kNoteGap + pen.height({{.text = note}}, kNoteLook, pen.width());
-    return height + block.figure->height;
+    for (const std::string& note : block.drawing.figure->notes())
+      height += kNoteGap + pen.height({{.text = clean(note)}}, kNoteLook, pen.width());
+    return height + block.drawing.height;
   }
 
   void draw_part(Pen& pen, Block& block, const output::Chart&) {
-    const Figure& figure = *block.figure;
+    const Drawing& drawing = block.drawing;
     pen.flow(caption_of(block), kCaptionLook, pen.left(), pen.width());
     pen.y += kCaptionGap;
-    if (figure.height > pen.room() + 1) pen.next_page();
-    const double x = document_.right_to_left ? pen.left() + pen.width() - figure.width : pen.left();
-    pen.picture(figure.chart.svg, x, pen.y, figure.width, figure.height);
-    pen.y += figure.height;
-    for (const std::string& note : figure.chart.notes) {
+    if (drawing.height > pen.room() + 1) pen.next_page();
+    const double x =
+        document_.right_to_left ? pen.left() + pen.width() - drawing.width : pen.left();
+    pen.picture(drawing.svg, x, pen.y, drawing.width, drawing.height);
+    pen.y += drawing.height;
+    for (const std::string& note : drawing.figure->notes()) {
       pen.y += kNoteGap;
-      pen.flow({{.text = note}}, kNoteLook, pen.left(), pen.width());
+      pen.flow({{.text = clean(note)}}, kNoteLook, pen.left(), pen.width());
     }
   }
 

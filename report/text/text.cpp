@@ -3,7 +3,7 @@
 #include <array>
 
 #include "report/aligned_cells.h"
-#include "report/chart/chart.h"
+#include "report/chart/figure.h"
 #include "report/report.h"
 #include "report/text/display_text.h"
 #include "report/text/text_table.h"
@@ -70,7 +70,8 @@ class TextReport {
     begin_item();
     const std::string word = text::printable(document_.word("Chart:")) + ' ';
     text::append_wrapped(out_, word + text::printable(chart.title), options_, 0);
-    text::append_wrapped(out_, text::printable(describe_chart(chart, document_)), options_, 0);
+    text::append_wrapped(out_, text::printable(chart::Figure(chart, document_).description()),
+                         options_, 0);
   }
 
   void write_item(const output::Message& message) {

@@ -1,7 +1,7 @@
 // The Vega-Lite form: each chart as JSON with its data, for notebooks and editors.
 #include <algorithm>
 
-#include "report/chart/chart.h"
+#include "report/chart/figure.h"
 #include "report/chart/panels.h"
 #include "report/chart_files.h"
 #include "report/outline.h"
@@ -62,10 +62,9 @@ Json only(std::string_view part) {
 class VegaChart {
  public:
   VegaChart(const Chart& chart, const Document& document)
-      : chart_(chart),
-        document_(document),
-        plan_(chart::read_plan(chart)),
-        binding_(chart::bind(plan_, plan_.graph, chart, document)),
+      : figure_(chart, document),
+        plan_(figure_.plan()),
+        binding_(figure_.binding()),
         x_(chart::horizontal_axis(binding_)),
         y_(chart::vertical_axis(binding_)) {}
 
@@ -91,17 +90,15 @@ class VegaChart {
 
  private:
   void write_texts(Json& top) const {
-    const chart::Texts& texts = plan_.texts;
-    Json title = {{"text", lines_of(chart_.title.empty() ? texts.title : chart_.title)},
-                  {"anchor", "start"}};
-    std::string below = texts.sub_title;
-    for (const std::string& note : {texts.caption, texts.footnote}) {
-      if (!below.empty() && !note.empty()) below += '\n';
+    Json title = {{"text", lines_of(figure_.title())}, {"anchor", "start"}};
+    std::string below = figure_.sub_title();
+    for (const std::string& note : figure_.notes()) {
+      if (!below.empty()) below += '\n';
       below += note;
     }
     if (!below.empty()) title["subtitle"] = lines_of(below);
     top["title"] = std::move(title);
-    top["description"] = clean(describe_chart(chart_, document_));
+    top["description"] = clean(figure_.description());
   }
 
   const chart::Embedded* embedded_histogram() const {
@@ -283,7 +280,7 @@ class VegaChart {
   }
 
   Json histogram_of(const chart::Embedded& embedded) const {
-    const chart::ChartSource* source = chart_.source(embedded.source);
+    const chart::ChartSource* source = binding_.chart.source(embedded.source);
     const chart::ChartVariable* variable =
         source == nullptr ? nullptr : source->by_role(embedded.graph.histogram->variable);
     const Json title = lines_of(variable == nullptr ? std::string() : chart::label_of(*variable));
@@ -313,10 +310,9 @@ class VegaChart {
     return {{"width", kHistogramSize}, {"height", kHistogramSize}, {"layer", layers}};
   }
 
-  const Chart& chart_;
-  const Document& document_;
-  chart::Plan plan_;
-  Binding binding_;
+  chart::Figure figure_;
+  const chart::Plan& plan_;
+  const Binding& binding_;
   chart::HorizontalAxis x_;
   chart::VerticalAxis y_;
   vega::DataFacts facts_;

@@ -1,7 +1,7 @@
 // The workbook form: a sheet of contents, and one for each table and chart.
 #include <algorithm>
 
-#include "report/chart/chart.h"
+#include "report/chart/figure.h"
 #include "report/outline.h"
 #include "report/picture/picture.h"
 #include "report/report.h"
@@ -126,14 +126,15 @@ class Report {
   // A chart: its picture on a sheet.
 
   void write_chart(const Entry& entry, const output::Chart& chart) {
+    const chart::Figure figure(chart, document_);
     lxw_worksheet* sheet = workbook_.add_sheet(sheet_name(entry, document_));
     set_up(sheet, document_, true);
     write_title(workbook_, sheet, numbered(entry, document_),
                 {{shown(title_of(entry)), {.italic = true}}});
-    const std::string svg = render_svg(chart, document_, options_.chart_width);
+    const std::string svg = figure.svg({.width = options_.chart_width});
     const Grid under = fix_grid(sheet, size_of_svg(svg));
     const std::string png = png_of_svg(svg, kPictureScale);
-    std::string description = clean(describe_chart(chart, document_));
+    std::string description = clean(figure.description());
     lxw_image_options place = {};
     place.description = description.data();
     place.object_position = LXW_OBJECT_MOVE_DONT_SIZE;

@@ -5,8 +5,8 @@
 #include <tuple>
 
 #include "report/chart/distribution.h"
+#include "report/chart/figure.h"
 #include "report/chart/hide_condition.h"
-#include "report/chart/layout.h"
 #include "report/chart/metrics.h"
 #include "report/chart/scale.h"
 #include "tests/golden.h"
@@ -25,7 +25,8 @@ std::vector<ChartSample> all_samples() {
 }
 
 Scene scene_of(const output::Chart& chart, double width = 720, bool texts = true) {
-  return lay_out(chart, output::Document(), {.width = width, .texts = texts});
+  const output::Document document;
+  return Figure(chart, document).scene({.width = width, .texts = texts});
 }
 
 std::vector<const Mark*> texts_of(const Scene& scene) {

@@ -6,9 +6,7 @@
 #include <set>
 
 #include "embedded/chart/parse_markup.h"
-#include "report/chart/chart.h"
-#include "report/chart/layout.h"
-#include "report/chart/plan.h"
+#include "report/chart/figure.h"
 #include "report/chart/svg.h"
 #include "report/chart_files.h"
 #include "report/report.h"
@@ -22,11 +20,17 @@ using namespace report::chart;
 namespace {
 
 std::string page_svg(const output::Chart& chart) {
-  const Plan plan = read_plan(chart);
+  const output::Document document;
+  const Figure figure(chart, document);
   std::string svg;
-  append_svg(svg, lay_out(plan, chart, output::Document(), {.width = 720, .texts = false}),
-             plan.style, {.by_class = true, .prefix = "c1"});
+  append_svg(svg, figure.scene({.texts = false}), figure.plan().style,
+             {.by_class = true, .prefix = "c1"});
   return svg;
+}
+
+std::string file_svg(const output::Chart& chart) {
+  const output::Document document;
+  return Figure(chart, document).svg({});
 }
 
 std::string content_of(const std::string& path) {
@@ -40,8 +44,7 @@ TEST_CASE("pictures are well-formed, named and without styles, whatever the labe
   std::vector<ChartSample> samples = chart_samples();
   std::ranges::move(hard_chart_samples(), std::back_inserter(samples));
   for (const ChartSample& sample : samples) {
-    for (const std::string& svg :
-         {page_svg(sample.chart), report::render_svg(sample.chart, output::Document())}) {
+    for (const std::string& svg : {page_svg(sample.chart), file_svg(sample.chart)}) {
       CAPTURE(sample.name);
       const Markup picture = markup_of(svg);
       CHECK(picture.tags.count("svg") == 1);
@@ -67,7 +70,7 @@ TEST_CASE("a picture in the page") {
 }
 
 TEST_CASE("a picture as a file has literal colours and its titles") {
-  const std::string svg = report::render_svg(spans_chart(3), output::Document());
+  const std::string svg = file_svg(spans_chart(3));
   CHECK(svg.find("currentColor") == std::string::npos);
   CHECK(svg.find("class=") == std::string::npos);
   CHECK(svg.find("fill=\"#b84a00\"") != std::string::npos);

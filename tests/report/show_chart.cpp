@@ -8,8 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "report/chart/chart.h"
-#include "report/chart/layout.h"
+#include "report/chart/figure.h"
 #include "report/report.h"
 #include "tests/report/chart_samples.h"
 
@@ -46,9 +45,10 @@ void append_marks(json& out, const std::vector<Mark>& marks) {
 }
 
 json marks_of(const std::string& name, const output::Chart& chart) {
+  const output::Document document;
   json all = {{"name", name}};
   for (const auto& [key, width] : {std::pair{"wide", 740.0}, {"narrow", 358.0}}) {
-    const Scene scene = lay_out(chart, output::Document(), {.width = width, .texts = false});
+    const Scene scene = Figure(chart, document).scene({.width = width, .texts = false});
     json marks = json::array();
     append_marks(marks, scene.marks);
     all[key] = {{"width", scene.width}, {"height", scene.height}, {"marks", marks}};
@@ -59,8 +59,8 @@ json marks_of(const std::string& name, const output::Chart& chart) {
 std::string shown(const std::string& form, output::Document& document) {
   if (form == "html" || document.content.items.empty()) return report::render_html(document, {});
   const auto& chart = *std::get<std::unique_ptr<output::Chart>>(document.content.items.front());
-  if (form == "svg") return report::render_svg(chart, document);
-  return to_text(lay_out(chart, document, {}));
+  const Figure figure(chart, document);
+  return form == "svg" ? figure.svg({}) : to_text(figure.scene({}));
 }
 
 }  // namespace
