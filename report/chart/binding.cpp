@@ -176,15 +176,20 @@ double number_at(const ChartVariable* variable, size_t row) {
   return is_number(value) ? value : output::kSystemMissing;
 }
 
+output::Number number_of(const ChartVariable& variable, double value) {
+  constexpr uint8_t kText = 1;
+  if (!variable.format || variable.format->type == kText) {
+    return {value, output::Format::SigDigit, 0};
+  }
+  return {value, output::Format::Fixed, decimals_for(value, *variable.format)};
+}
+
 std::string shown_number(const ChartVariable& variable,
                          double value,
                          const output::NumberStyle& style) {
-  if (const std::string* label = variable.label_of(value)) return variable.prefix + *label;
-  output::Number number{value, output::Format::SigDigit, 0};
-  if (variable.format && variable.format->type != 1) {
-    number = {value, output::Format::Fixed, decimals_for(value, *variable.format)};
-  }
-  return variable.prefix + output::shown(number, style);
+  const std::string* label = variable.label_of(value);
+  return variable.prefix +
+         (label != nullptr ? *label : output::shown(number_of(variable, value), style));
 }
 
 std::string shown_value(const ChartVariable& variable,

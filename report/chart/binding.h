@@ -30,6 +30,8 @@ std::string shown_value(const ChartVariable& variable,
 std::string shown_number(const ChartVariable& variable,
                          double value,
                          const output::NumberStyle& style);
+/// A value in the format of its variable.
+output::Number number_of(const ChartVariable& variable, double value);
 /// The label of a variable, else its name.
 const std::string& label_of(const ChartVariable& variable);
 

@@ -260,7 +260,7 @@ class PanelArrangement {
   void limit_rows() {
     size_t rows = 0;
     for (const BoundElement& element : binding_.elements)
-      rows = std::max(rows, is_positional(element) ? element.rows() : 0);
+      rows = std::max(rows, is_positional(element.element->kind) ? element.rows() : 0);
     frame_.most_rows = 2 * kMostMarks;
     if (rows > frame_.most_rows) note_limit(frame_.x.variable, kMostMarks, rows / 2);
   }
@@ -280,7 +280,7 @@ class PanelArrangement {
     frame_.slot = frame_.band * binding_.graph.cluster / static_cast<double>(frame_.slots);
     size_t marks = 0;
     for (const BoundElement& element : binding_.elements) {
-      if (is_positional(element)) marks = std::max(marks, marks_of(element));
+      if (is_positional(element.element->kind)) marks = std::max(marks, marks_of(element));
     }
     frame_.joined = marks > kMostSingleMarks && !frame_.scatter;
   }
@@ -321,7 +321,7 @@ class PanelArrangement {
   bool shares_room() const {
     std::map<std::pair<uint32_t, double>, uint32_t> seen;
     for (const BoundElement& element : binding_.elements) {
-      if (!is_positional(element) || frame_.dense) continue;
+      if (!is_positional(element.element->kind) || frame_.dense) continue;
       for (size_t row = 0; row < element.rows(); ++row) {
         const uint32_t color = binding_.colors.of(element, RoleKind::Color, row);
         const double place = frame_.place_along_x(element, row);
@@ -340,11 +340,6 @@ class PanelArrangement {
 
 PanelFrame arrange_panels(const Binding& binding, double width) {
   return PanelArrangement(binding, width).arrange();
-}
-
-bool is_positional(const BoundElement& element) {
-  const ElementKind kind = element.element->kind;
-  return kind == ElementKind::Point || kind == ElementKind::Line || kind == ElementKind::Interval;
 }
 
 }  // namespace hierfit::report::chart

@@ -88,9 +88,6 @@ struct PanelFrame {
 /// Shares out `width`. Nothing is to be drawn where an axis has no variable.
 PanelFrame arrange_panels(const Binding& binding, double width);
 
-/// Whether an element stands on axes.
-bool is_positional(const BoundElement& element);
-
 /// Elements of a panel, from its upper left corner.
 void draw_points(std::vector<Mark>& marks,
                  const PanelFrame& frame,

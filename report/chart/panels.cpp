@@ -14,11 +14,6 @@ constexpr double kSlantedBand = 24;  ///< the narrowest for names at half a righ
 constexpr double kNearZero = 0.2;    ///< a share of the range
 constexpr double kSlope = 0.70710678;
 
-bool is_positional(const Element& element) {
-  return element.kind == ElementKind::Point || element.kind == ElementKind::Line ||
-         element.kind == ElementKind::Interval;
-}
-
 bool holds_text(const ChartVariable& variable) {
   if (variable.values.all_numbers()) return false;
   for (size_t row = 0; row < variable.values.rows(); ++row) {
@@ -106,7 +101,7 @@ HorizontalAxis horizontal_axis(const Binding& binding) {
   HorizontalAxis axis;
   for (const BoundElement& element : binding.elements) {
     const ChartVariable* x = element[RoleKind::X];
-    if (x == nullptr || !is_positional(*element.element)) continue;
+    if (x == nullptr || !is_positional(element.element->kind)) continue;
     if (axis.variable == nullptr) {
       axis.variable = x;
       axis.categorical = x->categorical || holds_text(*x);
@@ -128,7 +123,7 @@ VerticalAxis vertical_axis(const Binding& binding) {
   VerticalAxis axis;
   for (const BoundElement& element : binding.elements) {
     const ChartVariable* y = element[RoleKind::Y];
-    if (y == nullptr || !is_positional(*element.element)) continue;
+    if (y == nullptr || !is_positional(element.element->kind)) continue;
     if (axis.variable == nullptr) axis.variable = y;
     for (size_t row = 0; row < element.rows(); ++row) {
       if (const double value = number_at(y, row); is_number(value)) axis.range.add(value);

@@ -61,6 +61,9 @@ struct Roles {
 };
 
 enum class ElementKind : uint8_t { Point, Line, Interval, Edge, Node, Text };
+/// Whether an element of that kind stands on axes.
+inline bool is_positional(ElementKind kind) { return kind <= ElementKind::Interval; }
+
 enum class Rows : uint8_t { All, First, Second, Pairs };
 
 struct Embedded;

@@ -1,8 +1,8 @@
 // The Markdown form: pipe tables, as GitHub and pandoc read them, and charts in words and rows.
 #include <algorithm>
 
-#include "report/chart/binding.h"
 #include "report/chart/figure.h"
+#include "report/chart/figure_table.h"
 #include "report/flat_heads.h"
 #include "report/markdown/markdown_table.h"
 #include "report/markdown/markdown_text.h"
@@ -16,8 +16,6 @@ using markdown::escaped;
 using markdown::escaped_lines;
 using markdown::PipeTable;
 using output::Chart;
-using output::ChartSource;
-using output::ChartVariable;
 using output::Document;
 using output::kNone;
 using output::Table;
@@ -184,10 +182,11 @@ class MarkdownReport {
   }
 
   void write(const Chart& chart, const Entry& entry) {
-    write_title(entry, chart.title, "");
-    (out_ += escaped_lines(chart::Figure(chart, document_).description())) += '\n';
-    for (const ChartSource& source : chart.sources)
-      write_rows(source);
+    const chart::Figure figure(chart, document_);
+    write_title(entry, figure.title(), "");
+    (out_ += escaped_lines(figure.description())) += '\n';
+    for (const chart::FigureTable& data : chart::figure_tables(figure.binding(), kMostRows))
+      write_data(data);
   }
 
   void write_title(const Entry& entry, const std::string& title, const std::string& marks) {
@@ -197,36 +196,24 @@ class MarkdownReport {
     (out_ += marks) += "\n\n";
   }
 
-  /// The variables that have a label: the others place what is drawn.
-  void write_rows(const ChartSource& source) {
-    std::vector<const ChartVariable*> variables;
-    for (const ChartVariable& variable : source.variables) {
-      if (!variable.label.empty() && variable.values.rows() > 0) variables.push_back(&variable);
-    }
-    if (variables.empty()) return;
-    std::vector<bool> numbers;
-    for (const ChartVariable* variable : variables)
-      numbers.push_back(!variable->categorical);
+  void write_data(const chart::FigureTable& data) {
+    std::vector<bool> numbers = data.texts;
+    numbers.flip();
     PipeTable pipes(std::move(numbers));
-    for (const ChartVariable* variable : variables)
-      pipes.cell(escaped(variable->label));
-    for (size_t row = 0; row < std::min(source.rows, kMostRows); ++row) {
-      for (const ChartVariable* variable : variables) {
-        const bool holds = chart::has_value(*variable, row);
-        pipes.cell(holds ? escaped(chart::shown_value(*variable, row, style_)) : "");
-      }
-    }
+    for (const output::Node& head : data.table.dimensions[1].nodes)
+      pipes.cell(escaped(head.label.shown));
+    chart::for_cells(data.table, [&](uint32_t, uint32_t, const output::CellValue* value) {
+      pipes.cell(value == nullptr ? std::string() : cell_text(data.table, *value));
+    });
     out_ += '\n';
     pipes.append_to(out_);
-    if (source.rows > kMostRows) write_rest(source.rows);
+    if (data.table.caption) ((out_ += '\n') += escaped_lines(data.table.caption->shown)) += '\n';
   }
 
-  void write_rest(size_t rows) {
-    const std::string_view pattern =
-        document_.word("The first ^1 of ^2 rows; the JSON form of the report holds all of them.");
-    const std::string words =
-        chart::with_arguments(pattern, {std::to_string(kMostRows), std::to_string(rows)});
-    ((out_ += '\n') += escaped_lines(words)) += '\n';
+  std::string cell_text(const Table& table, const output::CellValue& value) const {
+    const auto* number = std::get_if<output::Number>(&value);
+    return escaped(number != nullptr ? output::shown(*number, style_)
+                                     : restyled(table.texts[std::get<uint32_t>(value)], style_));
   }
 
   const Document& document_;

@@ -1,18 +1,15 @@
 #include "report/xlsx/chart_data.h"
 
-#include <algorithm>
-#include <vector>
-
-#include "report/chart/binding.h"
+#include "report/aligned_cells.h"
+#include "report/chart/figure_table.h"
 #include "report/outline.h"
 
 namespace hierfit::report::xlsx {
 
-using output::ChartSource;
-using output::ChartVariable;
-using Kind = output::ChartColumn::Kind;
-
 namespace {
+
+/// Rows of a source beyond this are left to the JSON form.
+constexpr size_t kMostDataRows = 100'000;
 
 class DataWriter {
  public:
@@ -20,76 +17,58 @@ class DataWriter {
              lxw_worksheet* sheet,
              const output::Document& document,
              uint32_t row)
-      : workbook_(workbook), sheet_(sheet), document_(document), row_(row) {}
+      : workbook_(workbook), sheet_(sheet), style_(document.numbers), row_(row) {
+    style_.minus = "\u2212";
+  }
 
-  void write(const output::Chart& chart) {
-    for (const ChartSource& source : chart.sources)
-      write_source(source);
+  void write(const chart::FigureTable& data) {
+    const output::Table& table = data.table;
+    write_text(0, table.title, {.bold = true});
+    ++row_;
+    for (uint32_t column = 0; column < data.texts.size(); ++column) {
+      write_text(column, table.dimensions[1].nodes[column].label,
+                 {.wraps = true,
+                  .side = side_of(data, column),
+                  .above = Rule::Thick,
+                  .below = Rule::Thin});
+    }
+    ++row_;
+    const uint32_t first = row_;
+    chart::for_cells(table, [&](uint32_t row, uint32_t column, const output::CellValue* value) {
+      row_ = first + row;
+      if (value != nullptr && row_ + 2 < kMostRows) write_cell(data, column, *value);
+    });
+    row_ =
+        std::min(first + static_cast<uint32_t>(table.dimensions[0].leaves.size()), kMostRows - 2);
+    if (table.caption) {
+      write_text(0, *table.caption, {});
+      ++row_;
+    }
+    ++row_;
   }
 
  private:
-  void write_source(const ChartSource& source) {
-    std::vector<const ChartVariable*> shown;
-    for (const ChartVariable& variable : source.variables) {
-      if (!variable.label.empty() && variable.values.rows() > 0) shown.push_back(&variable);
-    }
-    if (shown.empty()) return;
-    write_text(0, std::string(document_.word("Data of the figure")), {.bold = true});
-    ++row_;
-    for (uint32_t column = 0; column < shown.size(); ++column) {
-      const Side side = is_text(*shown[column]) ? Side::Start : Side::End;
-      write_text(column, clean(shown[column]->label),
-                 {.wraps = true, .side = side, .above = Rule::Thick, .below = Rule::Thin});
-    }
-    ++row_;
-    const size_t rows = std::min(source.rows, kMostDataRows);
-    for (size_t of_source = 0; of_source < rows && row_ + 2 < kMostRows; ++of_source, ++row_)
-      write_row(shown, of_source);
-    if (rows < source.rows) write_rest(source.rows);
-    ++row_;
+  static Side side_of(const chart::FigureTable& data, uint32_t column) {
+    return data.texts[column] ? Side::Start : Side::End;
   }
 
-  void write_rest(size_t rows) {
-    const std::string_view pattern =
-        document_.word("The first ^1 of ^2 rows; the JSON form of the report holds all of them.");
-    write_text(
-        0, chart::with_arguments(pattern, {std::to_string(kMostDataRows), std::to_string(rows)}),
-        {});
-    ++row_;
-  }
-
-  static bool is_text(const ChartVariable& variable) {
-    return variable.categorical || !variable.number_labels.empty() ||
-           !variable.values.all_numbers();
-  }
-
-  void write_row(const std::vector<const ChartVariable*>& shown, size_t row) {
-    for (uint32_t column = 0; column < shown.size(); ++column) {
-      const ChartVariable& variable = *shown[column];
-      if (!chart::has_value(variable, row)) continue;
-      const bool number = variable.values.kind(row) == Kind::Number;
-      if (number && variable.label_of(variable.values.number(row)) == nullptr) {
-        write_number(column, variable, variable.values.number(row));
-      } else {
-        write_text(column, clean(chart::shown_value(variable, row, document_.numbers)), {});
-      }
+  void write_cell(const chart::FigureTable& data, uint32_t column, const output::CellValue& value) {
+    const Look look = {.side = side_of(data, column)};
+    if (const auto* number = std::get_if<output::Number>(&value)) {
+      worksheet_write_number(sheet_, row_, static_cast<lxw_col_t>(column), number->value,
+                             workbook_.format(look));
+    } else {
+      write_text(column, data.table.texts[std::get<uint32_t>(value)], look);
     }
   }
 
-  void write_number(uint32_t column, const ChartVariable& variable, double value) {
-    Look look;
-    look.side = is_text(variable) ? Side::Start : Side::End;
-    worksheet_write_number(sheet_, row_, static_cast<lxw_col_t>(column), value,
-                           workbook_.format(look));
-  }
-
-  void write_text(uint32_t column, const std::string& text, const Look& look) {
-    write_runs(workbook_, sheet_, row_, column, {{text, look}}, look);
+  void write_text(uint32_t column, const output::Text& text, const Look& look) {
+    write_runs(workbook_, sheet_, row_, column, {{clean(restyled(text, style_)), look}}, look);
   }
 
   Workbook& workbook_;
   lxw_worksheet* sheet_;
-  const output::Document& document_;
+  output::NumberStyle style_;
   uint32_t row_;
 };
 
@@ -98,9 +77,11 @@ class DataWriter {
 void write_chart_data(Workbook& workbook,
                       lxw_worksheet* sheet,
                       const output::Document& document,
-                      const output::Chart& chart,
+                      const chart::Figure& figure,
                       uint32_t row) {
-  DataWriter(workbook, sheet, document, row).write(chart);
+  DataWriter writer(workbook, sheet, document, row);
+  for (const chart::FigureTable& data : chart::figure_tables(figure.binding(), kMostDataRows))
+    writer.write(data);
 }
 
 }  // namespace hierfit::report::xlsx

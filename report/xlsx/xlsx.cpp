@@ -144,7 +144,7 @@ class Report {
     worksheet_fit_to_pages(sheet, 1, 1);
     // The data are for looking up, not for paper.
     worksheet_print_area(sheet, 0, 0, kTitleRows + under.rows, under.columns);
-    write_chart_data(workbook_, sheet, document_, chart, kTitleRows + under.rows + 1);
+    write_chart_data(workbook_, sheet, document_, figure, kTitleRows + under.rows + 1);
   }
 
   /// What lies under a picture: rows from the title on, and the last column.

@@ -1,0 +1,211 @@
+#include "report/chart/figure_table.h"
+
+#include <algorithm>
+#include <set>
+
+namespace hierfit::report::chart {
+namespace {
+
+using output::Table;
+using output::Text;
+
+/// What a variable is called by its role; empty: it only places what is drawn.
+constexpr std::array<std::string_view, kRoleNames.size()> kRoleWords = {
+    "Category", "Value", "",     "",          "Node",   "From",
+    "To",       "Kind",  "Kind", "Frequency", "Weight", "Name"};
+
+/// A column: a variable, and what it is called.
+struct Column {
+  const ChartVariable* variable;
+  std::string title;
+  bool names;  ///< whether its values are keys of nodes, which begin with the values of the panel
+};
+
+void add_leaf(output::Dimension& dimension, std::string label) {
+  output::Node node;
+  node.label.shown = std::move(label);
+  node.leaf = static_cast<uint32_t>(dimension.leaves.size());
+  dimension.leaves.push_back(static_cast<uint32_t>(dimension.nodes.size()));
+  dimension.nodes.push_back(std::move(node));
+}
+
+/// The number of a row that has no other way to be shown.
+std::optional<output::Number> plain_number(const ChartVariable& variable, size_t row) {
+  const double value = number_at(&variable, row);
+  if (!is_number(value) || variable.label_of(value) != nullptr) return std::nullopt;
+  return number_of(variable, value);
+}
+
+class SourceTable {
+ public:
+  SourceTable(const Binding& binding, const ChartSource& source)
+      : binding_(binding), source_(source), columns_(columns()) {}
+
+  bool empty() const { return columns_.empty(); }
+
+  FigureTable make(size_t most_rows) {
+    const size_t step = has_pairs() ? 2 : 1;
+    const size_t all = (source_.rows + step - 1) / step;
+    Table& table = made_.table;
+    table.title.shown = binding_.word("Data of the figure");
+    table.dimensions.resize(2);
+    table.dimensions[0].labels_shown = table.dimensions[0].title_shown = false;
+    table.dimensions[1].place = output::Place::Columns;
+    table.dimensions[1].title_shown = false;
+    table.cells.dimensions = 2;
+    for (Column& column : columns_) {
+      made_.texts.push_back(column.variable->categorical);
+      add_leaf(table.dimensions[1], std::move(column.title));
+    }
+    for (size_t row = 0; row < std::min(all, most_rows); ++row)
+      add_row(row * step, step == 2 ? row * step + 1 : row * step);
+    if (all > most_rows) table.caption = caption(most_rows, all);
+    return std::move(made_);
+  }
+
+ private:
+  bool is_own(const BoundElement& element) const { return element.source == &source_; }
+
+  bool has_pairs() const {
+    return std::ranges::any_of(binding_.elements, [&](const BoundElement& element) {
+      return element.element->rows == Rows::Pairs && is_own(element);
+    });
+  }
+
+  Text caption(size_t most, size_t all) const {
+    constexpr std::string_view kPattern =
+        "The first ^1 of ^2 rows; the JSON form of the report holds all of them.";
+    return {.shown = with_arguments(binding_.word(kPattern),
+                                    {std::to_string(most), std::to_string(all)}),
+            .numbers = {}};
+  }
+
+  // Columns.
+
+  std::vector<Column> columns() const {
+    std::vector<Column> columns;
+    for (const ChartVariable& variable : source_.variables) {
+      if (variable.values.rows() == 0) continue;
+      std::string title = title_of(variable);
+      if (!title.empty()) columns.push_back({&variable, std::move(title), names_nodes(variable)});
+    }
+    return columns;
+  }
+
+  bool names_nodes(const ChartVariable& variable) const {
+    return std::ranges::any_of(binding_.graph.elements, [&](const Element& element) {
+      return std::ranges::any_of(
+          std::array{RoleKind::Key, RoleKind::From, RoleKind::To},
+          [&](RoleKind kind) { return element.roles[kind].variable == variable.role; });
+    });
+  }
+
+  /// The label of a variable, else a word for what it is in the chart; empty when it is nothing.
+  std::string title_of(const ChartVariable& variable) const {
+    for (const Facet& facet : binding_.graph.facets) {
+      if (facet.variable == variable.role) return label_of(variable);
+    }
+    for (const BoundElement& element : binding_.elements) {
+      if (!is_own(element)) continue;
+      const std::string_view word = word_for(*element.element, variable.role);
+      if (word.empty()) continue;
+      return variable.label.empty() ? std::string(word) : variable.label;
+    }
+    return {};
+  }
+
+  /// What the variable of this role is in the element; empty when it only places it.
+  std::string_view word_for(const Element& element, std::string_view role) const {
+    const bool placed_by_data = !is_positional(element.kind);
+    for (size_t i = 0; i < element.roles.of.size(); ++i) {
+      if (element.roles.of[i].variable != role) continue;
+      const auto kind = static_cast<RoleKind>(i);
+      if (kind <= RoleKind::Y2 && placed_by_data) continue;
+      return word_for(element, kind);
+    }
+    const bool in_tooltip = std::ranges::any_of(
+        element.roles.tooltip, [&](const auto& entry) { return entry.variable == role; });
+    return in_tooltip ? binding_.word("Details") : std::string_view();
+  }
+
+  std::string_view word_for(const Element& element, RoleKind kind) const {
+    for (const Legend& legend : binding_.graph.legends) {
+      if (legend.role == kind && !legend.title.empty()) return legend.title;
+    }
+    if (kind == RoleKind::Y && element.whisker) return binding_.word("Interval");
+    return binding_.word(kRoleWords[static_cast<size_t>(kind)]);
+  }
+
+  // Rows.
+
+  void add_row(size_t row, size_t partner) {
+    const auto leaf = static_cast<uint32_t>(made_.table.dimensions[0].leaves.size());
+    add_leaf(made_.table.dimensions[0], {});
+    for (uint32_t column = 0; column < columns_.size(); ++column) {
+      const ChartVariable& variable = *columns_[column].variable;
+      if (!has_value(variable, row) && !has_value(variable, partner)) continue;
+      made_.table.cells.coordinates.insert(made_.table.cells.coordinates.end(), {leaf, column});
+      made_.table.cells.values.push_back(value_of(columns_[column], row, partner));
+    }
+  }
+
+  output::CellValue value_of(const Column& column, size_t row, size_t partner) {
+    const ChartVariable& variable = *column.variable;
+    const output::NumberStyle& style = binding_.document.numbers;
+    if (column.names) {
+      return add_text(
+          {.shown = shown_in_panel(source_, binding_.graph, variable, row, style), .numbers = {}});
+    }
+    const bool both = has_value(variable, row) && has_value(variable, partner);
+    const bool differ =
+        both && shown_value(variable, row, style) != shown_value(variable, partner, style);
+    const size_t only = has_value(variable, row) ? row : partner;
+    const std::optional<output::Number> number = plain_number(variable, only);
+    if (number && !differ && variable.prefix.empty()) return *number;
+    Text text;
+    if (differ) text.shown = "[";
+    append(text, variable, only);
+    if (differ) {
+      text.shown += ", ";
+      append(text, variable, partner);
+      text.shown += "]";
+    }
+    return add_text(std::move(text));
+  }
+
+  /// Appends a value, with the stretch that is its number.
+  void append(Text& text, const ChartVariable& variable, size_t row) const {
+    const std::string shown = shown_value(variable, row, binding_.document.numbers);
+    if (const auto number = plain_number(variable, row)) {
+      const size_t ahead = variable.prefix.size();
+      text.numbers.push_back({static_cast<uint32_t>(text.shown.size() + ahead),
+                              static_cast<uint32_t>(shown.size() - ahead), *number});
+    }
+    text.shown += shown;
+  }
+
+  uint32_t add_text(Text text) {
+    made_.table.texts.push_back(std::move(text));
+    return static_cast<uint32_t>(made_.table.texts.size() - 1);
+  }
+
+  const Binding& binding_;
+  const ChartSource& source_;
+  std::vector<Column> columns_;
+  FigureTable made_;
+};
+
+}  // namespace
+
+std::vector<FigureTable> figure_tables(const Binding& binding, size_t most_rows) {
+  std::vector<FigureTable> tables;
+  std::set<const ChartSource*> made;
+  for (const BoundElement& element : binding.elements) {
+    if (element.source == nullptr || !made.insert(element.source).second) continue;
+    SourceTable table(binding, *element.source);
+    if (!table.empty()) tables.push_back(table.make(most_rows));
+  }
+  return tables;
+}
+
+}  // namespace hierfit::report::chart
