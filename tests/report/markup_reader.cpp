@@ -1,5 +1,8 @@
 #include "tests/report/markup_reader.h"
 
+#include <doctest/doctest.h>
+#include <zip.h>
+
 #include "embedded/chart/parse_markup.h"
 
 namespace hierfit::tests {
@@ -18,6 +21,22 @@ Markup markup_of(const std::string& text) {
     markup.unnamed += reached && element->value("aria-label").empty() ? 1 : 0;
   }
   return markup;
+}
+
+std::string part(const std::string& package, const std::string& name) {
+  zip_source_t* source = zip_source_buffer_create(package.data(), package.size(), 0, nullptr);
+  zip_t* archive = zip_open_from_source(source, ZIP_RDONLY, nullptr);
+  REQUIRE(archive != nullptr);
+  std::string content;
+  zip_stat_t stat;
+  if (zip_stat(archive, name.c_str(), 0, &stat) == 0) {
+    content.resize(stat.size);
+    zip_file_t* file = zip_fopen(archive, name.c_str(), 0);
+    CHECK(zip_fread(file, content.data(), content.size()) == static_cast<zip_int64_t>(stat.size));
+    zip_fclose(file);
+  }
+  zip_discard(archive);
+  return content;
 }
 
 }  // namespace hierfit::tests

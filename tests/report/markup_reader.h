@@ -1,4 +1,4 @@
-// What a text in XML holds.
+// What a text in XML holds, and a package of such texts.
 #pragma once
 
 #include <cstddef>
@@ -17,5 +17,8 @@ struct Markup {
 };
 
 Markup markup_of(const std::string& text);
+
+/// A part of a package; empty when there is none of that name.
+std::string part(const std::string& package, const std::string& name);
 
 }  // namespace hierfit::tests

@@ -2,34 +2,17 @@
 #include <doctest/doctest.h>
 #include <memory>
 #include <string>
-#include <zip.h>
 
 #include "report/layout/page_table.h"
 #include "report/report.h"
 #include "report/xlsx/table_sheets.h"
+#include "tests/report/markup_reader.h"
 #include "tests/report/sample_documents.h"
 #include "tests/report/table_builder.h"
 
 namespace hierfit::tests {
 
 namespace {
-
-/// A part of a package; empty when there is none of that name.
-std::string part(const std::string& package, const std::string& name) {
-  zip_source_t* source = zip_source_buffer_create(package.data(), package.size(), 0, nullptr);
-  zip_t* archive = zip_open_from_source(source, ZIP_RDONLY, nullptr);
-  REQUIRE(archive != nullptr);
-  std::string content;
-  zip_stat_t stat;
-  if (zip_stat(archive, name.c_str(), 0, &stat) == 0) {
-    content.resize(stat.size);
-    zip_file_t* file = zip_fopen(archive, name.c_str(), 0);
-    CHECK(zip_fread(file, content.data(), content.size()) == static_cast<zip_int64_t>(stat.size));
-    zip_fclose(file);
-  }
-  zip_discard(archive);
-  return content;
-}
 
 bool holds(const std::string& text, std::string_view what) {
   return text.find(what) != std::string::npos;
