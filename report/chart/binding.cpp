@@ -214,9 +214,9 @@ const std::string& label_of(const ChartVariable& variable) {
 }
 
 std::string shown_pair(const ChartVariable& variable,
-                       size_t row,
-                       size_t partner,
+                       MarkRows rows,
                        const output::NumberStyle& style) {
+  const auto [row, partner] = rows;
   const std::string one = shown_value(variable, row, style);
   if (partner == row || !has_value(variable, partner)) return one;
   const std::string other = shown_value(variable, partner, style);
@@ -360,14 +360,20 @@ Symbol Binding::symbol_of(const BoundElement& element, size_t row) const {
   return step == ValueIndex::kNone ? Symbol::Circle : symbol_of_step(step);
 }
 
-std::string Binding::tooltip_of(const BoundElement& element, size_t row, size_t partner) const {
+std::span<const std::string> Binding::panel_titles(const BoundElement& element, size_t row) const {
+  if (element.panel_of_row.empty() || element.panel_of(row) >= panels.size()) return {};
+  return panels[element.panel_of(row)].titles;
+}
+
+std::string Binding::tooltip_of(const BoundElement& element, MarkRows rows) const {
+  const auto [row, partner] = rows;
   std::string text;
   for (const auto& [variable, words] : element.tooltip) {
     if (!has_value(*variable, row) && !has_value(*variable, partner)) continue;
     const bool is_name = variable == element[RoleKind::Key] || variable == element[RoleKind::Label];
     const std::string value = is_name && row == partner
                                   ? shown_in_panel(*element.source, graph, *variable, row, numbers)
-                                  : shown_pair(*variable, row, partner, numbers);
+                                  : shown_pair(*variable, rows, numbers);
     if (value.empty()) continue;
     if (!text.empty()) text += '\n';
     if (!words.empty()) {

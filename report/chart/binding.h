@@ -2,7 +2,9 @@
 // its values show as, and which panel a row belongs to.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -61,6 +63,12 @@ class ValueIndex {
   std::vector<Entry> entries_;
 };
 
+/// The rows of one mark: of a pair 2i and 2i + 1, else one and the same.
+struct MarkRows {
+  size_t row;
+  size_t partner;
+};
+
 /// An element with its variables; null where a role is not bound or its variable has no values.
 struct BoundElement {
   const Element* element = nullptr;
@@ -79,6 +87,24 @@ struct BoundElement {
   size_t rows() const { return source == nullptr ? 0 : source->rows; }
   bool in_panel(size_t row, uint32_t panel) const {
     return panel_of_row.empty() || panel_of_row[row] == panel;
+  }
+  /// The panel of a row, the first one of a row that is in all.
+  uint32_t panel_of(size_t row) const { return panel_of_row.empty() ? 0 : panel_of_row[row]; }
+
+  size_t rows_of_mark() const { return element->rows == Rows::All ? 1 : 2; }
+  /// Calls `use` with the rows of each mark among the first `most_rows`.
+  template <class Use>
+  void each_mark(Use use, size_t most_rows = SIZE_MAX) const {
+    const size_t end = std::min(rows(), most_rows);
+    for (size_t row = element->rows == Rows::Second ? 1 : 0; row < end; row += rows_of_mark())
+      use(MarkRows{row, rows_of_mark() == 1 ? row : std::min(row ^ 1, rows() - 1)});
+  }
+  /// Calls `use` with each of `panels` panels that a row stands in: that of its facets, or all.
+  template <class Use>
+  void each_panel(size_t row, uint32_t panels, Use use) const {
+    for (uint32_t panel = 0; panel < panels; ++panel) {
+      if (in_panel(row, panel)) use(panel);
+    }
   }
 };
 
@@ -124,8 +150,9 @@ struct Binding {
   /// The symbol of a row, by its shape, else by its colour.
   Symbol symbol_of(const BoundElement& element, size_t row) const;
   Symbol symbol_of_step(uint32_t step) const;
-  /// The tooltip of a mark of row `row` and, when it is another one, row `partner`.
-  std::string tooltip_of(const BoundElement& element, size_t row, size_t partner) const;
+  std::string tooltip_of(const BoundElement& element, MarkRows rows) const;
+  /// What tells the panel of a row from the others; empty for a row that is in all of them.
+  std::span<const std::string> panel_titles(const BoundElement& element, size_t row) const;
 };
 
 /// Binds a graph. Linear in the rows.
@@ -136,8 +163,7 @@ Binding bind(const Plan& plan,
 
 /// The values of two rows as one text: "1.2", or "[1.2, 3.4]" where they differ.
 std::string shown_pair(const ChartVariable& variable,
-                       size_t row,
-                       size_t partner,
+                       MarkRows rows,
                        const output::NumberStyle& style);
 
 /// Whether a panel does without a guide: one of its facets has another value than the guide names.

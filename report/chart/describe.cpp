@@ -1,6 +1,7 @@
 // The description of a chart in sentences, made from its data.
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <vector>
 
 #include "report/chart/panels.h"
@@ -83,13 +84,11 @@ class Description {
 
   template <class Use>
   void for_rows(const BoundElement& points, Use use) const {
-    const Rows rows = points.element->rows;
-    const size_t step = rows == Rows::All ? 1 : 2;
-    for (size_t row = rows == Rows::Second ? 1 : 0; row < points.rows(); row += step) {
+    points.each_mark([&](MarkRows rows) {
       const ChartVariable* x = points[RoleKind::X];
-      const bool placed = x != nullptr && has_value(*x, row);
-      if (placed && is_number(number_at(points[RoleKind::Y], row))) use(row);
-    }
+      const bool placed = x != nullptr && has_value(*x, rows.row);
+      if (placed && is_number(number_at(points[RoleKind::Y], rows.row))) use(rows.row);
+    });
   }
 
   void along(const HorizontalAxis& x) {
@@ -143,10 +142,8 @@ class Description {
     if (color != nullptr && has_value(*color, row)) {
       (place += ", ") += shown_value(*color, row, binding_.numbers);
     }
-    if (row < points.panel_of_row.size() && points.panel_of_row[row] < binding_.panels.size()) {
-      for (const std::string& title : binding_.panels[points.panel_of_row[row]].titles)
-        (place += ", ") += title;
-    }
+    for (const std::string& title : binding_.panel_titles(points, row))
+      (place += ", ") += title;
     return place;
   }
 
@@ -174,18 +171,17 @@ class Description {
   }
 
   void comparisons(const BoundElement& edges, uint32_t step, const std::string& name) {
-    std::vector<std::string> pairs;
+    std::vector<std::string> first;
     size_t all = 0;
     for (size_t row = 0; row < edges.rows(); ++row) {
       if (binding_.colors.of(edges, RoleKind::Color, row) != step) continue;
-      if (++all <= kMostNames) pairs.push_back(pair_of(edges, row));
+      if (++all <= kMostNames) first.push_back(pair_of(edges, row));
     }
-    pairs.resize(std::max(pairs.size(), all));
     // The plain level, the first, is only counted.
     if (step == 0) {
       say("^1: ^2.", {name, count(all)});
     } else {
-      say("^1: ^2 (^3).", {name, count(all), listed(pairs)});
+      say("^1: ^2 (^3).", {name, count(all), listed(first, all)});
     }
   }
 
@@ -202,11 +198,8 @@ class Description {
 
   /// " [Species: GP]", or nothing.
   std::string panel_of(const BoundElement& element, size_t row) const {
-    if (row >= element.panel_of_row.size()) return {};
-    const uint32_t panel = element.panel_of_row[row];
-    if (panel >= binding_.panels.size()) return {};
     std::string titles;
-    for (const std::string& title : binding_.panels[panel].titles)
+    for (const std::string& title : binding_.panel_titles(element, row))
       (titles += titles.empty() ? " [" : ", ") += title;
     return titles.empty() ? titles : titles + ']';
   }
@@ -250,14 +243,16 @@ class Description {
   }
 
   std::string listed(const std::vector<std::string>& names) const {
+    return listed(std::span(names).first(std::min(names.size(), kMostNames)), names.size());
+  }
+
+  /// The first of `all` names, and how many more there are.
+  std::string listed(std::span<const std::string> first, size_t all) const {
     std::string list;
-    for (size_t i = 0; i < std::min(names.size(), kMostNames); ++i) {
-      if (i > 0) list += ", ";
-      list += names[i];
-    }
-    if (names.size() > kMostNames) {
-      (list += ", ") +=
-          with_arguments(binding_.word("and ^1 more"), {count(names.size() - kMostNames)});
+    for (size_t i = 0; i < first.size(); ++i)
+      (list += i == 0 ? "" : ", ") += first[i];
+    if (all > first.size()) {
+      (list += ", ") += with_arguments(binding_.word("and ^1 more"), {count(all - first.size())});
     }
     return list;
   }

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "report/chart/circle.h"
 #include "report/chart/pieces.h"
 
 namespace hierfit::report::chart {
@@ -24,36 +25,78 @@ constexpr size_t kMostLines = 12'000;  ///< in all circles
 constexpr size_t kMostEdges = 1500;    ///< marks of their own; beyond, one path a colour
 constexpr size_t kMostLabelLines = 3;
 
-struct CircleNode {
-  const BoundElement* element;
-  size_t row;
+struct PlacedNode {
+  ElementRow of;
   double angle;  ///< 0 at the top, clockwise
   Point at;
 };
+using Nodes = std::vector<PlacedNode>;
 
 bool overlap(const Box& a, const Box& b) {
   return a.x < b.right() && b.x < a.right() && a.y < b.bottom() && b.y < a.bottom();
 }
 
+Nodes placed(const Circle& circle, double radius) {
+  Nodes nodes;
+  for (size_t i = 0; i < circle.nodes.size(); ++i) {
+    const double angle = 2 * std::numbers::pi * share_of_turn(i, circle.nodes.size());
+    nodes.push_back(
+        {circle.nodes[i], angle, {radius * std::sin(angle), -radius * std::cos(angle)}});
+  }
+  return nodes;
+}
+
+// Too many nodes.
+
+/// As many nodes as have, joined each with each, no more edges than all circles may have.
+size_t nodes_of_circle(size_t circles) {
+  const double lines = static_cast<double>(kMostLines / circles);
+  return std::min(kMostNodes, static_cast<size_t>(std::sqrt(2 * lines)));
+}
+
+/// The circle with the nodes alone that have the strongest edges.
+Circle most_significant(const Circle& circle, const Binding& binding, size_t most) {
+  const LineWidths widths(binding, 1);
+  std::vector<double> scores(circle.nodes.size());
+  for (const auto& [from, to, of] : circle.edges) {
+    const double share = widths.share_of(number_at((*of.element)[RoleKind::Size], of.row));
+    scores[from] += share;
+    scores[to] += share;
+  }
+  Circle kept;
+  std::vector<size_t> places(circle.nodes.size(), SIZE_MAX);
+  for (const size_t node : greatest(scores, most)) {
+    places[node] = kept.nodes.size();
+    kept.nodes.push_back(circle.nodes[node]);
+  }
+  for (const auto& [from, to, of] : circle.edges) {
+    if (places[from] != SIZE_MAX && places[to] != SIZE_MAX) {
+      kept.edges.push_back({places[from], places[to], of});
+    }
+  }
+  return kept;
+}
+
+/// Draws circles, which all look alike where they have the same nodes.
 class Circles {
  public:
-  Circles(const Binding& binding, double width)
-      : binding_(binding), font_(binding.font(Lettering::MarkLabel)), width_(width) {
-    collect();
+  Circles(const Binding& binding, const std::vector<Circle>& circles)
+      : binding_(binding), font_(binding.font(Lettering::MarkLabel)), circles_(circles) {
+    size_t edges = 0;
+    for (const Circle& circle : circles)
+      edges += circle.edges.size();
+    joined_ = edges > kMostEdges;
   }
 
-  Piece draw() {
-    if (most_nodes_ == 0) return {};
-    limit_nodes();
-    const auto count = binding_.panels.size();
-    const double fitting = std::floor((width_ + kPanelGap) / (kNarrowestPanel + kPanelGap));
+  Piece draw(double width) const {
+    const size_t count = circles_.size();
+    const double fitting = std::floor((width + kPanelGap) / (kNarrowestPanel + kPanelGap));
     const size_t columns =
         std::clamp<size_t>(static_cast<size_t>(std::max(fitting, 1.0)), 1, count);
     const double panel_width =
-        (width_ - static_cast<double>(columns - 1) * kPanelGap) / static_cast<double>(columns);
+        (width - static_cast<double>(columns - 1) * kPanelGap) / static_cast<double>(columns);
     Piece piece;
-    piece.notes = std::move(notes_);
-    piece.width = width_;
+    piece.width = width;
     double y = 0;
     for (size_t i = 0; i < count;) {
       double height = 0;
@@ -71,100 +114,21 @@ class Circles {
   }
 
  private:
-  using Nodes = std::vector<CircleNode>;
-
-  void collect() {
-    nodes_.resize(binding_.panels.size());
-    keys_.resize(binding_.panels.size());
-    edges_.resize(binding_.panels.size());
-    index_.resize(binding_.panels.size());
-    for (const BoundElement& element : binding_.elements) {
-      for (size_t row = 0; row < element.rows(); ++row) {
-        if (!element.panel_of_row.empty()) {
-          collect_row(element, row, element.panel_of_row[row]);
-          continue;
-        }
-        for (uint32_t panel = 0; panel < nodes_.size(); ++panel)
-          collect_row(element, row, panel);
-      }
-    }
-    for (const Nodes& nodes : nodes_)
-      most_nodes_ = std::max(most_nodes_, nodes.size());
-  }
-
-  void collect_row(const BoundElement& element, size_t row, uint32_t panel) {
-    if (panel >= nodes_.size()) return;
-    if (element.element->kind == ElementKind::Edge) edges_[panel].emplace_back(&element, row);
-    const ChartVariable* key = element[RoleKind::Key];
-    if (element.element->kind != ElementKind::Node || key == nullptr) return;
-    // A key that comes again is the same node.
-    const size_t before = keys_[panel].size();
-    if (keys_[panel].add(*key, row, binding_.numbers) == before) {
-      nodes_[panel].push_back({&element, row, 0, {}});
-    }
-  }
-
-  // Too many nodes.
-
-  /// As many nodes as have, joined each with each, no more edges than all circles may have.
-  size_t nodes_of_circle() const {
-    const double lines = static_cast<double>(kMostLines / binding_.panels.size());
-    return std::min(kMostNodes, static_cast<size_t>(std::sqrt(2 * lines)));
-  }
-
-  void limit_nodes() {
-    const size_t most = nodes_of_circle();
-    for (size_t panel = 0; panel < nodes_.size(); ++panel) {
-      if (nodes_[panel].size() > most) keep_most_significant(panel, most);
-      const auto& edges = edges_[panel];
-      edge_count_ += static_cast<size_t>(std::ranges::count_if(edges, [&](const auto& edge) {
-        return node_of(panel, (*edge.first)[RoleKind::From], edge.second) != nullptr &&
-               node_of(panel, (*edge.first)[RoleKind::To], edge.second) != nullptr;
-      }));
-    }
-    if (most_nodes_ <= most) return;
-    notes_.push_back(with_arguments(binding_.word("The ^1 most significant of ^2 are shown."),
-                                    {std::to_string(most), std::to_string(most_nodes_)}));
-  }
-
-  /// Leaves the nodes with the strongest edges.
-  void keep_most_significant(size_t panel, size_t most) {
-    Nodes& nodes = nodes_[panel];
-    const LineWidths widths(binding_, 1);
-    std::vector<double> scores(nodes.size());
-    for (const auto& [element, row] : edges_[panel]) {
-      for (const RoleKind end : {RoleKind::From, RoleKind::To}) {
-        const CircleNode* node = node_of(panel, (*element)[end], row);
-        if (node == nullptr) continue;
-        scores[static_cast<size_t>(node - nodes.data())] +=
-            widths.share_of(number_at((*element)[RoleKind::Size], row));
-      }
-    }
-    Nodes kept;
-    std::vector<size_t> index(nodes.size(), nodes.size());
-    for (const size_t place : greatest(scores, most)) {
-      index[place] = kept.size();
-      kept.push_back(nodes[place]);
-    }
-    nodes = std::move(kept);
-    index_[panel] = std::move(index);
-  }
-
-  Piece draw_panel(size_t index, double width) {
+  Piece draw_panel(size_t index, double width) const {
+    const Circle& circle = circles_[index];
     Piece piece;
     piece.width = width;
     const double top = draw_titles(piece, index, width);
-    Nodes& nodes = nodes_[index];
+    double radius = radius_beside_labels(circle, width);
+    Nodes nodes = placed(circle, radius);
     std::vector<Mark> labels;
-    double radius = radius_beside_labels(nodes, width);
-    place(nodes, radius);
     if (nodes.size() > kMostUpright || !upright_labels(labels, nodes, width / 2 - radius)) {
       radius = turned_radius(nodes.size(), width);
-      place(nodes, radius);
+      nodes = placed(circle, radius);
       labels =
           turned_labels(nodes, std::clamp(width / 2 - radius - 20, 50.0, kLongestTurned), radius);
     }
-    std::vector<Mark> marks = draw_edges(index);
+    std::vector<Mark> marks = draw_edges(circle, nodes);
     draw_nodes(marks, nodes);
     std::ranges::move(labels, std::back_inserter(marks));
     fit(piece, std::move(marks), width, top);
@@ -204,18 +168,7 @@ class Circles {
     piece.height = top + low - high + 4;
   }
 
-  /// Two nodes lie side by side, more begin at the top.
-  static void place(Nodes& nodes, double radius) {
-    constexpr double kTurn = 2 * std::numbers::pi;
-    const double first = nodes.size() == 2 ? 0.75 : 0;
-    for (size_t i = 0; i < nodes.size(); ++i) {
-      const double share = first + static_cast<double>(i) / static_cast<double>(nodes.size());
-      nodes[i].angle = kTurn * (share - std::floor(share));
-      nodes[i].at = {radius * std::sin(nodes[i].angle), -radius * std::cos(nodes[i].angle)};
-    }
-  }
-
-  std::string label_of_node(const CircleNode& node) const {
+  std::string label_of_node(const ElementRow& node) const {
     const ChartVariable* label = (*node.element)[RoleKind::Label];
     if (label == nullptr) return {};
     return shown_in_panel(*node.element->source, binding_.graph, *label, node.row,
@@ -225,7 +178,7 @@ class Circles {
   /// Labels beside their nodes in lines. False when two of them would touch.
   bool upright_labels(std::vector<Mark>& labels, const Nodes& nodes, double half) const {
     std::vector<Box> boxes;
-    for (const CircleNode& node : nodes) {
+    for (const PlacedNode& node : nodes) {
       std::vector<Mark> lines = upright_label(node, half);
       Box box = box_of(group_mark("", lines));
       for (const Box& other : boxes) {
@@ -239,13 +192,13 @@ class Circles {
     return true;
   }
 
-  std::vector<Mark> upright_label(const CircleNode& node, double half) const {
+  std::vector<Mark> upright_label(const PlacedNode& node, double half) const {
     const double side = std::sin(node.angle);
     const double rise = -std::cos(node.angle);
     const bool middle = std::fabs(side) < 0.2;
     const double away = kNodeRadius + kLabelGap;
     const double room = std::max(middle ? half : half - away - 4, 40.0);
-    const std::string text = label_of_node(node);
+    const std::string text = label_of_node(node.of);
     const bool whole_words = widest_word(text, font_) <= room;
     const TextLines lines = fit_text(text, font_, room, whole_words ? kMostLabelLines : 1);
     const double height = static_cast<double>(lines.lines.size()) * font_.line_height();
@@ -259,13 +212,14 @@ class Circles {
   }
 
   /// Smaller where the words of the labels would not fit beside the usual circle.
-  double radius_beside_labels(const Nodes& nodes, double width) const {
-    if (nodes.size() > kMostUpright) return usual_radius(nodes.size(), width);
+  double radius_beside_labels(const Circle& circle, double width) const {
+    const size_t nodes = circle.nodes.size();
+    if (nodes > kMostUpright) return usual_radius(nodes, width);
     double word = 0;
-    for (const CircleNode& node : nodes)
+    for (const ElementRow& node : circle.nodes)
       word = std::max(word, std::min(widest_word(label_of_node(node), font_), kLongestWord));
     const double room = width / 2 - kNodeRadius - kLabelGap - 6 - word;
-    return std::clamp(room, kLeastCircle, usual_radius(nodes.size(), width));
+    return std::clamp(room, kLeastCircle, usual_radius(nodes, width));
   }
 
   static double usual_radius(size_t nodes, double width) {
@@ -290,7 +244,7 @@ class Circles {
     return labels;
   }
 
-  Mark turned_label(const CircleNode& node, double room, double radius) const {
+  Mark turned_label(const PlacedNode& node, double room, double radius) const {
     const bool right = node.angle <= std::numbers::pi;
     const double degrees = node.angle * 180 / std::numbers::pi - 90;
     const double away = (radius + kNodeRadius + kLabelGap) / radius;
@@ -298,7 +252,7 @@ class Circles {
     const double turn = (right ? degrees : degrees + 180) * std::numbers::pi / 180;
     const Point at{node.at.x * away - down * std::sin(turn),
                    node.at.y * away + down * std::cos(turn)};
-    const std::string text = label_of_node(node);
+    const std::string text = label_of_node(node.of);
     bool cut = false;
     Mark mark = text_mark(at, fit_line(text, font_, room, &cut), font_,
                           right ? Anchor::Start : Anchor::End);
@@ -309,72 +263,72 @@ class Circles {
 
   void draw_nodes(std::vector<Mark>& marks, const Nodes& nodes) const {
     const double radius = nodes.size() > 60 ? 4 : nodes.size() > 24 ? 5 : kNodeRadius;
-    for (const CircleNode& node : nodes) {
+    for (const PlacedNode& node : nodes) {
       Mark mark = circle_mark(node.at, radius, {Part::Mark});
       mark.stroke = {Part::Ground};
       mark.stroke_width = 1.5;
-      mark.tooltip = binding_.tooltip_of(*node.element, node.row, node.row);
+      mark.tooltip = binding_.tooltip_of(*node.of.element, {node.of.row, node.of.row});
       marks.push_back(std::move(mark));
     }
   }
 
   /// The edges, those of a later level of colour in front.
-  std::vector<Mark> draw_edges(size_t panel) const {
-    const auto& edges = edges_[panel];
-    const size_t count = nodes_[panel].size();
+  std::vector<Mark> draw_edges(const Circle& circle, const Nodes& nodes) const {
+    const size_t count = nodes.size();
     const LineWidths widths(binding_, count > 40 ? 0.6 : count > 24 ? 1 : count > 9 ? 2.5 : 4.5);
     std::vector<std::pair<uint32_t, Mark>> drawn;
-    for (const auto& [element, row] : edges) {
-      const CircleNode* from = node_of(panel, (*element)[RoleKind::From], row);
-      const CircleNode* to = node_of(panel, (*element)[RoleKind::To], row);
-      if (from == nullptr || to == nullptr) continue;
+    for (const auto& [from, to, of] : circle.edges) {
+      const auto& [element, row] = of;
       const Paint paint = binding_.paint_of(*element, row);
       const double width = widths.of(number_at((*element)[RoleKind::Size], row));
-      Mark mark = rule_mark(from->at, to->at, paint, width);
+      Mark mark = rule_mark(nodes[from].at, nodes[to].at, paint, width);
       mark.dash = dash_for(binding_.plan.style.series(paint).dash, mark.stroke_width);
       if (count > 24) mark.stroke_opacity = 0.75;
-      if (edge_count_ <= kMostEdges) mark.tooltip = binding_.tooltip_of(*element, row, row);
+      if (!joined_) mark.tooltip = binding_.tooltip_of(*element, {row, row});
       drawn.emplace_back(paint.step, std::move(mark));
     }
     std::ranges::stable_sort(drawn, {}, &std::pair<uint32_t, Mark>::first);
     std::vector<Mark> marks;
-    for (auto& [step, mark] : drawn) {
-      const bool joined =
-          edge_count_ > kMostEdges && !marks.empty() && marks.back().stroke == mark.stroke;
-      if (joined) {
-        marks.back().points.insert(marks.back().points.end(),
-                                   {kBreak, {mark.box.x, mark.box.y}, mark.end});
-      } else if (edge_count_ > kMostEdges) {
-        marks.push_back(path_mark({{mark.box.x, mark.box.y}, mark.end}, mark.stroke, 0.5));
-        marks.back().stroke_opacity = mark.stroke_opacity;
-      } else {
-        marks.push_back(std::move(mark));
-      }
-    }
+    for (auto& [step, mark] : drawn)
+      joined_ ? join(marks, mark) : marks.push_back(std::move(mark));
     return marks;
   }
 
-  const CircleNode* node_of(size_t panel, const ChartVariable* key, size_t row) const {
-    if (key == nullptr) return nullptr;
-    size_t place = keys_[panel].find(*key, row);
-    if (place < index_[panel].size()) place = index_[panel][place];
-    return place < nodes_[panel].size() ? &nodes_[panel][place] : nullptr;
+  /// Adds a line to the path of its colour.
+  static void join(std::vector<Mark>& marks, const Mark& line) {
+    const Point start{line.box.x, line.box.y};
+    if (marks.empty() || marks.back().stroke != line.stroke) {
+      marks.push_back(path_mark({start, line.end}, line.stroke, 0.5));
+      marks.back().stroke_opacity = line.stroke_opacity;
+    } else {
+      std::vector<Point>& points = marks.back().points;
+      points.insert(points.end(), {kBreak, start, line.end});
+    }
   }
 
   const Binding& binding_;
   const Font& font_;
-  double width_;
-  std::vector<Nodes> nodes_;  ///< by panel
-  std::vector<ValueIndex> keys_;
-  std::vector<std::vector<std::pair<const BoundElement*, size_t>>> edges_;
-  std::vector<std::vector<size_t>> index_;  ///< by panel: of a key's node, where some are left out
-  std::vector<std::string> notes_;
-  size_t most_nodes_ = 0;
-  size_t edge_count_ = 0;  ///< that are drawn
+  const std::vector<Circle>& circles_;
+  bool joined_ = false;  ///< the edges of a colour are one mark
 };
 
 }  // namespace
 
-Piece draw_circles(const Binding& binding, double width) { return Circles(binding, width).draw(); }
+Piece draw_circles(const Binding& binding, double width) {
+  std::vector<Circle> circles = circles_of(binding);
+  const size_t most = nodes_of_circle(circles.size());
+  size_t nodes = 0;
+  for (Circle& circle : circles) {
+    nodes = std::max(nodes, circle.nodes.size());
+    if (circle.nodes.size() > most) circle = most_significant(circle, binding, most);
+  }
+  if (nodes == 0) return {};
+  Piece piece = Circles(binding, circles).draw(width);
+  if (nodes > most) {
+    piece.notes.push_back(with_arguments(binding.word("The ^1 most significant of ^2 are shown."),
+                                         {std::to_string(most), std::to_string(nodes)}));
+  }
+  return piece;
+}
 
 }  // namespace hierfit::report::chart

@@ -11,7 +11,6 @@ namespace hierfit::report::chart {
 namespace {
 
 constexpr double kNarrowestBar = 2;
-constexpr double kCurveRoom = 1.25;  ///< how far above the highest bar a curve may rise
 
 class HistogramDrawing {
  public:
@@ -67,28 +66,22 @@ class HistogramDrawing {
   // Numbers: bins of equal width.
 
   void draw_bins() {
-    const Range range = tally_.range.proper();
-    const std::vector<double> heights = bins_of(tally_, histogram_, std::floor(box_.width / 2));
-    const double width = (range.high - range.low) / static_cast<double>(heights.size());
-    const std::vector<double> curve = curve_of(tally_, histogram_, tally_.total * width);
-    const double highest = *std::ranges::max_element(heights);
-    double top = highest;
-    for (const double height : curve)
-      top = std::max(top, std::min(height, highest * kCurveRoom));
-    draw_bin_bars(heights, range, top);
-    draw_curve(curve, top);
-    draw_range_labels(range);
+    const Bins bins = bins_of(tally_, histogram_, std::floor(box_.width / 2));
+    double top = *std::ranges::max_element(bins.heights);
+    for (const double height : bins.curve)
+      top = std::max(top, height);
+    draw_bin_bars(bins, top);
+    draw_curve(bins.curve, top);
+    draw_range_labels(bins.range);
   }
 
-  void draw_bin_bars(const std::vector<double>& heights, const Range& range, double top) {
-    const auto bins = static_cast<double>(heights.size());
-    const double step = box_.width / bins;
-    const double width = (range.high - range.low) / bins;
-    for (size_t i = 0; i < heights.size(); ++i) {
-      if (heights[i] <= 0) continue;
-      const double low = range.low + static_cast<double>(i) * width;
-      draw_bar(box_.x + static_cast<double>(i) * step, step - std::min(1.0, step / 4),
-               heights[i] / top, shown(low) + " \u2013 " + shown(low + width), heights[i]);
+  void draw_bin_bars(const Bins& bins, double top) {
+    const double step = box_.width / static_cast<double>(bins.heights.size());
+    for (size_t i = 0; i < bins.heights.size(); ++i) {
+      const double height = bins.heights[i];
+      if (height <= 0) continue;
+      draw_bar(box_.x + static_cast<double>(i) * step, step - std::min(1.0, step / 4), height / top,
+               shown(bins.edge(i)) + " \u2013 " + shown(bins.edge(i) + bins.width()), height);
     }
   }
 

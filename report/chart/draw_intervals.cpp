@@ -19,7 +19,7 @@ struct Span {
 };
 
 /// The span of a pair of rows; an end that is unset is the other one. Not finite where both are.
-Span span_of(const PanelFrame& frame, const BoundElement& element, RowPair rows) {
+Span span_of(const PanelFrame& frame, const BoundElement& element, MarkRows rows) {
   Span span{frame.x_at(element, rows.row), frame.y_at(element, rows.row),
             frame.y_at(element, rows.partner)};
   if (!std::isfinite(span.x)) span.x = frame.x_at(element, rows.partner);
@@ -59,7 +59,7 @@ void draw_joined(std::vector<Mark>& marks,
                  uint32_t panel) {
   const bool whiskers = element.element->whisker;
   std::map<uint32_t, Mark> by_color;
-  frame.each_mark(element, panel, [&](RowPair rows) {
+  frame.each_mark(element, panel, [&](MarkRows rows) {
     const auto [x, from, to] = span_of(frame, element, rows);
     if (!std::isfinite(x)) return;
     Mark& mark = by_color[frame.binding.colors.of(element, RoleKind::Color, rows.row)];
@@ -82,12 +82,12 @@ void draw_intervals(std::vector<Mark>& marks,
                     const BoundElement& element,
                     uint32_t panel) {
   if (frame.joined) return draw_joined(marks, frame, element, panel);
-  frame.each_mark(element, panel, [&](RowPair rows) {
+  frame.each_mark(element, panel, [&](MarkRows rows) {
     const Span span = span_of(frame, element, rows);
     if (!std::isfinite(span.x)) return;
     Mark mark = element.element->whisker ? whisker(frame, element, rows.row, span)
                                          : bar(frame, element, rows.row, span);
-    mark.tooltip = frame.binding.tooltip_of(element, rows.row, rows.partner);
+    mark.tooltip = frame.binding.tooltip_of(element, rows);
     marks.push_back(std::move(mark));
   });
 }

@@ -226,7 +226,7 @@ class Network {
       Mark mark = rule_mark({x_at(from_x), y_at(from_y)}, {x_at(to_x), y_at(to_y)}, paint,
                             widths.of(number_at(element[RoleKind::Size], row)));
       mark.dash = dash_for(binding_.plan.style.series(paint).dash, mark.stroke_width);
-      mark.tooltip = binding_.tooltip_of(element, row, row);
+      mark.tooltip = binding_.tooltip_of(element, {row, row});
       piece_.marks.push_back(std::move(mark));
     }
   }
@@ -242,7 +242,7 @@ class Network {
       mark.stroke = {Part::Ground};
       mark.stroke_width = 1.5;
     }
-    mark.tooltip = binding_.tooltip_of(*node.element, node.row, node.row);
+    mark.tooltip = binding_.tooltip_of(*node.element, {node.row, node.row});
     if (mark.tooltip.empty()) mark.tooltip = node.label;
     piece_.marks.push_back(std::move(mark));
     draw_label(node, at);
@@ -265,7 +265,7 @@ class Network {
     Mark mark = rect_mark(box, {Part::Panel});
     mark.stroke = {Part::Axis};
     mark.stroke_width = 1.5;
-    mark.tooltip = binding_.tooltip_of(*node.element, node.row, node.row);
+    mark.tooltip = binding_.tooltip_of(*node.element, {node.row, node.row});
     piece_.marks.push_back(std::move(mark));
     Font bold = font_;
     bold.bold = true;

@@ -23,7 +23,7 @@ void draw_symbols(std::vector<Mark>& marks,
                   uint32_t panel) {
   const Opacity opacity(frame.binding);
   const double radius = radius_of(frame, element.rows());
-  frame.each_mark(element, panel, [&](RowPair rows) {
+  frame.each_mark(element, panel, [&](MarkRows rows) {
     const Point at{frame.x_at(element, rows.row), frame.y_at(element, rows.row)};
     if (!std::isfinite(at.x) || !frame.inside(at.y)) return;
     const Paint paint = frame.binding.paint_of(element, rows.row);
@@ -33,7 +33,7 @@ void draw_symbols(std::vector<Mark>& marks,
       mark.stroke = paint;
       mark.stroke_width = radius > 3 ? 1 : 0.5;
     }
-    mark.tooltip = frame.binding.tooltip_of(element, rows.row, rows.partner);
+    mark.tooltip = frame.binding.tooltip_of(element, rows);
     marks.push_back(std::move(mark));
   });
 }
@@ -46,7 +46,7 @@ void draw_dots(std::vector<Mark>& marks,
   const Opacity opacity(frame.binding);
   const ChartVariable* transparency = element[RoleKind::Transparency];
   std::map<std::pair<uint32_t, long>, Mark> by_look;
-  frame.each_mark(element, panel, [&](RowPair rows) {
+  frame.each_mark(element, panel, [&](MarkRows rows) {
     const Point at{frame.x_at(element, rows.row), frame.y_at(element, rows.row)};
     if (!std::isfinite(at.x) || !frame.inside(at.y)) return;
     const double shown =
@@ -83,7 +83,7 @@ std::vector<DensityRaster> count_points(const PanelFrame& frame) {
   for (const BoundElement& element : frame.binding.elements) {
     if (element.element->kind != ElementKind::Point) continue;
     for (size_t row = 0; row < element.rows(); ++row) {
-      const uint32_t panel = element.panel_of_row.empty() ? 0 : element.panel_of_row[row];
+      const uint32_t panel = element.panel_of(row);
       const double x = frame.x_at(element, row);
       const double y = frame.y_at(element, row);
       if (panel >= rasters.size() || !std::isfinite(x) || !frame.inside(y)) continue;
@@ -99,7 +99,7 @@ void draw_lines(std::vector<Mark>& marks,
                 const BoundElement& element,
                 uint32_t panel) {
   std::map<uint32_t, Mark> by_color;
-  frame.each_mark(element, panel, [&](RowPair rows) {
+  frame.each_mark(element, panel, [&](MarkRows rows) {
     const Point point{frame.x_at(element, rows.row), frame.y_at(element, rows.row)};
     if (!std::isfinite(point.x) || !frame.inside(point.y)) return;
     const auto [found, fresh] =

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <map>
 
 namespace hierfit::report::chart {
 namespace {
@@ -36,7 +35,7 @@ size_t most_points(const Binding& binding) {
   size_t most = 0;
   for (const BoundElement& element : binding.elements) {
     if (element.element->kind != ElementKind::Point) continue;
-    most = std::max(most, element.element->rows == Rows::All ? element.rows() : element.rows() / 2);
+    most = std::max(most, element.rows() / element.rows_of_mark());
   }
   return most;
 }
@@ -238,8 +237,7 @@ class PanelArrangement {
     frame_.categories = categories;
     frame_.colors = std::clamp<size_t>(colors, 1, kMostColors);
     if (frame_.dense) return;
-    frame_.band = 1;  // for telling places apart
-    const bool beside = colors > 1 && shares_room();
+    const bool beside = colors > 1 && colors_share_places(binding_, frame_.x);
     const double room = frame_.panel.width / (beside ? kLeastSlot : kLeastPlace);
     const size_t most = std::max<size_t>(
         1, std::min(static_cast<size_t>(room), kMostMarks / binding_.panels.size()));
@@ -287,15 +285,12 @@ class PanelArrangement {
 
   /// The marks of an element that are shown.
   size_t marks_of(const BoundElement& element) const {
-    const size_t step = element.element->rows == Rows::All ? 1 : 2;
     size_t marks = 0;
-    for (size_t row = 0; row < element.rows(); row += step)
-      marks += is_in_panel(element, row) && std::isfinite(frame_.x_at(element, row)) ? 1 : 0;
+    element.each_mark([&](MarkRows rows) {
+      const bool shown = element.panel_of(rows.row) < binding_.panels.size();
+      marks += shown && std::isfinite(frame_.x_at(element, rows.row)) ? 1 : 0;
+    });
     return marks;
-  }
-
-  bool is_in_panel(const BoundElement& element, size_t row) const {
-    return element.panel_of_row.empty() || element.panel_of_row[row] < binding_.panels.size();
   }
 
   /// The least distance of two numbers on the axis that hold marks, in pixels.
@@ -315,22 +310,6 @@ class PanelArrangement {
       if (places[i] - places[i - 1] > 0.01) least = std::min(least, places[i] - places[i - 1]);
     }
     return least;
-  }
-
-  /// Whether one place along x holds marks of several colours.
-  bool shares_room() const {
-    std::map<std::pair<uint32_t, double>, uint32_t> seen;
-    for (const BoundElement& element : binding_.elements) {
-      if (!is_positional(element.element->kind) || frame_.dense) continue;
-      for (size_t row = 0; row < element.rows(); ++row) {
-        const uint32_t color = binding_.colors.of(element, RoleKind::Color, row);
-        const double place = frame_.place_along_x(element, row);
-        if (color == ValueIndex::kNone || !std::isfinite(place)) continue;
-        const uint32_t panel = element.panel_of_row.empty() ? 0 : element.panel_of_row[row];
-        if (seen.try_emplace({panel, place}, color).first->second != color) return true;
-      }
-    }
-    return false;
   }
 
   const Binding& binding_;

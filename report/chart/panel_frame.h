@@ -18,12 +18,6 @@ inline constexpr double kPanelGap = 18;
 /// Marks of their own, with tooltips; those of one colour are one mark beyond.
 inline constexpr size_t kMostSingleMarks = 1000;
 
-/// Rows of one mark: for a pair 2i and 2i + 1.
-struct RowPair {
-  size_t row;
-  size_t partner;
-};
-
 /// How panels with common axes share the room, and what is left out where it does not suffice.
 struct PanelFrame {
   const Binding& binding;
@@ -71,14 +65,10 @@ struct PanelFrame {
   /// Calls `draw` with the rows of each mark of the panel.
   template <class Draw>
   void each_mark(const BoundElement& element, uint32_t index, Draw draw) const {
-    const Rows kind = element.element->rows;
-    const size_t step = kind == Rows::All ? 1 : 2;
-    const size_t end = std::min(element.rows(), most_rows);
-    for (size_t row = kind == Rows::Second ? 1 : 0; row < end; row += step) {
-      if (!element.in_panel(row, index)) continue;
-      const size_t partner = step == 1 ? row : row ^ 1;
-      draw(RowPair{row, std::min(partner, element.rows() - 1)});
-    }
+    const auto draw_in = [&](MarkRows mark) {
+      if (element.in_panel(mark.row, index)) draw(mark);
+    };
+    element.each_mark(draw_in, most_rows);
   }
 
   /// The pixel of a row's place along x, which its colours share.

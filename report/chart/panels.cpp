@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 namespace hierfit::report::chart {
 namespace {
@@ -95,6 +96,17 @@ double longest(const TickLabels& labels, const Font& font) {
   return length;
 }
 
+/// The place of a row's value in the space of the data: its category, or its number.
+std::optional<double> place_on(const HorizontalAxis& axis, const ChartVariable& x, size_t row) {
+  if (axis.categorical) {
+    const uint32_t category = axis.categories.find(x, row);
+    return category == ValueIndex::kNone ? std::nullopt : std::optional<double>(category);
+  }
+  const double value = number_at(&x, row);
+  const bool shown = is_number(value) && value >= axis.range.low && value <= axis.range.high;
+  return shown ? std::optional(value) : std::nullopt;
+}
+
 }  // namespace
 
 HorizontalAxis horizontal_axis(const Binding& binding) {
@@ -135,6 +147,21 @@ VerticalAxis vertical_axis(const Binding& binding) {
   axis.range = with_limits(axis.range, binding.graph.y);
   axis.title = title_of(binding.graph.y, axis.variable);
   return axis;
+}
+
+bool colors_share_places(const Binding& binding, const HorizontalAxis& axis) {
+  std::map<std::pair<uint32_t, double>, uint32_t> color_of;
+  for (const BoundElement& element : binding.elements) {
+    if (!is_positional(element.element->kind) || element[RoleKind::X] == nullptr) continue;
+    for (size_t row = 0; row < element.rows(); ++row) {
+      const uint32_t color = binding.colors.of(element, RoleKind::Color, row);
+      const std::optional<double> place = place_on(axis, *element[RoleKind::X], row);
+      if (color == ValueIndex::kNone || !place) continue;
+      const auto [at, added] = color_of.try_emplace({element.panel_of(row), *place}, color);
+      if (at->second != color) return true;
+    }
+  }
+  return false;
 }
 
 TickLabels category_labels(

@@ -28,6 +28,9 @@ struct VerticalAxis {
 HorizontalAxis horizontal_axis(const Binding& binding);
 VerticalAxis vertical_axis(const Binding& binding);
 
+/// Whether one place along x of one panel holds marks of several colours.
+bool colors_share_places(const Binding& binding, const HorizontalAxis& axis);
+
 /// A name on an axis.
 struct TickLabel {
   double at = 0;  ///< pixels from the start of the axis

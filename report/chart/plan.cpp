@@ -165,8 +165,6 @@ void take_over(Roles& roles, const Roles& shared) {
 
 // The graph.
 
-constexpr std::array<std::string_view, 6> kElementNames = {"point", "line", "interval",
-                                                           "edge",  "node", "text"};
 constexpr std::array<std::string_view, 4> kRowNames = {"all", "first", "second", "pairs"};
 constexpr std::array<std::string_view, 4> kMarginNames = {"margin-top", "margin-right",
                                                           "margin-bottom", "margin-left"};

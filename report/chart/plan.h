@@ -61,6 +61,8 @@ struct Roles {
 };
 
 enum class ElementKind : uint8_t { Point, Line, Interval, Edge, Node, Text };
+inline constexpr std::array<std::string_view, 6> kElementNames = {"point", "line", "interval",
+                                                                  "edge",  "node", "text"};
 /// Whether an element of that kind stands on axes.
 inline bool is_positional(ElementKind kind) { return kind <= ElementKind::Interval; }
 

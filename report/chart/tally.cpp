@@ -12,8 +12,32 @@ namespace {
 constexpr int kCategorical = 1;
 constexpr int kOrdinal = 2;
 
-constexpr double kMostBins = 60;
 constexpr int kCurveSteps = 96;
+constexpr double kCurveRoom = 1.25;  ///< how far above the highest bin a curve may rise
+
+/// The heights of the curve over bins that cover `area`, at most `highest`.
+std::vector<double> curve_of(const Tally& tally,
+                             const Histogram& histogram,
+                             double area,
+                             double highest) {
+  if (!histogram.curve) return {};
+  double mean = 0;
+  for (const auto& [value, weight] : tally.weights)
+    mean += value * (weight / tally.total);
+  double squares = 0;
+  for (const auto& [value, weight] : tally.weights)
+    squares += (value - mean) * (value - mean) * weight;
+  const auto density =
+      density_of(*histogram.curve, mean, std::sqrt(squares / std::max(tally.total - 1, 1.0)));
+  if (!density) return {};
+  const Range range = tally.range.proper();
+  std::vector<double> curve;
+  for (int i = 0; i <= kCurveSteps; ++i) {
+    const double height = density(range.low + (range.high - range.low) * i / kCurveSteps) * area;
+    curve.push_back(std::isnan(height) ? 0 : std::min(height, highest));
+  }
+  return curve;
+}
 
 }  // namespace
 
@@ -37,39 +61,20 @@ Tally tally(const Embedded& embedded, const output::Chart& chart) {
   return counted;
 }
 
-std::vector<double> bins_of(const Tally& tally, const Histogram& histogram, double most) {
-  const Range range = tally.range.proper();
+Bins bins_of(const Tally& tally, const Histogram& histogram, double most) {
+  Bins bins{.range = tally.range.proper(), .heights = {}, .curve = {}};
   const double wanted =
       histogram.bins > 0 ? static_cast<double>(histogram.bins) : std::ceil(std::sqrt(tally.rows));
-  const double bins = std::clamp(wanted, 1.0, std::clamp(most, 1.0, kMostBins));
-  const double width = (range.high - range.low) / bins;
-  std::vector<double> heights(static_cast<size_t>(bins));
+  const double count = std::clamp(wanted, 1.0, std::clamp(most, 1.0, kMostBins));
+  bins.heights.resize(static_cast<size_t>(count));
   for (const auto& [value, weight] : tally.weights) {
     // A value at an edge, reckoned with rounding, belongs to the bin above.
-    const double place = std::floor((value - range.low) / width + 1e-9);
-    heights[static_cast<size_t>(std::clamp(place, 0.0, bins - 1))] += weight;
+    const double place = std::floor((value - bins.range.low) / bins.width() + 1e-9);
+    bins.heights[static_cast<size_t>(std::clamp(place, 0.0, count - 1))] += weight;
   }
-  return heights;
-}
-
-std::vector<double> curve_of(const Tally& tally, const Histogram& histogram, double area) {
-  if (!histogram.curve) return {};
-  double mean = 0;
-  for (const auto& [value, weight] : tally.weights)
-    mean += value * (weight / tally.total);
-  double squares = 0;
-  for (const auto& [value, weight] : tally.weights)
-    squares += (value - mean) * (value - mean) * weight;
-  const auto density =
-      density_of(*histogram.curve, mean, std::sqrt(squares / std::max(tally.total - 1, 1.0)));
-  if (!density) return {};
-  const Range range = tally.range.proper();
-  std::vector<double> curve;
-  for (int i = 0; i <= kCurveSteps; ++i) {
-    const double height = density(range.low + (range.high - range.low) * i / kCurveSteps) * area;
-    curve.push_back(std::isnan(height) ? 0 : height);
-  }
-  return curve;
+  const double highest = *std::ranges::max_element(bins.heights);
+  bins.curve = curve_of(tally, histogram, tally.total * bins.width(), kCurveRoom * highest);
+  return bins;
 }
 
 }  // namespace hierfit::report::chart

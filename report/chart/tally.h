@@ -22,12 +22,23 @@ struct Tally {
 /// Counts the rows that have a number and a weight above 0.
 Tally tally(const Embedded& embedded, const output::Chart& chart);
 
-/// The weights in bins of equal width over the proper range, as many as the histogram asks for,
-/// else the root of the rows; `most` at most. The tally is not empty.
-std::vector<double> bins_of(const Tally& tally, const Histogram& histogram, double most);
+inline constexpr double kMostBins = 60;
 
-/// The heights of the histogram's curve at equal steps over the proper range, from its one end to
-/// the other, where its bars cover `area`; empty when it has none.
-std::vector<double> curve_of(const Tally& tally, const Histogram& histogram, double area);
+/// Bins of equal width over the proper range of a tally, and the curve above them.
+struct Bins {
+  Range range;
+  std::vector<double> heights;  ///< the weights in each
+  /// Heights at equal steps from the one end of the range to the other, cut where the curve rises
+  /// far above the highest bin; empty for a histogram without.
+  std::vector<double> curve;
+
+  double width() const { return (range.high - range.low) / static_cast<double>(heights.size()); }
+  /// Where a bin begins, and the one before it ends.
+  double edge(size_t bin) const { return range.low + static_cast<double>(bin) * width(); }
+};
+
+/// As many bins as the histogram asks for, else the root of the rows; `most` at most. The tally is
+/// not empty.
+Bins bins_of(const Tally& tally, const Histogram& histogram, double most = kMostBins);
 
 }  // namespace hierfit::report::chart

@@ -213,7 +213,7 @@ class VegaChart {
     if (!x_.categorical) return number_channel("x", plan_.graph.x, x_.range, x_.title);
     Json order = Json::array();
     for (const chart::ValueIndex::Entry& entry : x_.categories.entries())
-      order.push_back(entry.shown.empty() ? " " : clean(entry.shown));
+      order.push_back(vega::category_name(entry));
     return {{"field", "x"},
             {"type", "nominal"},
             {"sort", order},

@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <map>
 #include <numbers>
-#include <set>
 
+#include "report/chart/circle.h"
 #include "report/chart/panels.h"
 #include "report/chart/tally.h"
 #include "report/json/json_text.h"
@@ -19,66 +18,39 @@ using chart::ChartSource;
 using chart::ChartVariable;
 using chart::ElementKind;
 using chart::LineGuide;
-using chart::Panel;
+using chart::MarkRows;
 using chart::Range;
 using chart::RoleKind;
 using chart::ValueIndex;
 
 namespace {
 
-/// By kind of element.
-constexpr std::string_view kPartNames[] = {"point", "line", "interval", "edge", "node", "text"};
-
-constexpr double kMostBins = 60;
-/// How far above the highest bar a curve may rise.
-constexpr double kCurveRoom = 1.25;
-
 struct Place {
   double x = 0;
   double y = 0;
 };
 
-/// Calls `use` with each panel that a row stands in: that of its facets, or all of them.
-template <class Use>
-void for_panels(const Binding& binding, const BoundElement& element, size_t row, Use use) {
-  const auto panels = static_cast<uint32_t>(binding.panels.size());
-  const bool everywhere = element.panel_of_row.empty();
-  const uint32_t first = everywhere ? 0 : element.panel_of_row[row];
-  const uint32_t end = everywhere || first >= panels ? panels : first + 1;
-  for (uint32_t panel = first; panel < end; ++panel)
-    use(panel);
-}
+/// Where a mark stands, and where it ends if it has an end.
+struct Spot {
+  std::string category;  ///< along x; empty over numbers
+  Place from;
+  std::optional<Place> to;
 
-/// Nodes by their keys, on a circle from the top.
-class CirclePlaces {
- public:
-  explicit CirclePlaces(const Binding& binding) : keys_(binding.panels.size()) {
-    for (const BoundElement& element : binding.elements) {
-      const ChartVariable* key = element[RoleKind::Key];
-      if (key == nullptr || element.element->kind != ElementKind::Node) continue;
-      for (size_t row = 0; row < element.rows(); ++row) {
-        for_panels(binding, element, row,
-                   [&](uint32_t panel) { keys_[panel].add(*key, row, binding.numbers); });
-      }
-    }
-  }
-
-  std::optional<Place> of(const ChartVariable* key, size_t row, uint32_t panel) const {
-    if (key == nullptr) return std::nullopt;
-    const uint32_t at = keys_[panel].find(*key, row);
-    if (at == ValueIndex::kNone) return std::nullopt;
-    const double turn = 2 * std::numbers::pi * at / static_cast<double>(keys_[panel].size());
-    return Place{std::sin(turn), std::cos(turn)};
-  }
+  bool is_sound() const { return is_sound(from) && (!to || is_sound(*to)); }
 
  private:
-  std::vector<ValueIndex> keys_;  // by panel
+  bool is_sound(const Place& place) const {
+    return (!category.empty() || chart::is_number(place.x)) && chart::is_number(place.y);
+  }
 };
 
 class GraphRows {
  public:
   GraphRows(Rows& rows, const Binding& binding)
-      : rows_(rows), binding_(binding), circle_(binding), x_(chart::horizontal_axis(binding)) {}
+      : rows_(rows), binding_(binding), x_(chart::horizontal_axis(binding)) {
+    if (binding.graph.circle) circles_ = chart::circles_of(binding);
+    facts_.dodged = x_.categorical && chart::colors_share_places(binding, x_);
+  }
 
   DataFacts write() {
     for (const BoundElement& element : binding_.elements)
@@ -93,34 +65,32 @@ class GraphRows {
 
  private:
   void write_element(const BoundElement& element) {
-    const chart::Rows which = element.element->rows;
-    const size_t step = which == chart::Rows::All ? 1 : 2;
-    for (size_t row = which == chart::Rows::Second ? 1 : 0; row < element.rows(); row += step) {
-      const bool paired = which == chart::Rows::Pairs;
-      if (paired && row + 1 == element.rows()) continue;
-      for_panels(binding_, element, row,
-                 [&](uint32_t panel) { write_row(element, row, paired ? row + 1 : row, panel); });
-    }
+    const auto panels = static_cast<uint32_t>(binding_.panels.size());
+    element.each_mark([&](MarkRows rows) {
+      element.each_panel(rows.row, panels, [&](uint32_t panel) {
+        if (const auto spot = spot_of(element, rows, panel)) write_row(element, rows, panel, *spot);
+      });
+    });
   }
 
-  void write_row(const BoundElement& element, size_t row, size_t partner, uint32_t panel) {
-    if (!places(element, row, partner, panel)) return;
+  void write_row(const BoundElement& element, MarkRows rows, uint32_t panel, const Spot& spot) {
     begin(part_of(binding_, element), panel);
-    if (category_.empty()) {
-      rows_.number("x", from_.x);
+    if (spot.category.empty()) {
+      rows_.number("x", spot.from.x);
     } else {
-      rows_.text("x", category_);
+      rows_.text("x", spot.category);
     }
-    rows_.number("y", from_.y);
-    if (to_) {
-      if (category_.empty()) rows_.number("x2", to_->x);
-      rows_.number("y2", to_->y);
+    rows_.number("y", spot.from.y);
+    if (spot.to) {
+      if (spot.category.empty()) rows_.number("x2", spot.to->x);
+      rows_.number("y2", spot.to->y);
     }
-    write_looks(element, row);
-    if (element[RoleKind::Label] != nullptr && chart::has_value(*element[RoleKind::Label], row)) {
-      text("label", chart::shown_value(*element[RoleKind::Label], row, binding_.numbers));
+    write_looks(element, rows.row);
+    const ChartVariable* label = element[RoleKind::Label];
+    if (label != nullptr && chart::has_value(*label, rows.row)) {
+      text("label", chart::shown_value(*label, rows.row, binding_.numbers));
     }
-    const std::string tooltip = binding_.tooltip_of(element, row, partner);
+    const std::string tooltip = binding_.tooltip_of(element, rows);
     if (!tooltip.empty()) text("tooltip", tooltip);
     rows_.end();
   }
@@ -134,10 +104,7 @@ class GraphRows {
 
   void write_looks(const BoundElement& element, size_t row) {
     const uint32_t color = binding_.colors.of(element, RoleKind::Color, row);
-    if (color != ValueIndex::kNone) {
-      text("color", binding_.colors.values.entries()[color].shown);
-      if (!category_.empty()) find_dodged(element, row, color);
-    }
+    if (color != ValueIndex::kNone) text("color", binding_.colors.values.entries()[color].shown);
     const uint32_t shape = binding_.shapes.of(element, RoleKind::Shape, row);
     if (shape != ValueIndex::kNone) text("shape", binding_.shapes.values.entries()[shape].shown);
     write_amount("size", element[RoleKind::Size], row, facts_.sizes);
@@ -160,47 +127,44 @@ class GraphRows {
     range->add(amount);
   }
 
-  /// Whether one category of a panel comes in several colours.
-  void find_dodged(const BoundElement& element, size_t row, uint32_t color) {
-    const uint32_t panel = element.panel_of_row.empty() ? 0 : element.panel_of_row[row];
-    const uint32_t category = x_.categories.find(*element[RoleKind::X], row);
-    const auto [at, added] = color_of_.try_emplace({panel, category}, color);
-    facts_.dodged = facts_.dodged || at->second != color;
-  }
-
-  /// Sets where a row stands; false for a row without a place.
-  bool places(const BoundElement& element, size_t row, size_t partner, uint32_t panel) {
-    category_.clear();
-    to_.reset();
-    if (binding_.graph.circle) return on_circle(element, row, panel);
+  /// None for a mark without a place.
+  std::optional<Spot> spot_of(const BoundElement& element, MarkRows rows, uint32_t panel) const {
+    if (binding_.graph.circle) return spot_on_circle(element, rows.row, circles_[panel].keys);
     const ChartVariable* x = element[RoleKind::X];
     const ChartVariable* y = element[RoleKind::Y];
-    if (x == nullptr || y == nullptr || !chart::has_value(*x, row)) return false;
+    if (x == nullptr || y == nullptr || !chart::has_value(*x, rows.row)) return std::nullopt;
+    Spot spot;
     if (x_.categorical) {
-      category_ = clean(chart::shown_value(*x, row, binding_.numbers));
-      if (category_.empty()) category_ = " ";
+      spot.category = category_name(x_.categories.entries()[x_.categories.find(*x, rows.row)]);
     }
-    from_ = {chart::number_at(x, row), chart::number_at(y, row)};
-    if (row != partner) to_ = Place{from_.x, chart::number_at(y, partner)};
+    spot.from = {chart::number_at(x, rows.row), chart::number_at(y, rows.row)};
+    if (element.element->rows == chart::Rows::Pairs) {
+      spot.to = Place{spot.from.x, chart::number_at(y, rows.partner)};
+    }
     if (element[RoleKind::X2] != nullptr && element[RoleKind::Y2] != nullptr) {
-      to_ = Place{chart::number_at(element[RoleKind::X2], row),
-                  chart::number_at(element[RoleKind::Y2], row)};
+      spot.to = Place{chart::number_at(element[RoleKind::X2], rows.row),
+                      chart::number_at(element[RoleKind::Y2], rows.row)};
     }
-    return is_sound(from_) && (!to_ || is_sound(*to_));
+    return spot.is_sound() ? std::optional(spot) : std::nullopt;
   }
 
-  bool is_sound(const Place& place) const {
-    return (!category_.empty() || chart::is_number(place.x)) && chart::is_number(place.y);
-  }
-
-  bool on_circle(const BoundElement& element, size_t row, uint32_t panel) {
+  static std::optional<Spot> spot_on_circle(const BoundElement& element,
+                                            size_t row,
+                                            const ValueIndex& keys) {
     const bool edge = element.element->kind == ElementKind::Edge;
-    const auto from = circle_.of(element[edge ? RoleKind::From : RoleKind::Key], row, panel);
-    const auto to = edge ? circle_.of(element[RoleKind::To], row, panel) : from;
-    if (!from || !to) return false;
-    from_ = *from;
-    if (edge) to_ = to;
-    return true;
+    const auto from = place_of(keys, element[edge ? RoleKind::From : RoleKind::Key], row);
+    const auto to = edge ? place_of(keys, element[RoleKind::To], row) : std::nullopt;
+    if (!from || (edge && !to)) return std::nullopt;
+    return Spot{{}, *from, to};
+  }
+
+  static std::optional<Place> place_of(const ValueIndex& keys,
+                                       const ChartVariable* key,
+                                       size_t row) {
+    const uint32_t node = key == nullptr ? ValueIndex::kNone : keys.find(*key, row);
+    if (node == ValueIndex::kNone) return std::nullopt;
+    const double turn = 2 * std::numbers::pi * chart::share_of_turn(node, keys.size());
+    return Place{std::sin(turn), std::cos(turn)};
   }
 
   void write_guide(const LineGuide& guide, uint32_t panel) {
@@ -223,13 +187,9 @@ class GraphRows {
 
   Rows& rows_;
   const Binding& binding_;
-  CirclePlaces circle_;
+  std::vector<chart::Circle> circles_;  ///< by panel; none where nodes have places
   chart::HorizontalAxis x_;
   DataFacts facts_;
-  std::map<std::pair<uint32_t, uint32_t>, uint32_t> color_of_;  // by panel and category
-  std::string category_;                                        // of the row being written
-  Place from_;
-  std::optional<Place> to_;
 };
 
 /// The bars and the curve of a histogram.
@@ -260,27 +220,20 @@ class HistogramRows {
   }
 
   void write_bins() {
-    const Range range = tally_.range.proper();
-    const std::vector<double> heights = chart::bins_of(tally_, histogram_, kMostBins);
-    const double width = (range.high - range.low) / static_cast<double>(heights.size());
-    for (size_t i = 0; i < heights.size(); ++i) {
+    const chart::Bins bins = chart::bins_of(tally_, histogram_);
+    for (size_t i = 0; i < bins.heights.size(); ++i) {
       rows_.begin("bin");
-      rows_.number("from", range.low + static_cast<double>(i) * width);
-      rows_.number("to", range.low + static_cast<double>(i + 1) * width);
-      rows_.number("count", heights[i]);
+      rows_.number("from", bins.edge(i));
+      rows_.number("to", bins.edge(i + 1));
+      rows_.number("count", bins.heights[i]);
       rows_.end();
     }
-    write_curve(range, chart::curve_of(tally_, histogram_, tally_.total * width),
-                kCurveRoom * *std::ranges::max_element(heights));
-  }
-
-  void write_curve(const Range& range, const std::vector<double>& curve, double top) {
-    facts_.curve = !curve.empty();
-    for (size_t i = 0; i < curve.size(); ++i) {
-      const double along = static_cast<double>(i) / static_cast<double>(curve.size() - 1);
+    facts_.curve = !bins.curve.empty();
+    for (size_t i = 0; i < bins.curve.size(); ++i) {
+      const double along = static_cast<double>(i) / static_cast<double>(bins.curve.size() - 1);
       rows_.begin("curve");
-      rows_.number("from", range.low + (range.high - range.low) * along);
-      rows_.number("count", std::min(curve[i], top));
+      rows_.number("from", bins.range.low + (bins.range.high - bins.range.low) * along);
+      rows_.number("count", bins.curve[i]);
       rows_.end();
     }
   }
@@ -311,8 +264,12 @@ void Rows::text(std::string_view name, std::string_view value) {
 }
 
 std::string part_of(const Binding& binding, const BoundElement& element) {
-  return std::string(kPartNames[static_cast<size_t>(element.element->kind)]) + ' ' +
+  return std::string(chart::kElementNames[static_cast<size_t>(element.element->kind)]) + ' ' +
          std::to_string(&element - binding.elements.data() + 1);
+}
+
+std::string category_name(const ValueIndex::Entry& category) {
+  return category.shown.empty() ? " " : clean(category.shown);
 }
 
 std::string panel_name(const Binding& binding, uint32_t panel) {

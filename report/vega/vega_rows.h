@@ -39,6 +39,9 @@ struct DataFacts {
 /// "interval 1" of the second element.
 std::string part_of(const chart::Binding& binding, const chart::BoundElement& element);
 
+/// What a category along x is called; a blank stands for the empty name.
+std::string category_name(const chart::ValueIndex::Entry& category);
+
 /// "panel 3", or its titles where they tell it from the others.
 std::string panel_name(const chart::Binding& binding, uint32_t panel);
 
