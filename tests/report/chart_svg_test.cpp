@@ -69,6 +69,14 @@ TEST_CASE("a picture in the page") {
   }
 }
 
+TEST_CASE("a path begins anew behind a break: nothing is drawn across the gap") {
+  Scene scene;
+  scene.marks.push_back(path_mark({{1, 2}, {3, 4}, kBreak, {5, 6}, {7, 8}}, {Part::Mark}, 1));
+  std::string svg;
+  append_svg(svg, scene, Style(), {});
+  CHECK(svg.find("d=\"M1 2L3 4M5 6L7 8\"") != std::string::npos);
+}
+
 TEST_CASE("a picture as a file has literal colours and its titles") {
   const std::string svg = file_svg(spans_chart(3));
   CHECK(svg.find("currentColor") == std::string::npos);

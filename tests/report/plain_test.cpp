@@ -113,11 +113,20 @@ TEST_CASE("a chart for Vega-Lite") {
     const json spec = spec_of(means_chart(4, 2, 3));
     CHECK(count(spec, "interval") == 24);
     CHECK(count(spec, "point") == 24);
+    const json& interval = spec["data"]["values"][0];
+    CHECK(interval["x"] == "None");
+    CHECK(interval["y2"] > interval["y"]);
+    CHECK_FALSE(interval.contains("x2"));
     CHECK(spec["facet"]["sort"].size() == 3);
     const json& encoding = spec["spec"]["layer"].back()["encoding"];
     CHECK(encoding["xOffset"]["field"] == "color");
     CHECK(encoding["color"]["scale"]["range"].size() == 2);
     CHECK(encoding["shape"]["scale"]["range"][0] != encoding["shape"]["scale"]["range"][1]);
+  }
+  SUBCASE("has both bounds of its interval in a mean's tooltip") {
+    const json values = spec_of(means_chart(4))["data"]["values"];
+    CHECK(values.back()["part"] == "point 2");
+    CHECK(values.back()["tooltip"].get<std::string>().find(": [") != std::string::npos);
   }
   SUBCASE("joins the nodes of a circle where they lie, and stands beside a histogram") {
     const json pairs = spec_of(pairwise_chart(5));
