@@ -4,7 +4,7 @@
 #include <span>
 #include <vector>
 
-#include "report/chart/panels.h"
+#include "report/chart/axes.h"
 #include "report/chart/pieces.h"
 
 namespace hierfit::report::chart {

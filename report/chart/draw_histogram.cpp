@@ -3,7 +3,7 @@
 #include <cmath>
 #include <map>
 
-#include "report/chart/panels.h"
+#include "report/chart/axes.h"
 #include "report/chart/pieces.h"
 #include "report/chart/tally.h"
 

@@ -77,10 +77,7 @@ std::vector<Entry> shape_entries(const Binding& binding, const LegendFacts& /*fa
   const auto& values = binding.shapes.values.entries();
   for (uint32_t i = 0; i < values.size(); ++i) {
     if (!values[i].occurs) continue;
-    const std::vector<Level>& levels = binding.shapes.role->levels;
-    const Symbol symbol = i < levels.size() && levels[i].symbol
-                              ? *levels[i].symbol
-                              : static_cast<Symbol>(i % kSymbolNames.size());
+    const Symbol symbol = binding.symbol_of_shape(i);
     // The frame is the target's, which says itself what it is.
     if (symbol == Symbol::Frame) continue;
     entries.push_back({{symbol_mark({6, 0}, 5.5, symbol, {Part::Text})}, 12, values[i].shown});

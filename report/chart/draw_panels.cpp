@@ -5,7 +5,6 @@ namespace hierfit::report::chart {
 namespace {
 
 constexpr Paint kAxis{Part::Axis};
-constexpr double kLongestNumber = 116;
 
 /// An element that stands on axes: how it is drawn in a panel.
 struct ElementType {

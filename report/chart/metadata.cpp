@@ -4,7 +4,7 @@
 #include <array>
 #include <charconv>
 
-#include "report/chart/binding.h"
+#include "report/chart/values.h"
 #include "report/html/markup.h"
 
 namespace hierfit::report::chart {

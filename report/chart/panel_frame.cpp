@@ -13,7 +13,6 @@ constexpr double kUsualHeight = 260;
 constexpr double kUsualWidth = 740;
 constexpr double kLeastPanel = 90;  ///< its width
 constexpr double kTrail = 14;       ///< right of the panels
-constexpr double kLongestNumber = 116;
 
 // What people can still tell apart; more of it is left out, and a note says so.
 constexpr double kLeastSlot = 2.5;    ///< pixels for a mark beside others of its place

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "report/chart/axes.h"
 #include "report/chart/density.h"
-#include "report/chart/panels.h"
 #include "report/chart/pieces.h"
 
 namespace hierfit::report::chart {
@@ -15,6 +15,7 @@ namespace hierfit::report::chart {
 inline constexpr double kInset = 8;  ///< free of marks along the edges of a panel
 inline constexpr double kTick = 5;
 inline constexpr double kPanelGap = 18;
+inline constexpr double kLongestNumber = 116;  ///< along y
 /// Marks of their own, with tooltips; those of one colour are one mark beyond.
 inline constexpr size_t kMostSingleMarks = 1000;
 

@@ -1,210 +1,135 @@
 #include "report/chart/panels.h"
 
-#include <algorithm>
-#include <cmath>
 #include <map>
 
 namespace hierfit::report::chart {
 namespace {
 
-constexpr double kGap = 8;       ///< between names
-constexpr double kTightGap = 4;  ///< between names that would have to turn else
-constexpr size_t kMostLabelLines = 3;
-constexpr double kLongestTurned = 130;
-constexpr double kSlantedBand = 24;  ///< the narrowest for names at half a right angle
-constexpr double kNearZero = 0.2;    ///< a share of the range
-constexpr double kSlope = 0.70710678;
+constexpr uint32_t kMostPanels = 64;
+constexpr uint32_t kNoPanel = 0xFFFFFFFE;
+using Kind = output::ChartColumn::Kind;
 
-bool holds_text(const ChartVariable& variable) {
-  if (variable.values.all_numbers()) return false;
-  for (size_t row = 0; row < variable.values.rows(); ++row) {
-    if (variable.values.kind(row) == output::ChartColumn::Kind::Text) return true;
+/// Gives each row of each element its panel.
+class Paneling {
+ public:
+  Paneling(const Graph& graph, const output::NumberStyle& style) : graph_(graph), style_(style) {}
+
+  Division divide(std::vector<BoundElement>& elements) {
+    for (BoundElement& element : elements)
+      assign(element);
+    if (made_.panels.empty()) made_.panels.emplace_back();
+    made_.single_facet = !(has_columns_ && has_rows_);
+    return std::move(made_);
+  }
+
+ private:
+  using Key = std::pair<uint32_t, uint32_t>;
+  using Facets = std::vector<std::pair<const Facet*, const ChartVariable*>>;
+
+  void assign(BoundElement& element) {
+    Facets facets;
+    for (const Facet& facet : graph_.facets) {
+      const ChartVariable* variable = bound(element.source, facet.variable);
+      if (variable != nullptr) facets.emplace_back(&facet, variable);
+    }
+    if (facets.empty()) return;
+    for (const auto& [facet, variable] : facets)
+      (facet->across_columns ? has_columns_ : has_rows_) = true;
+    element.panel_of_row.assign(element.rows(), kNoPanel);
+    for (size_t row = 0; row < element.rows(); ++row) {
+      Key key{0, 0};
+      bool whole = true;
+      for (const auto& [facet, variable] : facets) {
+        ValueIndex& values = facet->across_columns ? columns_ : rows_;
+        const uint32_t value = values.add(*variable, row, style_);
+        whole = whole && value != ValueIndex::kNone;
+        (facet->across_columns ? key.first : key.second) = value;
+      }
+      if (whole) element.panel_of_row[row] = panel(key, element, facets, row);
+    }
+  }
+
+  uint32_t panel(Key key, const BoundElement& element, const Facets& facets, size_t row) {
+    const auto [found, fresh] = by_key_.try_emplace(key, kNoPanel);
+    if (!fresh) return found->second;
+    if (made_.panels.size() >= kMostPanels) {
+      ++made_.left_out;
+      return kNoPanel;
+    }
+    found->second = static_cast<uint32_t>(made_.panels.size());
+    Panel made{.column = key.first,
+               .row = key.second,
+               .titles = {},
+               .source = element.source,
+               .at_row = row};
+    for (const auto& [facet, variable] : facets)
+      made.titles.push_back(title(*variable, row));
+    made_.panels.push_back(std::move(made));
+    return found->second;
+  }
+
+  std::string title(const ChartVariable& variable, size_t row) const {
+    const std::string value = shown_value(variable, row, style_);
+    if (!variable.prefix.empty() || variable.label.empty()) return value;
+    return variable.label + ": " + value;
+  }
+
+  const Graph& graph_;
+  const output::NumberStyle& style_;
+  Division made_;
+  ValueIndex columns_;
+  ValueIndex rows_;
+  std::map<Key, uint32_t> by_key_;
+  bool has_columns_ = false;
+  bool has_rows_ = false;
+};
+
+bool names_row(std::string_view value, const output::ChartColumn& values, size_t row) {
+  switch (values.kind(row)) {
+    case output::ChartColumn::Kind::Unset:
+      return false;
+    case output::ChartColumn::Kind::Number:
+      return names_value(value, values.number(row));
+    case output::ChartColumn::Kind::Text:
+      return names_value(value, values.text(row)) ||
+             names_value(value, output::plain_text(values.text(row)));
   }
   return false;
-}
-
-/// The limits of the axis, where it has proper ones.
-Range with_limits(Range range, const Axis& axis) {
-  if (axis.zero) range.add(0);
-  if (axis.min && axis.max && *axis.min < *axis.max) return {*axis.min, *axis.max, false};
-  const Range proper = range.proper();
-  range = proper.widened(0.05);
-  // Zero, where it is near, ends the axis; room beside the marks makes no numbers of the other
-  // sign.
-  const double near = kNearZero * (proper.high - proper.low);
-  if (proper.low >= 0) range.low = proper.low <= near ? 0 : std::max(range.low, 0.0);
-  if (proper.high <= 0) range.high = proper.high >= -near ? 0 : std::min(range.high, 0.0);
-  if (axis.min && *axis.min < range.high) range.low = *axis.min;
-  if (axis.max && *axis.max > range.low) range.high = *axis.max;
-  return range;
-}
-
-std::string title_of(const Axis& axis, const ChartVariable* variable) {
-  if (!axis.label.empty() || variable == nullptr) return axis.label;
-  return variable->label.empty() && variable->format == std::nullopt ? std::string()
-                                                                     : label_of(*variable);
-}
-
-std::string number_text(const Binding& binding,
-                        const ChartVariable* variable,
-                        double value,
-                        int decimals) {
-  const std::string* label = variable == nullptr ? nullptr : variable->label_of(value);
-  if (label != nullptr) return *label;
-  return output::shown({value, output::Format::Fixed, static_cast<uint8_t>(decimals)},
-                       binding.numbers);
-}
-
-/// Whether names of these widths at these places keep clear of one another.
-bool clear(const std::vector<TickLabel>& labels, const Font& font, bool upright) {
-  double end = -HUGE_VAL;
-  for (const TickLabel& label : labels) {
-    const double half = upright ? text_width(label.text, font) / 2 : font.size / 2;
-    if (label.at - half < end + kGap) return false;
-    end = label.at + half;
-  }
-  return true;
-}
-
-TickLabels all_labels(const HorizontalAxis& axis, size_t count, double band, size_t every) {
-  TickLabels labels;
-  for (size_t i = 0; i < count; i += every) {
-    labels.labels.push_back(
-        {(static_cast<double>(i) + 0.5) * band, axis.categories.entries()[i].shown});
-  }
-  return labels;
-}
-
-/// Whether all names stand in their bands, in at most three lines broken at blanks.
-bool upright_labels(TickLabels& labels, const Font& font, double room) {
-  labels.room = room;
-  labels.lines = 1;
-  for (const TickLabel& label : labels.labels) {
-    if (widest_word(label.text, font) > labels.room) return false;
-    const TextLines lines = fit_text(label.text, font, labels.room, kMostLabelLines);
-    if (lines.cut) return false;
-    labels.lines = std::max(labels.lines, lines.lines.size());
-  }
-  labels.height = static_cast<double>(labels.lines) * font.line_height();
-  return true;
-}
-
-double longest(const TickLabels& labels, const Font& font) {
-  double length = 0;
-  for (const TickLabel& label : labels.labels)
-    length = std::max(length, text_width(label.text, font));
-  return length;
-}
-
-/// The place of a row's value in the space of the data: its category, or its number.
-std::optional<double> place_on(const HorizontalAxis& axis, const ChartVariable& x, size_t row) {
-  if (axis.categorical) {
-    const uint32_t category = axis.categories.find(x, row);
-    return category == ValueIndex::kNone ? std::nullopt : std::optional<double>(category);
-  }
-  const double value = number_at(&x, row);
-  const bool shown = is_number(value) && value >= axis.range.low && value <= axis.range.high;
-  return shown ? std::optional(value) : std::nullopt;
 }
 
 }  // namespace
 
-HorizontalAxis horizontal_axis(const Binding& binding) {
-  HorizontalAxis axis;
-  for (const BoundElement& element : binding.elements) {
-    const ChartVariable* x = element[RoleKind::X];
-    if (x == nullptr || !is_positional(element.element->kind)) continue;
-    if (axis.variable == nullptr) {
-      axis.variable = x;
-      axis.categorical = x->categorical || holds_text(*x);
-    }
-    for (size_t row = 0; row < element.rows(); ++row) {
-      if (axis.categorical) {
-        axis.categories.add(*x, row, binding.numbers);
-      } else if (const double value = number_at(x, row); is_number(value)) {
-        axis.range.add(value);
-      }
-    }
-  }
-  axis.range = with_limits(axis.range, binding.graph.x);
-  axis.title = title_of(binding.graph.x, axis.variable);
-  return axis;
+Division divide(std::vector<BoundElement>& elements,
+                const Graph& graph,
+                const output::NumberStyle& style) {
+  return Paneling(graph, style).divide(elements);
 }
 
-VerticalAxis vertical_axis(const Binding& binding) {
-  VerticalAxis axis;
-  for (const BoundElement& element : binding.elements) {
-    const ChartVariable* y = element[RoleKind::Y];
-    if (y == nullptr || !is_positional(element.element->kind)) continue;
-    if (axis.variable == nullptr) axis.variable = y;
-    for (size_t row = 0; row < element.rows(); ++row) {
-      if (const double value = number_at(y, row); is_number(value)) axis.range.add(value);
+bool is_hidden(const LineGuide& guide, const Panel& panel) {
+  return std::ranges::any_of(guide.hidden.clauses(), [&](const auto& clause) {
+    const ChartVariable* variable =
+        panel.source == nullptr ? nullptr : panel.source->by_role(clause.name);
+    return variable != nullptr && !names_row(clause.value, variable->values, panel.at_row);
+  });
+}
+
+std::string shown_in_panel(const output::ChartSource& source,
+                           const Graph& graph,
+                           const ChartVariable& variable,
+                           size_t row,
+                           const output::NumberStyle& style) {
+  std::string text = shown_value(variable, row, style);
+  const bool is_text = variable.values.kind(row) == Kind::Text;
+  if (!is_text || variable.label_of(variable.values.text(row)) != nullptr) return text;
+  std::string panel;
+  for (const Facet& facet : graph.facets) {
+    const ChartVariable* of_facet = source.by_role(facet.variable);
+    if (of_facet != nullptr && of_facet->values.kind(row) == Kind::Text) {
+      panel += output::plain_text(of_facet->values.text(row));
     }
   }
-  for (const LineGuide& guide : binding.graph.guides) {
-    if (guide.y && axis.variable != nullptr) axis.range.add(*guide.y);
-  }
-  axis.range = with_limits(axis.range, binding.graph.y);
-  axis.title = title_of(binding.graph.y, axis.variable);
-  return axis;
-}
-
-bool colors_share_places(const Binding& binding, const HorizontalAxis& axis) {
-  std::map<std::pair<uint32_t, double>, uint32_t> color_of;
-  for (const BoundElement& element : binding.elements) {
-    if (!is_positional(element.element->kind) || element[RoleKind::X] == nullptr) continue;
-    for (size_t row = 0; row < element.rows(); ++row) {
-      const uint32_t color = binding.colors.of(element, RoleKind::Color, row);
-      const std::optional<double> place = place_on(axis, *element[RoleKind::X], row);
-      if (color == ValueIndex::kNone || !place) continue;
-      const auto [at, added] = color_of.try_emplace({element.panel_of(row), *place}, color);
-      if (at->second != color) return true;
-    }
-  }
-  return false;
-}
-
-TickLabels category_labels(
-    const HorizontalAxis& axis, size_t count, const Font& font, double band, double lead) {
-  const double line = font.line_height();
-  const auto every = static_cast<size_t>(std::max(1.0, std::ceil(line / std::max(band, 1e-3))));
-  TickLabels labels = all_labels(axis, count, band, every);
-  // Names that just touch still read better upright than turned.
-  for (const double gap : {kGap, kTightGap}) {
-    if (every == 1 && upright_labels(labels, font, band - gap)) return labels;
-  }
-  labels.lines = 1;
-  const bool slanted = band >= kSlantedBand;
-  labels.turn = slanted ? -45 : -90;
-  labels.room = kLongestTurned;
-  // A slanted name runs down to the left; the first must not run out of the picture.
-  if (slanted) labels.room = std::clamp((lead + band / 2) / kSlope, 40.0, kLongestTurned);
-  const double length = std::min(longest(labels, font), labels.room);
-  labels.height = slanted ? length * kSlope + font.size : length + 4;
-  return labels;
-}
-
-std::vector<TickLabel> number_labels(const Binding& binding,
-                                     const ChartVariable* variable,
-                                     const LinearScale& scale,
-                                     double length,
-                                     const Font& font,
-                                     bool upright) {
-  constexpr size_t kFewest = 3;
-  std::vector<TickLabel> labels;
-  int wanted = std::max(2, static_cast<int>(length / (upright ? 70 : 45)));
-  // Long steps may leave one number or two; shorter ones are tried as long as there is room.
-  for (int more = 0; more < 6 && ticks_of(scale.range(), wanted).values.size() < kFewest; ++more)
-    ++wanted;
-  for (; wanted > 0; --wanted) {
-    const Ticks ticks = ticks_of(scale.range(), wanted);
-    labels.clear();
-    for (const double value : ticks.values)
-      labels.push_back({scale.at(value), number_text(binding, variable, value, ticks.decimals)});
-    std::ranges::sort(labels, {}, &TickLabel::at);
-    if (clear(labels, font, upright)) break;
-  }
-  return labels;
+  if (text.size() > panel.size() && text.starts_with(panel)) text.erase(0, panel.size());
+  return text;
 }
 
 }  // namespace hierfit::report::chart

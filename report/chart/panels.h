@@ -1,62 +1,44 @@
-// The axes of panels: where values stand, how they are named, and how much room the names take.
+// The panels of a graph: what tells them apart, and which rows belong to which.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "report/chart/binding.h"
-#include "report/chart/pieces.h"
-#include "report/chart/scale.h"
+#include "report/chart/bound_element.h"
 
 namespace hierfit::report::chart {
 
-/// The values along x: categories side by side, or a scale of numbers.
-struct HorizontalAxis {
-  bool categorical = false;
-  ValueIndex categories;
-  Range range;
-  const ChartVariable* variable = nullptr;
-  std::string title;
+/// A panel: its place in the grid, and what tells it from the others.
+struct Panel {
+  uint32_t column = 0;
+  uint32_t row = 0;
+  std::vector<std::string> titles;
+  const ChartSource* source = nullptr;  ///< where its facets' values are found, at `at_row`
+  size_t at_row = 0;
 };
 
-struct VerticalAxis {
-  Range range;
-  const ChartVariable* variable = nullptr;
-  std::string title;
+/// The panels that the facets of a graph make.
+struct Division {
+  std::vector<Panel> panels;  ///< one at least
+  uint32_t left_out = 0;      ///< panels beyond the most that are drawn
+  bool single_facet = false;  ///< they may stand in any number of columns
 };
 
-HorizontalAxis horizontal_axis(const Binding& binding);
-VerticalAxis vertical_axis(const Binding& binding);
+/// Gives each row of the elements its panel by the values of the graph's facets.
+Division divide(std::vector<BoundElement>& elements,
+                const Graph& graph,
+                const output::NumberStyle& style);
 
-/// Whether one place along x of one panel holds marks of several colours.
-bool colors_share_places(const Binding& binding, const HorizontalAxis& axis);
+/// Whether a panel does without a guide: one of its facets has another value than the guide names.
+bool is_hidden(const LineGuide& guide, const Panel& panel);
 
-/// A name on an axis.
-struct TickLabel {
-  double at = 0;  ///< pixels from the start of the axis
-  std::string text;
-};
-
-/// The names along x, as they fit.
-struct TickLabels {
-  std::vector<TickLabel> labels;
-  double turn = 0;  ///< degrees; 0: upright, in lines
-  double room = 0;  ///< length of the longest that is let stand, or width of a line
-  size_t lines = 1;
-  double height = 0;
-};
-
-/// Names of the first `count` categories in bands of `band` pixels: in lines, else turned, else
-/// every n-th; `lead` is the room ahead of the axis.
-TickLabels category_labels(
-    const HorizontalAxis& axis, size_t count, const Font& font, double band, double lead);
-
-/// Numbers along an axis of `length` pixels that do not touch one another.
-std::vector<TickLabel> number_labels(const Binding& binding,
-                                     const ChartVariable* variable,
-                                     const LinearScale& scale,
-                                     double length,
-                                     const Font& font,
-                                     bool upright);
+/// What a row of a variable shows without what only repeats its panel: a key, not a label, tells
+/// panels apart by having the values of their facets ahead.
+std::string shown_in_panel(const output::ChartSource& source,
+                           const Graph& graph,
+                           const ChartVariable& variable,
+                           size_t row,
+                           const output::NumberStyle& style);
 
 }  // namespace hierfit::report::chart

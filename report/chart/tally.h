@@ -4,8 +4,8 @@
 #include <map>
 #include <vector>
 
-#include "report/chart/binding.h"
 #include "report/chart/scale.h"
+#include "report/chart/values.h"
 
 namespace hierfit::report::chart {
 

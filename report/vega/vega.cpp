@@ -1,8 +1,8 @@
 // The Vega-Lite form: each chart as JSON with its data, for notebooks and editors.
 #include <algorithm>
 
+#include "report/chart/axes.h"
 #include "report/chart/figure.h"
-#include "report/chart/panels.h"
 #include "report/chart_files.h"
 #include "report/outline.h"
 #include "report/vega/vega_looks.h"

@@ -84,15 +84,12 @@ class Looks {
   Json shape_channel() const {
     Json domain = Json::array();
     Json range = Json::array();
-    const chart::Role& role = *binding_.shapes.role;
     uint32_t step = 0;
     for (const chart::ValueIndex::Entry& entry : binding_.shapes.values.entries()) {
-      const size_t at = step++;
+      const Symbol symbol = binding_.symbol_of_shape(step++);
       if (!entry.occurs) continue;
       domain.push_back(clean(entry.shown));
-      const bool named = at < role.levels.size() && role.levels[at].symbol;
-      range.push_back(
-          kShapes[named ? static_cast<size_t>(*role.levels[at].symbol) : at % std::size(kShapes)]);
+      range.push_back(kShapes[static_cast<size_t>(symbol)]);
     }
     return {{"field", "shape"},
             {"type", "nominal"},

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "report/chart/axes.h"
 #include "report/chart/circle.h"
-#include "report/chart/panels.h"
 #include "report/chart/tally.h"
 #include "report/json/json_text.h"
 #include "report/outline.h"
