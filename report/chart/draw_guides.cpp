@@ -11,7 +11,7 @@ constexpr const char* kDash = "7 4";
 
 void put(std::vector<Mark>& marks, const PanelFrame& frame, Point from, Point to) {
   // Over many points it has to stand out from them.
-  Mark mark = rule_mark(from, to, {frame.crowded ? Part::Text : Part::Guide}, kWidth);
+  Mark mark = rule_mark(from, to, {frame.crowd.crowded ? Part::Text : Part::Guide}, kWidth);
   mark.dash = kDash;
   marks.push_back(std::move(mark));
 }
@@ -43,7 +43,7 @@ void draw_guides(std::vector<Mark>& marks, const PanelFrame& frame, uint32_t pan
       continue;
     }
     const double y = frame.y_scale().at(*guide.y);
-    if (frame.inside(y)) put(marks, frame, {0, y}, {frame.panel.width, y});
+    if (frame.inside(y)) put(marks, frame, {0, y}, {frame.grid.panel.width, y});
   }
 }
 

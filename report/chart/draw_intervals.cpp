@@ -26,21 +26,21 @@ Span span_of(const PanelFrame& frame, const BoundElement& element, MarkRows rows
   if (!std::isfinite(span.from)) span.from = span.to;
   if (!std::isfinite(span.to)) span.to = span.from;
   if (!std::isfinite(span.from)) return {HUGE_VAL, HUGE_VAL, HUGE_VAL};
-  span.from = std::clamp(span.from, 0.0, frame.panel.height);
-  span.to = std::clamp(span.to, 0.0, frame.panel.height);
+  span.from = std::clamp(span.from, 0.0, frame.grid.panel.height);
+  span.to = std::clamp(span.to, 0.0, frame.grid.panel.height);
   return span;
 }
 
 Mark whisker(const PanelFrame& frame, const BoundElement& element, size_t row, const Span& span) {
   const auto [x, from, to] = span;
-  const double cap = std::clamp(frame.slot * 0.3, 1.0, 7.0);
+  const double cap = std::clamp(frame.slots.slot * 0.3, 1.0, 7.0);
   return path_mark(
       {{x - cap, from}, {x + cap, from}, {x, from}, {x, to}, {x - cap, to}, {x + cap, to}},
-      frame.binding.paint_of(element, row), std::clamp(frame.slot * 0.3, 0.75, 1.75));
+      frame.binding.paint_of(element, row), std::clamp(frame.slots.slot * 0.3, 0.75, 1.75));
 }
 
 Mark bar(const PanelFrame& frame, const BoundElement& element, size_t row, const Span& span) {
-  const double width = std::clamp(frame.slot * 0.9, 3.0, kWidestBar);
+  const double width = std::clamp(frame.slots.slot * 0.9, 3.0, kWidestBar);
   const Paint paint = frame.binding.paint_of(element, row);
   Mark mark = rect_mark(
       {span.x - width / 2, std::min(span.from, span.to), width, std::fabs(span.to - span.from)},
@@ -64,8 +64,8 @@ void draw_joined(std::vector<Mark>& marks,
     if (!std::isfinite(x)) return;
     Mark& mark = by_color[frame.binding.colors.of(element, RoleKind::Color, rows.row)];
     if (mark.points.empty()) {
-      const double width = whiskers ? std::clamp(frame.slot * 0.35, 0.5, 1.5)
-                                    : std::clamp(frame.slot * 0.9, 0.75, kWidestBar);
+      const double width = whiskers ? std::clamp(frame.slots.slot * 0.35, 0.5, 1.5)
+                                    : std::clamp(frame.slots.slot * 0.9, 0.75, kWidestBar);
       mark = path_mark({}, frame.binding.paint_of(element, rows.row), width);
       if (!whiskers) mark.stroke_opacity = kBarOpacity;
     }

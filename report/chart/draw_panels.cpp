@@ -19,13 +19,12 @@ constexpr ElementType kElementTypes[] = {
 
 class Panels {
  public:
-  Panels(const Binding& binding, double width) : frame_(arrange_panels(binding, width)) {}
+  explicit Panels(const PanelFrame& frame) : frame_(frame) {}
 
   Piece draw() {
-    if (frame_.x.variable == nullptr || frame_.y.variable == nullptr) return {};
-    piece_.width = frame_.width;
-    piece_.notes = frame_.notes;
-    piece_.legend.colors = frame_.colors;
+    piece_.width = frame_.grid.width;
+    piece_.notes = frame_.limits.notes;
+    piece_.legend.colors = frame_.limits.colors;
     rasters_ = count_points(frame_);
     for (const DensityRaster& raster : rasters_)
       piece_.legend.densest = std::max(piece_.legend.densest, raster.most());
@@ -44,11 +43,11 @@ class Panels {
     const Box box = frame_.box_of_panel(index);
     std::vector<Mark> marks;
     draw_grid(marks);
-    if (!frame_.crowded) draw_guides(marks, frame_, index);
+    if (!frame_.crowd.crowded) draw_guides(marks, frame_, index);
     if (!rasters_.empty()) draw_density(marks, rasters_[index]);
     for (const BoundElement& element : frame_.binding.elements)
       draw_element(marks, element, index);
-    if (frame_.crowded) draw_guides(marks, frame_, index);
+    if (frame_.crowd.crowded) draw_guides(marks, frame_, index);
     draw_axes(marks, index);
     draw_panel_titles(marks, index);
     for (Mark& mark : marks) {
@@ -71,7 +70,7 @@ class Panels {
   }
 
   void draw_grid(std::vector<Mark>& marks) const {
-    const Box& panel = frame_.panel;
+    const Box& panel = frame_.grid.panel;
     marks.push_back(rect_mark({0, 0, panel.width, panel.height}, {Part::Panel}));
     for (const TickLabel& label : frame_.y_labels)
       marks.push_back(rule_mark({0, label.at}, {panel.width, label.at}, {Part::Grid}));
@@ -86,13 +85,13 @@ class Panels {
   }
 
   void draw_axes(std::vector<Mark>& marks, uint32_t index) const {
-    const double bottom = frame_.panel.height;
+    const double bottom = frame_.grid.panel.height;
     if (graph().y.visible) {
       marks.push_back(rule_mark({0, 0}, {0, bottom}, kAxis));
-      if (frame_.is_leftmost(index)) draw_y_labels(marks);
+      if (frame_.column_of(index) == 0) draw_y_labels(marks);
     }
     if (!graph().x.visible) return;
-    marks.push_back(rule_mark({0, bottom}, {frame_.panel.width, bottom}, kAxis));
+    marks.push_back(rule_mark({0, bottom}, {frame_.grid.panel.width, bottom}, kAxis));
     if (frame_.is_lowest(index)) draw_x_labels(marks);
   }
 
@@ -107,7 +106,7 @@ class Panels {
   void draw_x_labels(std::vector<Mark>& marks) const {
     const Font& font = frame_.font(Lettering::AxisLabel);
     const TickLabels& labels = frame_.x_labels;
-    const double bottom = frame_.panel.height;
+    const double bottom = frame_.grid.panel.height;
     const double top = bottom + kTick + 2;
     for (const TickLabel& label : labels.labels) {
       marks.push_back(rule_mark({label.at, bottom}, {label.at, bottom + kTick}, kAxis));
@@ -142,7 +141,7 @@ class Panels {
       lines += static_cast<double>(title.lines.size());
     double y = -4 - lines * font.line_height();
     for (size_t i = 0; i < titles.size(); ++i) {
-      y = put_lines(marks, titles[i], frame_.panel.width / 2, y, font, Anchor::Middle,
+      y = put_lines(marks, titles[i], frame_.grid.panel.width / 2, y, font, Anchor::Middle,
                     panel.titles[i]);
     }
   }
@@ -152,10 +151,10 @@ class Panels {
     const Font& font = frame_.font(Lettering::AxisTitle);
     const double middle = (frame_.title_height() + piece_.height) / 2;
     double x = font.size;
-    for (const std::string& line : frame_.y_title.lines) {
+    for (const std::string& line : frame_.grid.y_title.lines) {
       Mark mark = text_mark({x, middle}, line, font, Anchor::Middle);
       mark.turn = -90;
-      if (frame_.y_title.cut) mark.tooltip = frame_.y.title;
+      if (frame_.grid.y_title.cut) mark.tooltip = frame_.y.title;
       piece_.marks.push_back(std::move(mark));
       x += font.line_height();
     }
@@ -166,21 +165,24 @@ class Panels {
     if (graph().x.visible) y += kTick + 4 + frame_.x_labels.height;
     if (!frame_.x.title.empty() && graph().x.visible) {
       const Font& font = frame_.font(Lettering::AxisTitle);
-      const double width = frame_.columns * (frame_.panel.width + kPanelGap) - kPanelGap;
+      const double width = frame_.grid.columns * (frame_.grid.panel.width + kPanelGap) - kPanelGap;
       const TextLines lines = fit_text(frame_.x.title, font, width, 2);
-      y = put_lines(piece_.marks, lines, frame_.panel.x + width / 2, y + 4, font, Anchor::Middle,
-                    frame_.x.title);
+      y = put_lines(piece_.marks, lines, frame_.grid.panel.x + width / 2, y + 4, font,
+                    Anchor::Middle, frame_.x.title);
     }
     piece_.height = y + 4;
   }
 
-  PanelFrame frame_;
+  const PanelFrame& frame_;
   std::vector<DensityRaster> rasters_;  ///< by panel; none where the points are marks
   Piece piece_;
 };
 
 }  // namespace
 
-Piece draw_panels(const Binding& binding, double width) { return Panels(binding, width).draw(); }
+Piece draw_panels(const Binding& binding, double width) {
+  const std::optional<PanelFrame> frame = arrange_panels(binding, width);
+  return frame ? Panels(*frame).draw() : Piece();
+}
 
 }  // namespace hierfit::report::chart

@@ -13,8 +13,8 @@ constexpr double kSmallest = 0.9;
 
 double radius_of(const PanelFrame& frame, size_t points) {
   const double radius = points <= 200 ? 4.5 : points <= 1000 ? 3.5 : points <= 5000 ? 2.5 : 1.6;
-  if (frame.scatter) return radius;
-  return std::clamp(frame.slot * kWidestShare, kSmallest, radius);
+  if (frame.crowd.scatter) return radius;
+  return std::clamp(frame.slots.slot * kWidestShare, kSmallest, radius);
 }
 
 void draw_symbols(std::vector<Mark>& marks,
@@ -71,15 +71,15 @@ void draw_points(std::vector<Mark>& marks,
                  const PanelFrame& frame,
                  const BoundElement& element,
                  uint32_t panel) {
-  if (frame.dense) return;
-  const bool many = frame.joined || frame.crowded;
+  if (frame.crowd.dense) return;
+  const bool many = frame.joined || frame.crowd.crowded;
   many ? draw_dots(marks, frame, element, panel) : draw_symbols(marks, frame, element, panel);
 }
 
 std::vector<DensityRaster> count_points(const PanelFrame& frame) {
-  if (!frame.dense) return {};
-  std::vector<DensityRaster> rasters(frame.binding.panels.size(),
-                                     DensityRaster(frame.panel.width, frame.panel.height));
+  if (!frame.crowd.dense) return {};
+  std::vector<DensityRaster> rasters(
+      frame.binding.panels.size(), DensityRaster(frame.grid.panel.width, frame.grid.panel.height));
   for (const BoundElement& element : frame.binding.elements) {
     if (element.element->kind != ElementKind::Point) continue;
     for (size_t row = 0; row < element.rows(); ++row) {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,31 +20,52 @@ inline constexpr double kLongestNumber = 116;  ///< along y
 /// Marks of their own, with tooltips; those of one colour are one mark beyond.
 inline constexpr size_t kMostSingleMarks = 1000;
 
-/// How panels with common axes share the room, and what is left out where it does not suffice.
+/// How panels share the width.
+struct Grid {
+  double width = 0;  ///< of all panels with their axes
+  uint32_t columns = 1;
+  uint32_t rows = 1;
+  Box panel;  ///< the first one, ahead of its titles
+  TextLines y_title;
+};
+
+/// Whether points are too many to be drawn as marks that say what they are.
+struct Crowd {
+  bool scatter = false;  ///< points stand for themselves, not for what an interval is about
+  bool crowded = false;  ///< they are too many to say what they are
+  bool dense = false;    ///< they are too many to be marks at all
+};
+
+/// What is shown; the rest is too much to be told apart.
+struct Limits {
+  size_t categories = 1;  ///< along x
+  size_t colors = 1;
+  bool beside = false;             ///< colours stand side by side
+  size_t slots = 1;                ///< for colours in one place
+  size_t most_rows = SIZE_MAX;     ///< of an element
+  std::vector<std::string> notes;  ///< what is not shown
+};
+
+/// The room of places along x, in pixels.
+struct Slots {
+  double inset = kInset;  ///< free of places at both ends
+  double band = 0;        ///< room of a place
+  double slot = 0;        ///< room of a colour within it
+};
+
+/// Panels with common axes, and what is left out where their room does not suffice.
 struct PanelFrame {
   const Binding& binding;
   HorizontalAxis x;
   VerticalAxis y;
-  double width = 0;  ///< of all panels with their axes
-  uint32_t columns = 1;
-  uint32_t rows = 1;
-  Box panel;               ///< the first one, ahead of its titles
+  Grid grid;
+  Crowd crowd;
+  Limits limits;
+  Slots slots;
   size_t title_lines = 0;  ///< above each panel
-  TextLines y_title;
   std::vector<TickLabel> y_labels;
   TickLabels x_labels;
-  double inset = kInset;        ///< free of places at both ends of x
-  size_t categories = 0;        ///< along x, that are shown
-  size_t colors = 0;            ///< that are shown
-  size_t slots = 1;             ///< colours side by side in one place
-  double band = 0;              ///< room of a place along x, in pixels
-  double slot = 0;              ///< room of a colour within it
-  size_t most_rows = SIZE_MAX;  ///< of an element, that are shown
-  bool scatter = false;         ///< points stand for themselves, not for what an interval is about
-  bool joined = false;          ///< the marks are too many to be told apart one by one
-  bool crowded = false;         ///< the points are too many to say what they are
-  bool dense = false;           ///< the points are too many to be marks at all
-  std::vector<std::string> notes;  ///< what is not shown
+  bool joined = false;  ///< the marks are too many to be told apart one by one
 
   const Font& font(Lettering lettering) const { return binding.font(lettering); }
 
@@ -51,7 +73,7 @@ struct PanelFrame {
   LinearScale y_scale() const;
   double title_height() const;
   std::vector<TextLines> titles_of(const Panel& of) const;
-  bool is_leftmost(uint32_t index) const;
+  uint32_t column_of(uint32_t index) const;
   /// Whether no other panel stands below, so that this one shows the names along x.
   bool is_lowest(uint32_t index) const;
   /// The place of a panel without its titles.
@@ -61,7 +83,7 @@ struct PanelFrame {
   double x_at(const BoundElement& element, size_t row) const;
   /// The same from the top.
   double y_at(const BoundElement& element, size_t row) const;
-  bool inside(double y_pixel) const { return y_pixel >= -1 && y_pixel <= panel.height + 1; }
+  bool inside(double y_pixel) const { return y_pixel >= -1 && y_pixel <= grid.panel.height + 1; }
 
   /// Calls `draw` with the rows of each mark of the panel.
   template <class Draw>
@@ -69,15 +91,12 @@ struct PanelFrame {
     const auto draw_in = [&](MarkRows mark) {
       if (element.in_panel(mark.row, index)) draw(mark);
     };
-    element.each_mark(draw_in, most_rows);
+    element.each_mark(draw_in, limits.most_rows);
   }
-
-  /// The pixel of a row's place along x, which its colours share.
-  double place_along_x(const BoundElement& element, size_t row) const;
 };
 
-/// Shares out `width`. Nothing is to be drawn where an axis has no variable.
-PanelFrame arrange_panels(const Binding& binding, double width);
+/// Shares out `width`. None where an axis has no variable: nothing is to be drawn.
+std::optional<PanelFrame> arrange_panels(const Binding& binding, double width);
 
 /// Elements of a panel, from its upper left corner.
 void draw_points(std::vector<Mark>& marks,
