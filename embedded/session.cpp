@@ -6,7 +6,6 @@
 #include "embedded/files/paths.h"
 #include "embedded/pmml/model_document.h"
 #include "embedded/session_state.h"
-#include "embedded/strings/language.h"
 
 namespace hierfit {
 namespace {
@@ -20,8 +19,8 @@ output::Document empty_document(const Inputs& inputs) {
   output::Document document;
   const bool has_catalogue = inputs.strings.language() != "C";
   document.language = has_catalogue ? inputs.language : kLanguageOfKeys;
-  document.right_to_left = is_right_to_left(document.language);
-  document.numbers = inputs.strings.numbers();
+  document.right_to_left = inputs.strings.marks().right_to_left;
+  document.numbers = inputs.strings.marks().numbers;
   document.title = inputs.strings.text(kReportTitle);
   for (const std::string_view key : inputs.words) {
     document.words.emplace(key, inputs.strings.text(key));

@@ -48,6 +48,14 @@ FIXED_LIST_FORM = "Continuous predictors fixed at [%1=%2:,^1=^2:]1"
 # A chart fills the places of this text from left to right.
 PLACES_IN_ORDER = "Probability Distribution ^1, Link Function ^2 ..."
 
+# How the language writes: fields of the header and their values.
+MARKS = {
+    "X-Decimal-Mark": r"\S",
+    "X-Decimal-Point-In": r"|[A-Z]{2}( [A-Z]{2})*",
+    "X-Percent-Space": r"none|no-break|narrow",
+    "X-Direction": r"left-to-right|right-to-left",
+}
+
 LIST_FORM = re.compile(r"\[((?:[^\\\[\]:]|\\.)*):((?:[^\\\[\]:]|\\.)*):\]([1-9])", re.DOTALL)
 PLACE = re.compile(r"\\.|\^([1-9])", re.DOTALL)
 ESCAPE = re.compile(r"\\(.?)", re.DOTALL)
@@ -156,12 +164,16 @@ def shown(places):
 
 
 def check_header(path, header):
-    """The header names UTF-8 and the language that the file is named after."""
+    """The header names UTF-8, the language that the file is named after, and its marks."""
     if "charset=UTF-8" not in header.text:
         yield header.line, "the header does not say charset=UTF-8"
     language = re.search(r"^Language: (\S+)$", header.text, re.MULTILINE)
     if not language or language[1].replace("_", "-") != path.stem.replace("_", "-"):
         yield header.line, f'the header does not say "Language: {path.stem}"'
+    for name, value in MARKS.items():
+        field = re.search(rf"^{name}: (.*)$", header.text, re.MULTILINE)
+        if not re.fullmatch(value, field[1] if field else ""):
+            yield header.line, f"the header does not state {name} as docs/strings.md tells"
 
 
 def check_entries(entries, english, is_english):

@@ -29,7 +29,7 @@ output::Number number_of(const DataValueText& part) {
 }
 
 output::Text number_text(const output::Number& number, const Wording& wording) {
-  output::Text text{output::shown(number, wording.strings.numbers()), {}};
+  output::Text text{output::shown(number, wording.strings.marks().numbers), {}};
   text.numbers.push_back({0, static_cast<uint32_t>(text.shown.size()), number});
   return text;
 }

@@ -6,28 +6,13 @@
 namespace hierfit {
 namespace {
 
-constexpr std::string_view kRightToLeft[] = {"ar", "dv", "fa", "he", "ps", "ur", "yi"};
-
-constexpr std::string_view kDecimalComma[] = {
-    "af", "be", "bg", "ca", "cs", "da", "de", "el", "es", "et", "eu", "fi", "fr", "gl",
-    "hr", "hu", "hy", "id", "is", "it", "ka", "kk", "lt", "lv", "mk", "nb", "nl", "nn",
-    "no", "pl", "pt", "ro", "ru", "sk", "sl", "sq", "sr", "sv", "tr", "uk", "vi"};
-
-/// Regions that write a point where their language has a comma.
-constexpr std::string_view kDecimalPoint[] = {"de-CH", "de-LI", "es-DO", "es-GT", "es-HN",
-                                              "es-MX", "es-NI", "es-PA", "es-PE", "es-PR",
-                                              "es-SV", "es-US", "it-CH"};
-
-/// Languages that set a no-break space ahead of the percent sign, and French its narrow one.
-constexpr std::string_view kSpacedPercent[] = {"cs", "da", "de", "es", "fi", "hr", "nb", "nn",
-                                               "no", "pl", "ro", "ru", "sk", "sl", "sv", "uk"};
-constexpr const char* kNoBreakPercent = "\u00A0%";
-constexpr const char* kNarrowPercent = "\u202F%";
-
-template <size_t Size>
-bool holds(const std::string_view (&tags)[Size], std::string_view tag) {
-  return std::ranges::find(tags, tag) != std::end(tags);
-}
+/// The spaces ahead of a percent sign by their names in a header.
+struct PercentSign {
+  std::string_view space;
+  const char* sign;
+};
+constexpr PercentSign kPercentSigns[] = {
+    {"none", "%"}, {"no-break", "\u00A0%"}, {"narrow", "\u202F%"}};
 
 /// Tags without a script, and the tag of the language in the script that they mean.
 struct ScriptOfTag {
@@ -39,18 +24,39 @@ constexpr ScriptOfTag kScriptOfTag[] = {
     {"zh-TW", "zh-Hant"}, {"zh-HK", "zh-Hant"}, {"zh-MO", "zh-Hant"},
 };
 
-std::string_view head(std::string_view tag) { return tag.substr(0, tag.find('-')); }
+/// The value of a field of a header; empty when the header lacks it.
+std::string_view field_of(std::string_view header, std::string_view name) {
+  while (!header.empty()) {
+    std::string_view line = header.substr(0, header.find('\n'));
+    header.remove_prefix(std::min(line.size() + 1, header.size()));
+    if (!line.starts_with(name) || !line.substr(name.size()).starts_with(": ")) continue;
+    return line.substr(name.size() + 2);
+  }
+  return {};
+}
+
+/// Whether one of the words is a subtag of the tag.
+bool names_part_of(std::string_view words, const std::string& tag) {
+  while (!words.empty()) {
+    const std::string word(words.substr(0, words.find(' ')));
+    words.remove_prefix(std::min(word.size() + 1, words.size()));
+    if ((tag + "-").find("-" + word + "-") != std::string::npos) return true;
+  }
+  return false;
+}
 
 }  // namespace
 
-bool is_right_to_left(std::string_view tag) { return holds(kRightToLeft, head(tag)); }
-
-output::NumberStyle number_style(std::string_view tag) {
-  output::NumberStyle style;
-  if (holds(kDecimalComma, head(tag)) && !holds(kDecimalPoint, tag)) style.decimal_mark = ",";
-  if (holds(kSpacedPercent, head(tag))) style.percent = kNoBreakPercent;
-  if (head(tag) == "fr") style.percent = kNarrowPercent;
-  return style;
+LanguageMarks marks_of(std::string_view header, std::string_view tag) {
+  LanguageMarks marks;
+  const std::string_view decimal_mark = field_of(header, "X-Decimal-Mark");
+  const bool has_point = names_part_of(field_of(header, "X-Decimal-Point-In"), std::string(tag));
+  if (!decimal_mark.empty() && !has_point) marks.numbers.decimal_mark = decimal_mark;
+  const auto* percent =
+      std::ranges::find(kPercentSigns, field_of(header, "X-Percent-Space"), &PercentSign::space);
+  if (percent != std::end(kPercentSigns)) marks.numbers.percent = percent->sign;
+  marks.right_to_left = field_of(header, "X-Direction") == "right-to-left";
+  return marks;
 }
 
 std::string canonical_tag(std::string_view text) {

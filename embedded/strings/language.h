@@ -1,4 +1,4 @@
-// What a language tag says beyond the words.
+// What a language's tag and the header of its catalogue say beyond the words.
 #pragma once
 
 #include <string>
@@ -9,11 +9,15 @@
 
 namespace hierfit {
 
-/// Whether the language is written from right to left.
-bool is_right_to_left(std::string_view tag);
+/// How a language writes.
+struct LanguageMarks {
+  output::NumberStyle numbers;
+  bool right_to_left = false;
+};
 
-/// The marks of the language's numbers.
-output::NumberStyle number_style(std::string_view tag);
+/// The marks that a catalogue's header states, for the language of a tag: some regions write a
+/// point where their language has a comma. What the header lacks is as in English.
+LanguageMarks marks_of(std::string_view header, std::string_view tag);
 
 /// A tag in the case and with the hyphens of BCP 47: "pt_br" is "pt-BR", "ZH-hans" is "zh-Hans".
 /// "C" stays "C".

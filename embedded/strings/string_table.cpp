@@ -10,7 +10,6 @@
 
 #include "embedded/error.h"
 #include "embedded/files/whole_file.h"
-#include "embedded/strings/language.h"
 
 namespace hierfit {
 namespace {
@@ -59,7 +58,7 @@ struct KeyHash {
 
 struct StringTable::Impl {
   std::string language{kKeysAsTheyStand};
-  output::NumberStyle numbers;
+  LanguageMarks marks;
   std::locale catalogue;  ///< owns the facet
   const Facet* facet = nullptr;
   /// Keys that were asked for, with their texts; null for those that the catalogue does not hold.
@@ -68,6 +67,12 @@ struct StringTable::Impl {
   void open(const std::string& file) {
     catalogue = open_catalogue(file);
     facet = &std::use_facet<Facet>(catalogue);
+  }
+
+  /// The header of a catalogue is the text of the empty key.
+  void read_marks(std::string_view tag) {
+    const char* header = facet->get(0, nullptr, "");
+    if (header != nullptr) marks = marks_of(header, tag);
   }
 
   const char* find(std::string_view key) {
@@ -87,13 +92,14 @@ StringTable::StringTable(const std::string& directory, std::string_view language
   impl_->language = catalogue_tag(directory, language);
   if (impl_->language == kKeysAsTheyStand) return;
   impl_->open(directory + "/" + impl_->language + ".mo");
-  impl_->numbers = number_style(language);
+  impl_->read_marks(language);
 }
 
 StringTable::StringTable(const std::string& file) : StringTable() {
   if (!std::filesystem::exists(file)) return;
   impl_->language = std::filesystem::path(file).stem().string();
   impl_->open(file);
+  impl_->read_marks(impl_->language);
 }
 
 StringTable::~StringTable() = default;
@@ -107,7 +113,7 @@ std::string_view StringTable::text(std::string_view key) const {
 
 bool StringTable::holds(std::string_view key) const { return impl_->find(key) != nullptr; }
 
-const output::NumberStyle& StringTable::numbers() const { return impl_->numbers; }
+const LanguageMarks& StringTable::marks() const { return impl_->marks; }
 
 const std::string& StringTable::language() const { return impl_->language; }
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "output/number_format.h"
+#include "embedded/strings/language.h"
 
 namespace hierfit {
 
@@ -29,8 +29,8 @@ class StringTable {
   std::string_view text(std::string_view key) const;
   /// Whether the catalogue holds the key.
   bool holds(std::string_view key) const;
-  /// The marks of the language's numbers.
-  const output::NumberStyle& numbers() const;
+  /// The marks that the catalogue states for the language.
+  const LanguageMarks& marks() const;
   /// The tag of the catalogue that is in use: "pt" when "pt-BR" was asked for and only "pt" is
   /// there; "C" for an empty table.
   const std::string& language() const;

@@ -168,15 +168,31 @@ TEST_CASE("the language chooses the marks of the document") {
   CHECK(document("en-GB").language == "en-GB");
   // Without a catalogue the texts are English, and so is the document.
   CHECK(document("C").language == "en");
+  struct Row {
+    const char* language;
+    const char* decimal_mark;
+    const char* percent;
+  };
+  const Row rows[] = {{"en", ".", "%"},          {"de-AT", ",", "\u00A0%"},
+                      {"de-CH", ".", "\u00A0%"}, {"es-MX", ".", "\u00A0%"},
+                      {"es", ",", "\u00A0%"},    {"fr-CA", ",", "\u202F%"},
+                      {"pt-BR", ",", "%"},       {"C", ".", "%"}};
+  for (const auto& [language, decimal_mark, percent] : rows) {
+    CAPTURE(language);
+    CHECK(document(language).numbers.decimal_mark == decimal_mark);
+    CHECK(document(language).numbers.percent == percent);
+    CHECK_FALSE(document(language).right_to_left);
+  }
+  const LanguageMarks arabic =
+      marks_of("Language: ar\nX-Decimal-Mark: \u066B\nX-Direction: right-to-left\n", "ar-EG");
+  CHECK(arabic.numbers.decimal_mark == "\u066B");
+  CHECK(arabic.numbers.percent == "%");
+  CHECK(arabic.right_to_left);
+}
 
-  CHECK(number_style("de-AT").decimal_mark == ",");
-  CHECK(number_style("de-CH").decimal_mark == ".");
-  CHECK(number_style("es-MX").decimal_mark == ".");
-  CHECK(number_style("fr-CA").percent == "\u202F%");
+TEST_CASE("a tag names its catalogues") {
   CHECK(canonical_tag("pt_br") == "pt-BR");
   CHECK(canonical_tag("ZH_hANS-cn") == "zh-Hans-CN");
   CHECK(serving_tags("zh-CN") == std::vector<std::string>{"zh-CN", "zh-Hans", "zh"});
   CHECK(serving_tags("zh-Hant-HK") == std::vector<std::string>{"zh-Hant-HK", "zh-Hant", "zh"});
-  CHECK(is_right_to_left("ar-EG"));
-  CHECK_FALSE(is_right_to_left("art"));
 }
