@@ -1,8 +1,8 @@
 #include "report/outline.h"
 
 #include <array>
-#include <utf8proc.h>
 
+#include "output/utf8.h"
 #include "report/wording.h"
 
 namespace hierfit::report {
@@ -41,7 +41,7 @@ class Outline {
 };
 
 /// Whether files of markup take the character: those of XML, less the controls of Latin-1.
-bool is_plain(int32_t code) {
+bool is_plain(char32_t code) {
   if (code < 0x20) return code == '\n';
   return code < 0x7F || (code >= 0xA0 && code != 0xFFFE && code != 0xFFFF);
 }
@@ -73,19 +73,14 @@ std::string report_title(const Document& document) {
 std::string clean(std::string_view text) {
   std::string cleaned;
   cleaned.reserve(text.size());
-  while (!text.empty()) {
-    utf8proc_int32_t code = 0;
-    const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
-                                         static_cast<utf8proc_ssize_t>(text.size()), &code);
-    const size_t bytes = length < 1 ? 1 : static_cast<size_t>(length);
-    if (length >= 1 && code == '\t') {
+  for (const utf8::Character& each : utf8::Characters(text)) {
+    if (each.code == '\t') {
       cleaned += ' ';
-    } else if (length < 1 || !is_plain(code)) {
+    } else if (!each.valid || !is_plain(each.code)) {
       cleaned += "\uFFFD";
     } else {
-      cleaned.append(text.substr(0, bytes));
+      cleaned += each.bytes;
     }
-    text.remove_prefix(bytes);
   }
   return cleaned;
 }

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utf8proc.h>
 
+#include "output/utf8.h"
 #include "report/chart/advance_widths.h"
 
 namespace hierfit::report::chart {
@@ -36,20 +37,11 @@ struct Step {
 
 /// What stands at `at`; a byte that begins no character counts as one.
 Step step_at(std::string_view text, size_t at, const Font& font) {
-  utf8proc_int32_t code = 0;
-  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data()) + at;
-  const auto length =
-      utf8proc_iterate(bytes, static_cast<utf8proc_ssize_t>(text.size() - at), &code);
-  if (length <= 0) return {1, kOtherWidth * font.size, false, false, false};
-  return {static_cast<size_t>(length), em_width(static_cast<uint32_t>(code), font.bold) * font.size,
-          code == ' ', utf8proc_charwidth(code) == 2, code == '*' || code == '/'};
-}
-
-std::string_view whole_characters(std::string_view text, size_t most_bytes) {
-  if (text.size() <= most_bytes) return text;
-  while (most_bytes > 0 && (static_cast<unsigned char>(text[most_bytes]) & 0xC0) == 0x80)
-    --most_bytes;
-  return text.substr(0, most_bytes);
+  const utf8::Character next = utf8::first_character(text.substr(at));
+  const char32_t code = next.code;
+  if (!next.valid) return {1, kOtherWidth * font.size, false, false, false};
+  return {next.bytes.size(), em_width(code, font.bold) * font.size, code == ' ',
+          utf8proc_charwidth(static_cast<utf8proc_int32_t>(code)) == 2, code == '*' || code == '/'};
 }
 
 /// Where the line that begins at `begin` ends, and where the next begins.
@@ -98,7 +90,7 @@ std::string with_ellipsis(std::string_view line, const Font& font, double width)
 }  // namespace
 
 double text_width(std::string_view line, const Font& font) {
-  line = whole_characters(line, kMostBytes);
+  line = utf8::first_bytes(line, kMostBytes);
   double width = 0;
   for (size_t at = 0; at < line.size();) {
     const Step step = step_at(line, at, font);
@@ -116,7 +108,7 @@ double TextLines::width(const Font& font) const {
 }
 
 std::string fit_line(std::string_view text, const Font& font, double width, bool* cut) {
-  std::string line(whole_characters(text, kMostBytes));
+  std::string line(utf8::first_bytes(text, kMostBytes));
   std::ranges::replace(line, '\n', ' ');
   if (line.size() == text.size() && text_width(line, font) <= width) return line;
   if (cut != nullptr) *cut = true;
@@ -125,7 +117,7 @@ std::string fit_line(std::string_view text, const Font& font, double width, bool
 
 TextLines fit_text(std::string_view text, const Font& font, double width, size_t most_lines) {
   TextLines fitted;
-  text = whole_characters(text, kMostBytes);
+  text = utf8::first_bytes(text, kMostBytes);
   for (size_t begin = 0; begin < text.size() && fitted.lines.size() < most_lines;) {
     const Break found = next_break(text, begin, font, width);
     const std::string_view line = text.substr(begin, found.end - begin);
@@ -137,7 +129,7 @@ TextLines fit_text(std::string_view text, const Font& font, double width, size_t
 }
 
 double widest_word(std::string_view text, const Font& font) {
-  text = whole_characters(text, kMostBytes);
+  text = utf8::first_bytes(text, kMostBytes);
   double widest = 0;
   double word = 0;
   for (size_t at = 0; at < text.size();) {

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utf8proc.h>
 
+#include "output/utf8.h"
 #include "report/outline.h"
 
 namespace hierfit::report::docx {
@@ -11,14 +12,11 @@ namespace {
 
 /// Whether a text is of a script that runs from right to left, which programs want to be told.
 bool runs_leftward(std::string_view text) {
-  while (!text.empty()) {
-    utf8proc_int32_t code = 0;
-    const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
-                                         static_cast<utf8proc_ssize_t>(text.size()), &code);
-    if (length < 1) return false;
+  for (const utf8::Character& each : utf8::Characters(text)) {
+    if (!each.valid) return false;
+    const auto code = static_cast<utf8proc_int32_t>(each.code);
     const auto direction = utf8proc_get_property(code)->bidi_class;
     if (direction == UTF8PROC_BIDI_CLASS_R || direction == UTF8PROC_BIDI_CLASS_AL) return true;
-    text.remove_prefix(static_cast<size_t>(length));
   }
   return false;
 }

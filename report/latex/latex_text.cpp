@@ -1,10 +1,10 @@
 #include "report/latex/latex_text.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <utf8proc.h>
 
+#include "output/utf8.h"
 #include "report/outline.h"
 #include "report/text/display_text.h"
 
@@ -149,14 +149,9 @@ std::string hexadecimal(char32_t character) {
 
 std::string TextWriter::escaped(std::string_view text, std::string_view line_break) {
   const std::string plain = composed(clean(text::printable(text)));
-  std::string_view rest = plain;
   std::string written;
-  for (char32_t before = 0; !rest.empty();) {
-    utf8proc_int32_t code = 0;
-    const auto length =
-        static_cast<size_t>(utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(rest.data()),
-                                             static_cast<utf8proc_ssize_t>(rest.size()), &code));
-    const auto character = static_cast<char32_t>(code);
+  char32_t before = 0;
+  for (const auto& [character, bytes, valid] : utf8::Characters(plain)) {
     if (character == '\n') {
       written += line_break;
     } else if (const Replacement* replacement = replacement_of(character)) {
@@ -164,11 +159,10 @@ std::string TextWriter::escaped(std::string_view text, std::string_view line_bre
     } else {
       // An asterisk at the start of a row would belong to the end of the row ahead of it.
       if (joins(before, character) || (before == 0 && character == '*')) written += "{}";
-      written += rest.substr(0, length);
+      written += bytes;
       if (character >= 0x80) others_.insert(character);
     }
     before = character;
-    rest.remove_prefix(length);
   }
   return written;
 }
@@ -184,14 +178,8 @@ std::string TextWriter::declarations() const {
       "\\newcommand*{\\declarecharacter}[2]{\\ifcsname u8:\\detokenize{#1}\\endcsname\\else"
       "\\DeclareUnicodeCharacter{#2}{\\nocharacter}\\fi}\n";
   for (const char32_t character : others_) {
-    std::array<utf8proc_uint8_t, 4> bytes;
-    const auto length =
-        utf8proc_encode_char(static_cast<utf8proc_int32_t>(character), bytes.data());
-    const std::string code = hexadecimal(character);
-    ((written += "\\declarecharacter{")
-         .append(reinterpret_cast<const char*>(bytes.data()), static_cast<size_t>(length)) +=
-     "}{") += code;
-    written += "}\n";
+    utf8::append(written += "\\declarecharacter{", character);
+    ((written += "}{") += hexadecimal(character)) += "}\n";
   }
   return written += "\\fi\n";
 }

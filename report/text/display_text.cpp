@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <utf8proc.h>
 
+#include "output/utf8.h"
+
 namespace hierfit::report::text {
 
 namespace {
@@ -23,12 +25,11 @@ struct Character {
 Character first_character(std::string_view text) {
   const auto byte = static_cast<unsigned char>(text[0]);
   if (byte < 0x80) return {.code = byte, .bytes = 1, .width = byte < 0x20 ? 0U : 1U};
-  utf8proc_int32_t code = 0;
-  const auto bytes = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
-                                      static_cast<utf8proc_ssize_t>(text.size()), &code);
-  if (bytes < 1) return {};
+  const utf8::Character first = utf8::first_character(text);
+  if (!first.valid) return {};
+  const auto code = static_cast<int32_t>(first.code);
   return {.code = code,
-          .bytes = static_cast<size_t>(bytes),
+          .bytes = first.bytes.size(),
           .width = static_cast<size_t>(std::max(0, utf8proc_charwidth(code)))};
 }
 

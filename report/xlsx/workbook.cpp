@@ -5,6 +5,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include "output/utf8.h"
+
 namespace hierfit::report::xlsx {
 namespace {
 
@@ -21,11 +23,6 @@ constexpr uint8_t kRules[] = {LXW_BORDER_NONE, LXW_BORDER_HAIR, LXW_BORDER_THIN,
 
 void require(lxw_error error) {
   if (error != LXW_NO_ERROR) fail(lxw_strerror(error));
-}
-
-size_t character_bytes(char lead) {
-  const auto byte = static_cast<unsigned char>(lead);
-  return byte < 0x80 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
 }
 
 /// What the file reads back as it was written, whatever its size.
@@ -106,14 +103,7 @@ std::string Workbook::take() {
 }
 
 std::string first_units(std::string_view text, size_t units) {
-  size_t used = 0;
-  for (size_t at = 0; at < text.size();) {
-    const size_t bytes = character_bytes(text[at]);
-    used += bytes == 4 ? 2 : 1;
-    if (used > units) return std::string(text.substr(0, at));
-    at += bytes;
-  }
-  return std::string(text);
+  return std::string(utf8::first_units(text, units));
 }
 
 void write_runs(Workbook& workbook,
