@@ -17,6 +17,13 @@ struct Location {
   std::string text() const;
 };
 
+/// Why a document could not be read, and where in it.
+struct ReadFailure {
+  std::string sentence;
+  uint32_t line = 0;    ///< 0 when the place is unknown
+  uint32_t column = 0;  ///< 0 when only the line is known
+};
+
 /// A failure with its place. `what()` is the sentence without the place.
 class Error : public std::runtime_error {
  public:

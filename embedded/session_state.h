@@ -11,6 +11,7 @@
 
 #include "embedded/dictionary/data_dictionary.h"
 #include "embedded/editor/editor.h"
+#include "embedded/error.h"
 #include "embedded/journal/journal.h"
 #include "embedded/pivot/heading.h"
 #include "embedded/session.h"
@@ -18,14 +19,6 @@
 #include "output/document.h"
 
 namespace hierfit {
-
-/// What went wrong last while a document was read; an empty sentence when nothing did.
-struct ReadFailure {
-  std::string sentence;
-  uint32_t line = 0;
-  uint32_t column = 0;      ///< 0 when only the line is known
-  bool well_formed = true;  ///< false: the parser refused the text
-};
 
 /// What a run looks up. It stays as it is as long as the session.
 struct Inputs {
@@ -40,7 +33,7 @@ struct Inputs {
 struct Outputs {
   output::Document document;
   OpenSections open_sections;
-  ReadFailure failure;
+  ReadFailure failure;  ///< the last one; an empty sentence when nothing went wrong
 
   /// Where a message or a chart goes: under the heading that was opened last and is still open.
   output::Section& open_section() {

@@ -37,7 +37,7 @@ std::string sentence_of_miss(LookupTrace::Step step,
 ReadFailure LookupTrace::failure(const Tree& tree) const {
   if (tree.empty() || step_ == Step::None) return {};
   const std::string element = "element " + std::string(tree.name(node_));
-  ReadFailure failure{{}, tree.line(node_), 0, true};
+  ReadFailure failure{{}, tree.line(node_), 0};
   if (!found_) {
     failure.sentence = sentence_of_miss(step_, element, name_);
   } else if (value_ != nullptr) {

@@ -4,7 +4,6 @@
 #include <string>
 #include <string_view>
 
-#include "embedded/session_state.h"
 #include "embedded/xml/tree.h"
 
 namespace hierfit::xml {

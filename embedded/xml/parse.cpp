@@ -85,7 +85,7 @@ class TreeBuilder {
     XML_SetStartDoctypeDeclHandler(parser_.get(), &on_doctype);
   }
 
-  std::optional<ParseFailure> parse() {
+  std::optional<ReadFailure> parse() {
     const XML_Status status =
         XML_Parse(parser_.get(), text_.data(), static_cast<int>(text_.size()), XML_TRUE);
     if (thrown_) std::rethrow_exception(thrown_);
@@ -142,7 +142,7 @@ class TreeBuilder {
 
   void stop(const char* sentence) {
     if (stopped_ == nullptr) {
-      stopped_ = std::make_unique<ParseFailure>(failure_here(sentence));
+      stopped_ = std::make_unique<ReadFailure>(failure_here(sentence));
       XML_StopParser(parser_.get(), XML_FALSE);
     }
   }
@@ -201,11 +201,11 @@ class TreeBuilder {
     return text_.substr(begin, static_cast<size_t>(XML_GetCurrentByteCount(parser_.get())));
   }
 
-  ParseFailure failure() const {
+  ReadFailure failure() const {
     return stopped_ ? *stopped_ : failure_here(sentence_of(XML_GetErrorCode(parser_.get())));
   }
 
-  ParseFailure failure_here(std::string sentence) const {
+  ReadFailure failure_here(std::string sentence) const {
     return {std::move(sentence), static_cast<uint32_t>(XML_GetCurrentLineNumber(parser_.get())),
             static_cast<uint32_t>(XML_GetCurrentColumnNumber(parser_.get()) + 1)};
   }
@@ -218,14 +218,14 @@ class TreeBuilder {
   uint32_t used_ = 0;     ///< bytes of `Tree::characters_`
   uint32_t pending_ = 0;  ///< bytes at their end that are text not yet in a run
   bool has_doctype_ = false;
-  std::unique_ptr<ParseFailure> stopped_;  ///< why and where the parser was told to stop
+  std::unique_ptr<ReadFailure> stopped_;  ///< why and where the parser was told to stop
   std::exception_ptr thrown_;
 };
 
-std::optional<ParseFailure> Tree::parse(std::string_view text) {
+std::optional<ReadFailure> Tree::parse(std::string_view text) {
   // Offsets are 32 bits wide, and decoded text may be twice as long as its source.
   if (text.size() > std::numeric_limits<int32_t>::max() - 1) {
-    return ParseFailure{"the document is larger than 2 GiB", 0, 0};
+    return ReadFailure{"the document is larger than 2 GiB", 0, 0};
   }
   auto failure = TreeBuilder(*this, text).parse();
   if (failure) *this = Tree();

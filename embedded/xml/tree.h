@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "embedded/error.h"
 #include "embedded/xml/block_vector.h"
 #include "embedded/xml/name_table.h"
 
@@ -19,13 +20,6 @@ namespace hierfit::xml {
 
 /// The deepest nesting of elements that a document may have.
 inline constexpr size_t kMaxDepth = 512;
-
-/// Why a text is refused. Lines and columns count from 1.
-struct ParseFailure {
-  std::string sentence;
-  uint32_t line = 0;
-  uint32_t column = 0;
-};
 
 using NodeId = uint32_t;
 inline constexpr NodeId kNoNode = std::numeric_limits<NodeId>::max();
@@ -36,7 +30,7 @@ class Tree {
 
   /// Reads a whole document into this tree, which is fresh. Gives why the text is refused, and then
   /// the tree is empty.
-  std::optional<ParseFailure> parse(std::string_view text);
+  std::optional<ReadFailure> parse(std::string_view text);
 
   bool empty() const { return nodes_.size() == 0; }
   /// The number that an element or attribute name has in this document, `kNoName` when it has none.

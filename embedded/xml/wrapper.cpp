@@ -99,7 +99,7 @@ SDOMXMLWrapper::~SDOMXMLWrapper() {
 SDOMXMLWrapper* SDOMXMLWrapper::LoadFromString(const std::string& text) {
   if (!impl_->tree().empty()) return nullptr;
   if (auto failure = impl_->document->tree.parse(text)) {
-    report({failure->sentence, failure->line, failure->column, false});
+    report(*failure);
     return nullptr;
   }
   return this;
