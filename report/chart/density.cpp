@@ -35,7 +35,7 @@ std::string DensityRaster::png(double densest) const {
   std::vector<unsigned char> pixels(cells_.size());
   for (size_t i = 0; i < cells_.size(); ++i)
     pixels[i] = static_cast<unsigned char>(255 * strength_of(cells_[i], densest));
-  return grey_png(columns_, rows_, pixels);
+  return png_of({.width = columns_, .height = rows_, .stride = columns_, .bytes = pixels.data()});
 }
 
 }  // namespace hierfit::report::chart

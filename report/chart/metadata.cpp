@@ -5,7 +5,7 @@
 #include <charconv>
 
 #include "report/chart/values.h"
-#include "report/html/markup.h"
+#include "report/xml_text.h"
 
 namespace hierfit::report::chart {
 namespace {
@@ -31,7 +31,7 @@ class MetadataWriter {
  private:
   void attribute(std::string_view name, std::string_view value) {
     ((out_ += ' ') += name) += "=\"";
-    html::append_escaped(out_, value);
+    append_escaped(out_, value);
     out_ += '"';
   }
 
@@ -99,7 +99,7 @@ class MetadataWriter {
 
   void write_label(const std::string& label) {
     out_ += '>';
-    html::append_escaped(out_, label);
+    append_escaped(out_, label);
     out_ += "</label>";
   }
 
@@ -125,7 +125,7 @@ class MetadataWriter {
       out_ += "</n>";
     } else {
       out_ += "<s>";
-      html::append_escaped(out_, output::plain_text(variable.values.text(row)));
+      append_escaped(out_, output::plain_text(variable.values.text(row)));
       out_ += "</s>";
     }
   }

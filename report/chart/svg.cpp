@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <glib.h>
+#include <memory>
 #include <unordered_set>
 
-#include "report/html/markup.h"
+#include "report/xml_text.h"
 
 namespace hierfit::report::chart {
 namespace {
@@ -17,17 +19,9 @@ constexpr double kSmallestTarget = 12;
 constexpr Font kTipFont{12, false};
 
 std::string base64(std::string_view bytes) {
-  constexpr std::string_view kDigits =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string text;
-  for (size_t at = 0; at < bytes.size(); at += 3) {
-    uint32_t group = 0;
-    for (size_t i = 0; i < 3; ++i)
-      group = group << 8 | (at + i < bytes.size() ? static_cast<unsigned char>(bytes[at + i]) : 0);
-    for (size_t i = 0; i < 4; ++i)
-      text += at + i > bytes.size() ? '=' : kDigits[(group >> (18 - 6 * i)) & 63];
-  }
-  return text;
+  const std::unique_ptr<gchar, decltype(&g_free)> text(
+      g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size()), &g_free);
+  return text.get();
 }
 
 /// An `svg` element as far as its size, not yet closed.
@@ -71,7 +65,7 @@ class SvgWriter {
 
   // Attributes.
 
-  void text(std::string_view value) { html::append_escaped(out_, value); }
+  void text(std::string_view value) { append_escaped(out_, value); }
 
   void attribute(std::string_view name, std::string_view value) {
     ((out_ += ' ') += name) += "=\"";

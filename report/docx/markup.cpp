@@ -6,6 +6,7 @@
 
 #include "output/utf8.h"
 #include "report/outline.h"
+#include "report/xml_text.h"
 
 namespace hierfit::report::docx {
 namespace {
@@ -43,24 +44,7 @@ void close_link(std::string& out, std::string_view link) {
 }  // namespace
 
 void append_escaped(std::string& out, std::string_view text) {
-  for (const char character : clean(text)) {
-    switch (character) {
-      case '&':
-        out += "&amp;";
-        break;
-      case '<':
-        out += "&lt;";
-        break;
-      case '>':
-        out += "&gt;";
-        break;
-      case '"':
-        out += "&quot;";
-        break;
-      default:
-        out += character;
-    }
-  }
+  report::append_escaped(out, clean(text));
 }
 
 void append_run(std::string& out, std::string_view text, const RunLook& look) {

@@ -1,4 +1,4 @@
-// Appends HTML to a text. The one place where text becomes markup.
+// Appends HTML to a text.
 #pragma once
 
 #include <cstdint>
@@ -6,12 +6,11 @@
 #include <string_view>
 
 #include "output/document.h"
+#include "report/xml_text.h"
 
 namespace hierfit::report::html {
 
-/// Text for element content and for attributes in double quotes. Control characters, which HTML
-/// does not allow, become U+FFFD; line feeds and tabs stay.
-void append_escaped(std::string& out, std::string_view text);
+using report::append_escaped;
 
 /// A text with its lines divided by `<br>` and its numbers in `style`; a symbol in italics.
 void append_text(std::string& out, const output::Text& text, const output::NumberStyle& style);

@@ -100,10 +100,13 @@ std::string png_of_svg(std::string_view svg, double scale) {
   cairo_set_source_rgb(context.get(), 1, 1, 1);
   cairo_paint(context.get());
   draw(picture, context.get(), width, height);
-  std::string png;
-  require(cairo_surface_write_to_png_stream(surface.get(), &append, &png));
-  set_resolution(png, scale * kPixelsPerInch);
-  return png;
+  cairo_surface_flush(surface.get());
+  return png_of({.kind = Points::Kind::Bgrx,
+                 .width = static_cast<size_t>(width),
+                 .height = static_cast<size_t>(height),
+                 .stride = static_cast<size_t>(cairo_image_surface_get_stride(surface.get())),
+                 .bytes = cairo_image_surface_get_data(surface.get())},
+                scale * kPixelsPerInch);
 }
 
 PictureSize size_of_svg(std::string_view svg) {

@@ -1,68 +1,102 @@
 #include "report/picture/png.h"
 
 #include <cmath>
+#include <csetjmp>
+#include <png.h>
+#include <stdexcept>
+#include <vector>
 #include <zlib.h>
 
 namespace hierfit::report {
 namespace {
 
 constexpr double kInchesPerMetre = 1 / 0.0254;
-/// The signature and the header chunk, which comes first: the chunks that follow stand behind.
-constexpr size_t kHeaderEnd = 8 + 4 + 4 + 13 + 4;
+constexpr size_t kPieceBytes = 1 << 20;  ///< of the packed points
 
-void append_big_endian(std::string& out, size_t value) {
-  for (int bits = 24; bits >= 0; bits -= 8)
-    out += static_cast<char>((value >> bits) & 0xFF);
+void append(png_structp png, png_bytep data, size_t length) {
+  static_cast<std::string*>(png_get_io_ptr(png))
+      ->append(reinterpret_cast<const char*>(data), length);
 }
 
-void append_chunk(std::string& out, std::string_view type, std::string_view content) {
-  append_big_endian(out, content.size());
-  const size_t begin = out.size();
-  out.append(type).append(content);
-  const auto* bytes = reinterpret_cast<const Bytef*>(out.data() + begin);
-  append_big_endian(out, crc32(0, bytes, static_cast<uInt>(out.size() - begin)));
+void flush(png_structp /*png*/) {}
+
+bool is_grey(const Points& points) {
+  for (size_t row = 0; row < points.height; ++row) {
+    const unsigned char* point = points.bytes + row * points.stride;
+    for (size_t column = 0; column < points.width; ++column, point += 4) {
+      if (point[0] != point[1] || point[1] != point[2]) return false;
+    }
+  }
+  return true;
 }
 
-std::string deflated(const std::string& content) {
-  uLongf size = compressBound(static_cast<uLong>(content.size()));
-  std::string packed(size, '\0');
-  const int status = compress2(reinterpret_cast<Bytef*>(packed.data()), &size,
-                               reinterpret_cast<const Bytef*>(content.data()),
-                               static_cast<uLong>(content.size()), Z_BEST_COMPRESSION);
-  packed.resize(status == Z_OK ? size : 0);
-  return packed;
+/// One byte of each point.
+std::vector<unsigned char> greys_of(const Points& points) {
+  std::vector<unsigned char> greys;
+  greys.reserve(points.width * points.height);
+  for (size_t row = 0; row < points.height; ++row) {
+    const unsigned char* point = points.bytes + row * points.stride;
+    for (size_t column = 0; column < points.width; ++column, point += 4)
+      greys.push_back(*point);
+  }
+  return greys;
+}
+
+void set_up(png_structp png, png_infop info, const Points& points, double points_per_inch) {
+  const bool grey = points.kind == Points::Kind::Grey;
+  png_set_IHDR(png, info, static_cast<png_uint_32>(points.width),
+               static_cast<png_uint_32>(points.height), 8,
+               grey ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
+               PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+  png_set_compression_buffer_size(png, kPieceBytes);
+  if (grey) {
+    // Counts pack best as they are.
+    png_set_compression_level(png, Z_BEST_COMPRESSION);
+    png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE);
+  }
+  if (points_per_inch > 0) {
+    const auto density = static_cast<png_uint_32>(std::lround(points_per_inch * kInchesPerMetre));
+    png_set_pHYs(png, info, density, density, PNG_RESOLUTION_METER);
+  }
+  png_write_info(png, info);
+  if (!grey) {
+    png_set_bgr(png);
+    png_set_filler(png, 0, PNG_FILLER_AFTER);
+  }
+}
+
+/// False when the library fails, which leaves by a jump: nothing here has a destructor.
+bool write(png_structp png, png_infop info, const Points& points, double points_per_inch) {
+  if (setjmp(png_jmpbuf(png)) != 0) return false;
+  set_up(png, info, points, points_per_inch);
+  for (size_t row = 0; row < points.height; ++row)
+    png_write_row(png, points.bytes + row * points.stride);
+  png_write_end(png, nullptr);
+  return true;
 }
 
 }  // namespace
 
-std::string grey_png(size_t width, size_t height, const std::vector<unsigned char>& pixels) {
-  std::string header;
-  append_big_endian(header, width);
-  append_big_endian(header, height);
-  header.append("\x08\x00\x00\x00\x00", 5);  // eight bits of grey, no interlace
-  std::string rows;
-  rows.reserve((width + 1) * height);
-  for (size_t row = 0; row < height; ++row) {
-    rows += '\0';  // not filtered
-    rows.append(reinterpret_cast<const char*>(pixels.data()) + row * width, width);
+std::string png_of(const Points& points, double points_per_inch) {
+  if (points.kind == Points::Kind::Bgrx && is_grey(points)) {
+    const std::vector<unsigned char> greys = greys_of(points);
+    return png_of({.width = points.width,
+                   .height = points.height,
+                   .stride = points.width,
+                   .bytes = greys.data()},
+                  points_per_inch);
   }
-  std::string png = "\x89PNG\r\n\x1A\n";
-  append_chunk(png, "IHDR", header);
-  append_chunk(png, "IDAT", deflated(rows));
-  append_chunk(png, "IEND", "");
-  return png;
-}
-
-void set_resolution(std::string& png, double points_per_inch) {
-  if (png.size() < kHeaderEnd) return;
-  const auto points = static_cast<size_t>(std::lround(points_per_inch * kInchesPerMetre));
-  std::string content;
-  append_big_endian(content, points);
-  append_big_endian(content, points);
-  content += '\x01';  // per metre
-  std::string chunk;
-  append_chunk(chunk, "pHYs", content);
-  png.insert(kHeaderEnd, chunk);
+  std::string file;
+  png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+  png_infop info = png == nullptr ? nullptr : png_create_info_struct(png);
+  bool done = false;
+  if (info != nullptr) {
+    png_set_write_fn(png, &file, &append, &flush);
+    done = write(png, info, points, points_per_inch);
+  }
+  png_destroy_write_struct(&png, &info);
+  if (!done) throw std::runtime_error("a picture cannot be written");
+  return file;
 }
 
 }  // namespace hierfit::report
