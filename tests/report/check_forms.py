@@ -60,20 +60,34 @@ def read_xlsx(path):
 
 
 def lost_chart_data(path, reference):
-    """The numbers of labelled variables that are not on the sheet of their chart."""
+    """The numbers of labelled variables that are not on the sheet of their chart: in cells of their
+    own, or as a bound of an interval."""
     import openpyxl
     book = openpyxl.load_workbook(path)
     sheets = [sheet for sheet in book.worksheets[1:] if not CAPTION.match(str(sheet["A1"].value))]
     for sheet, chart in zip(sheets, charts_of(reference["content"]), strict=True):
-        have = collections.Counter(cell.value for row in sheet.iter_rows() for cell in row
-                                   if cell.data_type == "n" and cell.value is not None)
-        needed = collections.Counter(
-            float(f"{value:.16g}") for source in chart["sources"]
-            for variable in source["variables"]
-            if variable.get("label") and not variable.get("valueLabels")
-            for value in variable["values"] if isinstance(value, (int, float)))
-        if needed - have:
-            yield f"{path}, {sheet.title}: lost {dict(needed - have)}"
+        cells = [cell.value for row in sheet.iter_rows() for cell in row if cell.value is not None]
+        whole = {value for value in cells if isinstance(value, (int, float))}
+        bounds = {bound for text in cells if re.match(r"\[.*, .*\]$", str(text))
+                  for bound in text.replace("\u2212", "-")[1:-1].split(", ")}
+        decimals = {len(bound.partition(".")[2]) for bound in bounds}
+        lost = [value for value in labelled_numbers(chart)
+                if float(f"{value:.16g}") not in whole
+                and not any(f"{value:.{digits}f}" in bounds for digits in decimals)]
+        if lost:
+            yield f"{path}, {sheet.title}: lost {lost}"
+
+
+def labelled_numbers(chart):
+    """Those of the graph itself: a histogram within it is drawn, not listed."""
+    inner = "".join(re.findall(r"<embedded.*?</embedded>", chart["document"], re.S))
+    for source in chart["sources"]:
+        if f'<source name="{source["name"]}"' in inner:
+            continue
+        for variable in source["variables"]:
+            if variable.get("label") and not variable.get("valueLabels"):
+                yield from (value for value in variable["values"]
+                            if isinstance(value, (int, float)))
 
 
 def read_docx(path):
