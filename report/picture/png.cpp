@@ -5,12 +5,12 @@
 #include <png.h>
 #include <stdexcept>
 #include <vector>
-#include <zlib.h>
 
 namespace hierfit::report {
 namespace {
 
 constexpr double kInchesPerMetre = 1 / 0.0254;
+constexpr int kBestLevel = 9;            ///< of packing
 constexpr size_t kPieceBytes = 1 << 20;  ///< of the packed points
 
 void append(png_structp png, png_bytep data, size_t length) {
@@ -51,7 +51,7 @@ void set_up(png_structp png, png_infop info, const Points& points, double points
   png_set_compression_buffer_size(png, kPieceBytes);
   if (grey) {
     // Counts pack best as they are.
-    png_set_compression_level(png, Z_BEST_COMPRESSION);
+    png_set_compression_level(png, kBestLevel);
     png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE);
   }
   if (points_per_inch > 0) {
