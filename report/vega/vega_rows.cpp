@@ -135,7 +135,9 @@ class GraphRows {
     if (x == nullptr || y == nullptr || !chart::has_value(*x, rows.row)) return std::nullopt;
     Spot spot;
     if (x_.categorical) {
-      spot.category = category_name(x_.categories.entries()[x_.categories.find(*x, rows.row)]);
+      const uint32_t category = x_.categories.find(*x, rows.row);
+      if (category == ValueIndex::kNone) return std::nullopt;
+      spot.category = category_name(x_.categories.entries()[category]);
     }
     spot.from = {chart::number_at(x, rows.row), chart::number_at(y, rows.row)};
     if (element.element->rows == chart::Rows::Pairs) {

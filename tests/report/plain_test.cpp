@@ -128,6 +128,14 @@ TEST_CASE("a chart for Vega-Lite") {
     CHECK(values.back()["part"] == "point 2");
     CHECK(values.back()["tooltip"].get<std::string>().find(": [") != std::string::npos);
   }
+  SUBCASE("leaves out what stands at no category of the axis") {
+    output::Chart chart = means_chart(2);
+    ChartData(chart, "texts").categories("effect1").text(0, "elsewhere").variable("y").number(0, 1);
+    output::Element& text = chart.document.child("graph")->add("text");
+    text.set("source", "texts");
+    text.add("y").set("variable", "y");
+    CHECK(count(spec_of(std::move(chart)), "text") == 0);
+  }
   SUBCASE("joins the nodes of a circle where they lie, and stands beside a histogram") {
     const json pairs = spec_of(pairwise_chart(5));
     CHECK(count(pairs, "node") == 5);
