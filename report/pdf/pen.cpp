@@ -181,22 +181,26 @@ void Pen::set_layout(const Runs& runs, const TextLook& look, double width) {
 
 /// Lines stand at even distances, whatever marks and scripts they hold.
 double Pen::show_lines(double x, double top, bool flows) {
-  PangoLayoutIter* lines = pango_layout_get_iter(layout_);
-  const double lead = points(pango_layout_get_baseline(layout_));
+  // A new page has a foot, which takes the layout for its own text.
+  PangoLayout* layout = flows ? pango_layout_copy(layout_) : PANGO_LAYOUT(g_object_ref(layout_));
+  const double height = line_height_;
+  PangoLayoutIter* lines = pango_layout_get_iter(layout);
+  const double lead = points(pango_layout_get_baseline(layout));
   double used = 0;
   do {
-    if (flows && y + line_height_ > bottom() + 0.01 && !at_top()) next_page();
+    if (flows && y + height > bottom() + 0.01 && !at_top()) next_page();
     PangoRectangle box;
     pango_layout_iter_get_line_extents(lines, nullptr, &box);
-    const double baseline = (flows ? y : top + used) + std::min(lead, line_height_);
+    const double baseline = (flows ? y : top + used) + std::min(lead, height);
     if (draws_) {
       cairo_move_to(context_, x + points(box.x), baseline);
       pango_cairo_show_layout_line(context_, pango_layout_iter_get_line_readonly(lines));
     }
-    used += line_height_;
-    if (flows) y += line_height_;
+    used += height;
+    if (flows) y += height;
   } while (pango_layout_iter_next_line(lines));
   pango_layout_iter_free(lines);
+  g_object_unref(layout);
   return used;
 }
 

@@ -50,6 +50,18 @@ TEST_CASE("office forms and pages") {
   }
 }
 
+TEST_CASE("a text that is longer than a page of a PDF goes on on the next ones") {
+  const auto size_with = [](int lines) {
+    TableBuilder builder("t");
+    std::string note;
+    for (int line = 0; line < lines; ++line)
+      note += "line " + std::to_string(line) + "\n";
+    builder.rows("r").cell({{"a"}}, count(1)).caption({note, {}});
+    return report::render_pdf(with_table(std::move(builder)), {}).size();
+  };
+  CHECK(size_with(200) > size_with(100) + 1000);
+}
+
 TEST_CASE("workbooks show numbers as the report does") {
   TableBuilder builder("t");
   builder.rows("r").cell({{"a"}}, coefficient(0.1)).cell({{"b"}}, significance(1e-9));
