@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "report/outline.h"
-#include "report/wording.h"
 
 namespace hierfit::report {
 
@@ -48,28 +47,24 @@ const output::Number& TableView::number_of(const PlacedCell& placed) const {
 
 std::string TableView::text(const Text& text) const { return clean(restyled(text, style)); }
 
-std::string TableView::marks(const std::vector<uint32_t>& notes) const {
+std::vector<uint32_t> TableView::marks(const std::vector<uint32_t>& notes) const {
   std::vector<uint32_t> numbers;
   for (uint32_t note : notes)
     numbers.push_back(layout.marks[note]);
   std::ranges::sort(numbers);
   numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
-  std::string letters;
-  for (uint32_t number : numbers) {
-    if (!letters.empty()) letters += ',';
-    letters += mark_letters(number);
-  }
-  return letters;
+  return numbers;
 }
 
-std::string TableView::marks(const Head& head) const {
+std::vector<uint32_t> TableView::marks(const Head& head) const {
   if (head.node == kNone) return {};
   return marks(table.dimensions[head.dimension].nodes[head.node].notes);
 }
 
-std::string TableView::marks(const PlacedCell& placed) const {
+std::vector<uint32_t> TableView::marks(const PlacedCell& placed) const {
+  if (table.cells.notes.empty()) return {};
   const auto found = table.cells.notes.find(placed.cell);
-  return found == table.cells.notes.end() ? "" : marks(found->second);
+  return found == table.cells.notes.end() ? std::vector<uint32_t>() : marks(found->second);
 }
 
 }  // namespace hierfit::report

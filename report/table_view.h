@@ -27,10 +27,10 @@ struct TableView {
   /// The text of a cell that shows one, or of a label, caption or note.
   std::string text(const output::Text& text) const;
 
-  /// The marks of notes as they are printed, "a,b"; empty for none.
-  std::string marks(const std::vector<uint32_t>& notes) const;
-  std::string marks(const Head& head) const;
-  std::string marks(const PlacedCell& placed) const;
+  /// The numbers of notes, each once, in order.
+  std::vector<uint32_t> marks(const std::vector<uint32_t>& notes) const;
+  std::vector<uint32_t> marks(const Head& head) const;
+  std::vector<uint32_t> marks(const PlacedCell& placed) const;
   bool captioned() const { return table.caption && !table.caption->shown.empty(); }
 
   const output::Document& document;

@@ -12,6 +12,16 @@ constexpr std::array<std::string_view, 26> kRaised = {"ᵃ", "ᵇ", "ᶜ", "ᵈ"
                                                       "ʲ", "ᵏ", "ˡ", "ᵐ", "ⁿ", "ᵒ", "ᵖ", "^q", "ʳ",
                                                       "ˢ", "ᵗ", "ᵘ", "ᵛ", "ʷ", "ˣ", "ʸ", "ᶻ"};
 
+template <class Letters>
+std::string joined(const std::vector<uint32_t>& numbers, std::string_view comma, Letters letters) {
+  std::string text;
+  for (const uint32_t number : numbers) {
+    if (!text.empty()) text += comma;
+    text += letters(number);
+  }
+  return text;
+}
+
 }  // namespace
 
 std::string filled(std::string_view pattern, std::string_view argument) {
@@ -36,6 +46,15 @@ std::string raised_letters(uint32_t number) {
   for (const char letter : mark_letters(number))
     raised += kRaised[static_cast<size_t>(letter - 'a')];
   return raised;
+}
+
+std::string mark_letters(const std::vector<uint32_t>& numbers) {
+  return joined(numbers, ",", [](uint32_t number) { return mark_letters(number); });
+}
+
+std::string raised_letters(const std::vector<uint32_t>& numbers) {
+  constexpr std::string_view kRaisedComma = "\u02D2";
+  return joined(numbers, kRaisedComma, [](uint32_t number) { return raised_letters(number); });
 }
 
 }  // namespace hierfit::report

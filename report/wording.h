@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace hierfit::report {
 
@@ -15,5 +16,9 @@ std::string mark_letters(uint32_t number);
 
 /// The same letters raised, as characters, for forms without type; "^q", which Unicode lacks.
 std::string raised_letters(uint32_t number);
+
+/// Several of them in a line, "a,b"; empty for none.
+std::string mark_letters(const std::vector<uint32_t>& numbers);
+std::string raised_letters(const std::vector<uint32_t>& numbers);
 
 }  // namespace hierfit::report

@@ -5,12 +5,10 @@
 #include "report/chart/metrics.h"
 #include "report/docx/markup.h"
 #include "report/layout/page_table.h"
+#include "report/typeset/table_rows.h"
 #include "report/wording.h"
 
 namespace hierfit::report::docx {
-
-using output::kNone;
-using output::Text;
 
 namespace {
 
@@ -61,40 +59,22 @@ class DocxTable {
         bookmarks_(bookmarks),
         view_(document, table),
         page_(plan_table(view_)),
-        grid_(head_grid(view_.layout)),
         keeps_(view_.lines() <= kFewLines),
         name_("t" + std::to_string(number)) {}
 
   void write() {
-    first_ = 0;
-    for (const uint32_t end : page_.fold_ends) {
-      end_ = end;
-      write_caption();
-      write_fold();
-      first_ = end;
-    }
+    for (const Part& part : page_.parts)
+      write_part(part);
     write_notes();
   }
 
  private:
-  bool is_last() const { return end_ == view_.layout.columns; }
   bool has_notes() const { return view_.captioned() || !view_.layout.notes.empty(); }
-  uint32_t shown_columns() const { return std::max(end_ - first_, 1U); }
-  double column_width(uint32_t column) const {
-    constexpr double kAlone = 140;
-    return column < page_.columns.size() ? page_.columns[column] : kAlone;
-  }
-  double width(uint32_t first, uint32_t end) const {
-    double sum = 0;
-    for (uint32_t column = first; column < end; ++column)
-      sum += column_width(column);
-    return sum;
-  }
 
   // The caption.
 
-  void write_caption() {
-    if (first_ > 0) {
+  void write_caption(const Part& part) {
+    if (part.first > 0) {
       out_ += "<w:p><w:pPr><w:pStyle w:val=\"Caption\"/></w:pPr>";
       const std::string_view pattern = document_.word("Table ^1 (continued)");
       append_run(out_, filled(pattern, std::to_string(number_)), {.bold = true});
@@ -108,23 +88,22 @@ class DocxTable {
   }
 
   /// Marks lead to their notes.
-  void append_marks(std::string& out, std::string_view marks) const {
-    for (size_t begin = 0; begin < marks.size();) {
-      const size_t end = std::min(marks.find(',', begin), marks.size());
-      if (begin > 0) append_run(out, ",", {.raised = true});
-      const std::string_view mark = marks.substr(begin, end - begin);
-      append_run(out, mark, {.raised = true, .link = name_ + "n" + std::string(mark)});
-      begin = end + 1;
+  void append_marks(std::string& out, const std::vector<uint32_t>& marks) const {
+    for (const uint32_t mark : marks) {
+      if (mark != marks.front()) append_run(out, ",", {.raised = true});
+      const std::string letters = mark_letters(mark);
+      append_run(out, letters, {.raised = true, .link = name_ + "n" + letters});
     }
   }
 
   // The frame.
 
-  void write_fold() {
+  void write_part(const Part& part) {
+    write_caption(part);
     out_ += "<w:tbl><w:tblPr><w:tblStyle w:val=\"ReportTable\"/>";
     if (document_.right_to_left) out_ += "<w:bidiVisual/>";
     out_ += "<w:tblW";
-    append_attribute(out_, "w:w", twips(page_width()));
+    append_attribute(out_, "w:w", twips(page_.width(part)));
     out_ +=
         " w:type=\"dxa\"/><w:jc w:val=\"start\"/><w:tblLayout w:type=\"fixed\"/><w:tblLook "
         "w:val=\"00A0\" "
@@ -132,21 +111,14 @@ class DocxTable {
         "w:val=\"";
     append_escaped(out_, view_.text(view_.table.title));
     out_ += "\"/></w:tblPr>\n<w:tblGrid>";
-    for (const double stub : page_.stubs)
-      write_grid_column(stub);
-    for (uint32_t column = first_; column < first_ + shown_columns(); ++column)
-      write_grid_column(column_width(column));
+    TableRows rows(view_, part);
+    for (uint32_t column = 0; column < rows.columns(); ++column)
+      write_grid_column(page_.width(part, column, 1));
     out_ += "</w:tblGrid>\n";
-    write_head();
-    write_body();
+    while (rows.next())
+      write_row(rows);
+    if (view_.layout.empty()) write_nothing(part);
     out_ += "</w:tbl>\n";
-  }
-
-  double page_width() const {
-    double sum = width(first_, first_ + shown_columns());
-    for (const double stub : page_.stubs)
-      sum += stub;
-    return sum;
   }
 
   void write_grid_column(double points) {
@@ -194,99 +166,14 @@ class DocxTable {
 
   void close_cell() { out_ += "</w:p></w:tc>"; }
 
-  void write_blank(const CellLook& look, bool keeps) {
-    open_cell(look);
-    open_paragraph({.keeps = keeps});
-    close_cell();
-  }
+  // The rows.
 
-  // The head.
-
-  void write_head() {
-    const uint32_t rows = view_.head_rows();
-    for (uint32_t level = 0; level < rows; ++level) {
-      out_ += "<w:tr><w:trPr><w:cantSplit/><w:tblHeader/></w:trPr>";
-      CellLook look;
-      look.low = true;
-      look.above = level == 0 ? kThick : std::string_view();
-      for (uint32_t stub = 0; stub < view_.stubs(); ++stub)
-        write_stub_title(stub, level, rows, look);
-      if (grid_.empty()) {
-        look.width = width(first_, first_ + shown_columns());
-        look.columns = shown_columns();
-        look.below = kThin;
-        write_blank(look, true);
-      } else {
-        write_column_heads(level, look);
-      }
-      out_ += "</w:tr>\n";
-    }
-  }
-
-  static Merge merge_of(uint32_t level, uint32_t first, uint32_t rows) {
-    if (rows == 1) return Merge::None;
-    return level == first ? Merge::Begins : Merge::Goes;
-  }
-
-  void write_stub_title(uint32_t stub, uint32_t level, uint32_t rows, CellLook look) {
-    look.width = page_.stubs[stub];
-    look.merge = merge_of(level, 0, rows);
-    look.below = kThin;
-    open_cell(look);
-    open_paragraph({.keeps = true});
-    const Text* title = view_.stub_title(stub);
-    if (title != nullptr && level == 0) append_run(out_, view_.text(*title), {});
-    close_cell();
-  }
-
-  void write_column_heads(uint32_t level, const CellLook& look) {
-    uint32_t column = first_;
-    for (const Head* head : heads_between(grid_[level], first_, end_)) {
-      const uint32_t from = std::max(head->first, column);
-      const uint32_t to = std::min(head->first + head->span, end_);
-      if (from >= to) continue;
-      write_column_head(*head, level, from, to, look);
-      column = to;
-    }
-  }
-
-  void write_column_head(
-      const Head& head, uint32_t level, uint32_t from, uint32_t to, CellLook look) {
-    const bool over_heads = head.level + head.depth < view_.head_rows();
-    look.width = width(from, to);
-    look.columns = to - from;
-    look.merge = merge_of(level, head.level, head.depth);
-    if (!over_heads) look.below = kThin;
-    const Text* label = view_.label_of(head);
-    const bool at_start = to - from == 1 && view_.cells.columns[from].mixed;
-    open_cell(look);
-    open_paragraph({.side = at_start ? "" : "center",
-                    .span_rule = over_heads && label != nullptr,
-                    .keeps = true});
-    if (label != nullptr && level == head.level) {
-      append_run(out_, view_.text(*label), {.italic = label->symbol});
-      append_marks(out_, view_.marks(head));
-    }
-    close_cell();
-  }
-
-  // The body.
-
-  void write_body() {
-    if (view_.layout.empty()) return write_nothing();
-    running_.assign(view_.stubs(), nullptr);
-    next_head_ = 0;
-    for (uint32_t line = 0; line < view_.lines(); ++line)
-      write_line(line);
-  }
-
-  void write_nothing() {
+  void write_nothing(const Part& part) {
     out_ += "<w:tr><w:trPr><w:cantSplit/></w:trPr>";
-    CellLook look;
-    look.width = page_width();
-    look.columns = view_.stubs() + shown_columns();
-    look.above = view_.head_rows() == 0 ? kThick : std::string_view();
-    look.below = kThick;
+    const CellLook look = {.width = page_.width(part),
+                           .columns = view_.stubs() + part.width(),
+                           .above = view_.head_rows() == 0 ? kThick : std::string_view(),
+                           .below = kThick};
     open_cell(look);
     open_paragraph({.keeps = has_notes()});
     append_run(out_, document_.word("No entries"), {.italic = true, .quiet = true});
@@ -294,91 +181,89 @@ class DocxTable {
     out_ += "</w:tr>\n";
   }
 
-  void write_line(uint32_t line) {
-    const bool last = line + 1 == view_.lines();
-    CellLook look;
-    if (line == 0 && view_.head_rows() == 0) look.above = kThick;
-    if (last) look.below = kThick;
-    line_keeps_ = last ? has_notes() && is_last() : keeps_;
-    out_ += "<w:tr><w:trPr><w:cantSplit/></w:trPr>";
-    if (!write_row_heads(line, look)) write_cells(view_.layout.lines[line], look);
+  void write_row(const TableRows& rows) {
+    out_ += rows.in_head() ? "<w:tr><w:trPr><w:cantSplit/><w:tblHeader/></w:trPr>"
+                           : "<w:tr><w:trPr><w:cantSplit/></w:trPr>";
+    for (const RowCell& cell : rows.cells())
+      write_cell(rows, cell);
     out_ += "</w:tr>\n";
   }
 
-  /// Whether the line is that of a group, whose head runs over all of it.
-  bool write_row_heads(uint32_t line, CellLook look) {
-    const std::vector<Head>& heads = view_.layout.row_heads;
-    for (uint32_t stub = 0; stub < view_.stubs(); ++stub) {
-      const bool begins = next_head_ < heads.size() && heads[next_head_].first == line &&
-                          heads[next_head_].level == stub;
-      if (begins && heads[next_head_].kind == HeadKind::Group) {
-        write_group(heads[next_head_++], stub, look);
-        return true;
-      }
-      look.width = page_.stubs[stub];
-      if (begins) {
-        running_[stub] = &heads[next_head_++];
-        look.merge = running_[stub]->span > 1 ? Merge::Begins : Merge::None;
-        write_row_head(*running_[stub], look);
-      } else {
-        const Head* head = running_[stub];
-        const bool runs = head != nullptr && head->first + head->span > line;
-        look.merge = runs ? Merge::Goes : Merge::None;
-        write_blank(look, line_keeps_);
-      }
+  void write_cell(const TableRows& rows, const RowCell& cell) {
+    CellLook look = look_of(rows, cell);
+    const bool keeps = keeps_with_next(rows, cell);
+    if (cell.role == RowCell::Role::Gap) {
+      for (uint32_t column = cell.column; column < cell.end(); ++column)
+        write_blank(rows, column, look, keeps);
+      return;
     }
-    return false;
-  }
-
-  void write_group(const Head& head, uint32_t stub, CellLook look) {
-    look.width = page_width();
-    for (uint32_t outer = 0; outer < stub; ++outer)
-      look.width -= page_.stubs[outer];
-    look.columns = view_.stubs() - stub + shown_columns();
-    line_keeps_ = true;
-    write_row_head(head, look);
-  }
-
-  void write_row_head(const Head& head, const CellLook& look) {
+    look.width = page_.width(rows.part(), cell.column, cell.columns);
+    look.columns = cell.columns;
     open_cell(look);
-    open_paragraph({.indent = kIndent * std::min(head.indent, 8U), .keeps = line_keeps_});
-    if (const Text* label = view_.label_of(head)) {
-      append_run(out_, view_.text(*label), {.italic = label->symbol});
+    if (cell.role == RowCell::Role::Content) {
+      write_content(cell, keeps);
+    } else {
+      write_head(cell, keeps);
     }
-    append_marks(out_, view_.marks(head));
     close_cell();
   }
 
-  void write_cells(uint32_t row, CellLook look) {
-    const std::span<const PlacedCell> whole = view_.layout.row(row);
-    const std::span<const PlacedCell> placed = cells_between(whole, first_, end_);
-    size_t at = view_.layout.row_begin[row] + static_cast<size_t>(placed.data() - whole.data());
-    auto next = placed.begin();
-    for (uint32_t column = first_; column < end_; ++column) {
-      look.width = page_.columns[column];
-      if (next == placed.end() || next->column != column) {
-        write_blank(look, line_keeps_);
-        continue;
-      }
-      open_cell(look);
-      write_cell(*next++, view_.cells.cells[at++]);
-      close_cell();
-    }
+  void write_blank(const TableRows& rows, uint32_t column, CellLook look, bool keeps) {
+    look.width = page_.width(rows.part(), column, 1);
+    open_cell(look);
+    open_paragraph({.keeps = keeps});
+    close_cell();
   }
 
-  void write_cell(const PlacedCell& placed, const AlignedCell& cell) {
-    const bool mixed = view_.cells.columns[placed.column].mixed;
-    const std::string marks = view_.table.cells.notes.empty() ? "" : view_.marks(placed);
-    ParagraphLook look = {.keeps = line_keeps_};
-    if (cell.kind == CellKind::Number && !mixed) {
+  static CellLook look_of(const TableRows& rows, const RowCell& cell) {
+    CellLook look;
+    look.low = rows.in_head();
+    if (!cell.begins()) {
+      look.merge = Merge::Goes;
+    } else if (!cell.ends()) {
+      look.merge = Merge::Begins;
+    }
+    if (rows.is_first()) look.above = kThick;
+    if (rows.in_head() && !cell.over_heads) look.below = kThin;
+    if (rows.is_last()) look.below = kThick;
+    return look;
+  }
+
+  bool keeps_with_next(const TableRows& rows, const RowCell& cell) const {
+    if (rows.in_head() || cell.role == RowCell::Role::Group) return true;
+    return rows.is_last() ? has_notes() && rows.ends_table() : keeps_;
+  }
+
+  /// A head that reaches down stands in its first row.
+  void write_head(const RowCell& cell, bool keeps) {
+    ParagraphLook look = {.keeps = keeps};
+    if (cell.role == RowCell::Role::ColumnHead) {
+      look.side = cell.at_start ? "" : "center";
+      look.span_rule = cell.over_heads && cell.label != nullptr;
+    } else if (cell.head != nullptr && cell.begins()) {
+      look.indent = kIndent * std::min(cell.head->indent, 8U);
+    }
+    open_paragraph(look);
+    if (!cell.begins()) return;
+    if (cell.label != nullptr) {
+      const bool symbol = cell.head != nullptr && cell.label->symbol;
+      append_run(out_, view_.text(*cell.label), {.italic = symbol});
+    }
+    append_marks(out_, cell.marks);
+  }
+
+  void write_content(const RowCell& content, bool keeps) {
+    const AlignedCell& cell = *content.cell;
+    ParagraphLook look = {.keeps = keeps};
+    if (cell.kind == CellKind::Number && !content.at_start) {
       look.style = "TableNumber";
-      look.end_indent = end_indent(cell, placed.column, marks);
+      look.end_indent = end_indent(cell, content.placed->column, mark_letters(content.marks));
     }
     open_paragraph(look);
     if (cell.kind == CellKind::Number) append_run(out_, view_.cells.number(cell), {});
     if (cell.kind == CellKind::Text)
       append_run(out_, view_.text(view_.table.texts[cell.begin]), {});
-    append_marks(out_, marks);
+    append_marks(out_, content.marks);
   }
 
   /// What stands behind a number at the end of its cell, so that the numbers of a column have their
@@ -419,14 +304,8 @@ class DocxTable {
   uint32_t& bookmarks_;
   TableView view_;
   PageTable page_;
-  std::vector<std::vector<const Head*>> grid_;
   bool keeps_;
   std::string name_;
-  std::vector<const Head*> running_;  // by stub column: the head beside the last line
-  size_t next_head_ = 0;
-  uint32_t first_ = 0;
-  uint32_t end_ = 0;
-  bool line_keeps_ = false;
 };
 
 }  // namespace

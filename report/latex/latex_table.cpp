@@ -4,14 +4,14 @@
 #include <array>
 #include <charconv>
 
+#include "report/append.h"
 #include "report/layout/page_table.h"
-#include "report/table_view.h"
+#include "report/typeset/table_rows.h"
 #include "report/wording.h"
 
 namespace hierfit::report::latex {
 
 using output::Document;
-using output::kNone;
 using output::Table;
 using output::Text;
 
@@ -40,7 +40,6 @@ class LatexTable {
         entry_(entry),
         view_(document, **std::get_if<const Table*>(&entry.content)),
         page_(plan_table(view_)),
-        grid_(head_grid(view_.layout)),
         widest_(view_.layout.columns) {
     measure();
   }
@@ -50,11 +49,8 @@ class LatexTable {
     if (view_.layout.empty()) {
       write_nothing();
     } else {
-      for (const uint32_t end : page_.fold_ends) {
-        end_ = end;
-        write_part();
-        begin_ = end;
-      }
+      for (const Part& part : page_.parts)
+        write_part(part);
     }
     write_notes();
     if (page_.landscape) out_ += "\\end{landscape}\n";
@@ -95,11 +91,10 @@ class LatexTable {
     return text.symbol ? "\\textit{" + content + "}" : content;
   }
 
-  static std::string raised(const std::string& marks) {
-    return marks.empty() ? "" : "\\textsuperscript{" + marks + "}";
+  static std::string raised(const std::vector<uint32_t>& marks) {
+    return marks.empty() ? "" : "\\textsuperscript{" + mark_letters(marks) + "}";
   }
 
-  uint32_t columns() const { return view_.stubs() + end_ - begin_; }
   double room(double width) const { return std::max(width - 2 * kCellPadding, 1.0); }
 
   void write_nothing() {
@@ -116,28 +111,20 @@ class LatexTable {
     out_ += raised(view_.marks(view_.layout.title_notes));
   }
 
-  void write_part() {
+  void write_part(const Part& part) {
     out_ += "{\\small\n\\begin{longtable}{";
     for (const double width : page_.stubs)
       write_column(width, "raggedright");
-    for (uint32_t column = begin_; column < end_; ++column) {
+    for (uint32_t column = part.first; column < part.end; ++column) {
       const bool mixed = view_.cells.columns[column].mixed;
       write_column(page_.columns[column], mixed ? "raggedright" : "centering");
     }
     out_ += "}\n";
-    open_title();
-    if (begin_ == 0) {
-      write_title();
-    } else {
-      write_continuation();
-    }
-    write_heads();
+    write_heads(part, part.first > 0);
     out_ += "\\endfirsthead\n";
-    open_title();
-    write_continuation();
-    write_heads();
+    TableRows rows = write_heads(part, true);
     out_ += "\\endhead\n\\bottomrule\n\\endfoot\n\\bottomrule\n\\endlastfoot\n";
-    write_body();
+    write_body(rows);
     out_ += "\\end{longtable}}\n";
   }
 
@@ -145,9 +132,6 @@ class LatexTable {
     ((out_ += ">{\\") += way) += "\\arraybackslash}p{";
     (out_ += points(room(width))) += '}';
   }
-
-  /// A cell over all columns.
-  void open_title() { ((out_ += "\\tabletitle{") += std::to_string(columns())) += "}{"; }
 
   void write_continuation() {
     const std::string number = std::to_string(entry_.number);
@@ -157,146 +141,124 @@ class LatexTable {
 
   // The head. A label that reaches down stands in the last of its rows.
 
-  void write_heads() {
+  /// The title over all columns and the rows of the head; gives the walk, which goes on behind
+  /// them.
+  TableRows write_heads(const Part& part, bool continues) {
+    TableRows rows(view_, part);
+    append(out_, "\\tabletitle{", rows.columns(), "}{");
+    if (continues) {
+      write_continuation();
+    } else {
+      write_title();
+    }
     out_ += "} \\\\[3pt]\n\\toprule\n";
-    const uint32_t rows = view_.head_rows();
-    for (uint32_t level = 0; level < rows; ++level) {
-      write_stub_titles(level + 1 == rows);
-      std::string rules;
-      if (level < grid_.size()) {
-        for (const Head* head : grid_[level])
-          write_head(*head, level, rules);
-      } else {
-        for (uint32_t column = begin_; column < end_; ++column)
+    for (uint32_t row = 0; row < view_.head_rows() && rows.next(); ++row) {
+      write_head_row(rows);
+    }
+    if (view_.head_rows() > 0) out_ += "\\midrule\n";
+    return rows;
+  }
+
+  void write_head_row(const TableRows& rows) {
+    std::string rules;
+    for (const RowCell& cell : rows.cells()) {
+      if (cell.role == RowCell::Role::Blank) {
+        for (uint32_t column = 0; column < cell.columns; ++column)
           out_ += " &";
+        continue;
       }
-      out_ += " \\\\\n";
-      if (!rules.empty()) (out_ += rules) += '\n';
+      divide(cell);
+      write_over(rows.part(), cell, "centering", cell.ends() ? head_of(cell) : "");
+      if (!cell.over_heads || !cell.ends() || cell.label == nullptr) continue;
+      append(rules, "\\cmidrule(lr){", cell.column + 1, '-', cell.end(), '}');
     }
-    if (rows > 0) out_ += "\\midrule\n";
+    out_ += " \\\\\n";
+    if (!rules.empty()) append(out_, rules, '\n');
   }
 
-  void write_stub_titles(bool shown) {
-    for (size_t stub = 0; stub < view_.stubs(); ++stub) {
-      if (stub > 0) out_ += " & ";
-      const Text* title = view_.stub_title(stub);
-      if (shown && title != nullptr) out_ += words(*title);
-    }
+  void divide(const RowCell& cell) {
+    if (cell.column > 0) out_ += " & ";
   }
 
-  void divide(bool first) {
-    if (!first || view_.stubs() > 0) out_ += " & ";
+  /// A cell over several columns.
+  void write_over(const Part& part,
+                  const RowCell& cell,
+                  std::string_view way,
+                  const std::string& content) {
+    if (cell.columns == 1) {
+      out_ += content;
+      return;
+    }
+    const double width = page_.width(part, cell.column, cell.columns);
+    append(out_, "\\multicolumn{", cell.columns, "}{>{\\", way, "\\arraybackslash}p{",
+           points(room(width)), "}}{", content, '}');
   }
 
-  void write_head(const Head& head, uint32_t level, std::string& rules) {
-    const uint32_t first = std::max(head.first, begin_);
-    const uint32_t end = std::min(head.first + head.span, end_);
-    if (first >= end) return;
-    divide(first == begin_);
-    const Text* label = view_.label_of(head);
-    const bool shows = label != nullptr && level + 1 == head.level + head.depth;
-    const bool over_heads = head.level + head.depth < view_.layout.head_rows;
-    if (end - first > 1) {
-      double width = 0;
-      for (uint32_t column = first; column < end; ++column)
-        width += page_.columns[column];
-      ((out_ += "\\multicolumn{") += std::to_string(end - first)) +=
-          "}{>{\\centering\\arraybackslash}p{";
-      (out_ += points(room(width))) += "}}{";
-    }
-    if (shows) (out_ += words(*label)) += raised(view_.marks(head));
-    if (end - first > 1) out_ += '}';
-    if (!shows || !over_heads) return;
-    const uint32_t left = view_.stubs() + first - begin_ + 1;
-    ((rules += "\\cmidrule(lr){") += std::to_string(left)) += '-';
-    (rules += std::to_string(left + end - first - 1)) += '}';
+  std::string head_of(const RowCell& cell) {
+    return cell.label == nullptr ? "" : words(*cell.label) + raised(cell.marks);
   }
 
   // The body.
 
-  void write_body() {
-    auto next = view_.layout.row_heads.cbegin();
-    for (uint32_t line = 0; line < view_.lines(); ++line) {
-      const uint32_t row = view_.layout.lines[line];
-      std::vector<std::string> labels(view_.stubs());
-      for (; next != view_.layout.row_heads.end() && next->first == line; ++next)
-        labels[next->level] = label(*next);
-      if (row == kNone) {
-        write_group(labels);
-        continue;
+  void write_body(TableRows& rows) {
+    while (rows.next()) {
+      bool of_group = false;
+      for (const RowCell& cell : rows.cells()) {
+        divide(cell);
+        write_cell(rows.part(), cell);
+        of_group = cell.role == RowCell::Role::Group;
       }
-      for (size_t stub = 0; stub < labels.size(); ++stub) {
-        if (stub > 0) out_ += " & ";
-        out_ += labels[stub];
-      }
-      write_cells(row);
-      out_ += " \\\\\n";
+      out_ += of_group ? " \\\\*\n" : " \\\\\n";
     }
   }
 
-  std::string label(const Head& head) {
+  void write_cell(const Part& part, const RowCell& cell) {
+    switch (cell.role) {
+      case RowCell::Role::Gap:
+        for (uint32_t column = 1; column < cell.columns; ++column)
+          out_ += " & ";
+        return;
+      case RowCell::Role::Content:
+        return write_content(cell);
+      default:
+        return write_over(part, cell, "raggedright", cell.begins() ? label(cell) : "");
+    }
+  }
+
+  std::string label(const RowCell& cell) {
     std::string written;
-    if (head.indent > 0) {
-      written = "\\hspace*{" + std::to_string(std::min(head.indent, 8U)) + "em}";
+    if (cell.head->indent > 0) {
+      append(written, "\\hspace*{", std::min(cell.head->indent, 8U), "em}");
     }
-    if (const Text* text = view_.label_of(head)) written += words(*text);
-    return written + raised(view_.marks(head));
+    if (cell.label != nullptr) written += words(*cell.label);
+    return written + raised(cell.marks);
   }
 
-  /// A group's line is one cell from its stub on.
-  void write_group(const std::vector<std::string>& labels) {
-    const auto at =
-        std::ranges::find_if(labels, [](const std::string& each) { return !each.empty(); });
-    const auto stub = static_cast<size_t>(at - labels.begin());
-    double width = page_.width(begin_, end_);
-    for (size_t i = 0; i < std::min(stub, labels.size()); ++i) {
-      out_ += " & ";
-      width -= page_.stubs[i];
-    }
-    if (at != labels.end()) {
-      ((out_ += "\\multicolumn{") += std::to_string(columns() - stub)) +=
-          "}{>{\\raggedright\\arraybackslash}p{";
-      (((out_ += points(room(width))) += "}}{") += *at) += '}';
-    }
-    out_ += " \\\\*\n";
-  }
-
-  void write_cells(uint32_t row) {
-    const std::span<const PlacedCell> placed = view_.layout.row(row);
-    size_t i = 0;
-    while (i < placed.size() && placed[i].column < begin_)
-      ++i;
-    for (uint32_t column = begin_; column < end_; ++column) {
-      divide(column == begin_);
-      if (i == placed.size() || placed[i].column != column) continue;
-      write_cell(view_.cells.cells[view_.layout.row_begin[row] + i], placed[i]);
-      ++i;
-    }
-  }
-
-  void write_cell(const AlignedCell& cell, const PlacedCell& placed) {
-    const std::string marks = view_.marks(placed);
-    if (cell.kind == CellKind::Number && !view_.cells.columns[placed.column].mixed) {
-      write_number(cell, widest_[placed.column], marks);
+  void write_content(const RowCell& content) {
+    const AlignedCell& cell = *content.cell;
+    if (cell.kind == CellKind::Number && !content.at_start) {
+      write_number(cell, widest_[content.placed->column], content.marks);
       return;
     }
     if (cell.kind == CellKind::Text) out_ += words(view_.table.texts[cell.begin]);
     if (cell.kind == CellKind::Number) out_ += texts_.escaped(view_.cells.number(cell));
-    out_ += raised(marks);
+    out_ += raised(content.marks);
   }
 
   /// All numbers of a column are as wide on either side of the decimal mark as its widest.
-  void write_number(const AlignedCell& cell, const Widest& widest, const std::string& marks) {
+  void write_number(const AlignedCell& cell,
+                    const Widest& widest,
+                    const std::vector<uint32_t>& marks) {
     const DecimalWidths widths = decimal_widths(view_.cells.number(cell), cell);
     const auto [whole, rest] = parts(cell);
     const std::string tail = marks.empty() ? rest : rest + "\\rlap{" + raised(marks) + '}';
     if (widths.whole < widest.widths.whole) {
-      ((((out_ += "\\lead{") += widest.whole) += "}{") += whole) += '}';
+      append(out_, "\\lead{", widest.whole, "}{", whole, '}');
     } else {
       out_ += whole;
     }
     if (widths.rest < widest.widths.rest) {
-      ((((out_ += "\\trail{") += widest.rest) += "}{") += tail) += '}';
+      append(out_, "\\trail{", widest.rest, "}{", tail, '}');
     } else {
       out_ += tail;
     }
@@ -310,7 +272,7 @@ class LatexTable {
       (out_ += words(*view_.table.caption, "\\newline ")) += "\\par\n";
     }
     for (uint32_t mark = 0; mark < view_.layout.notes.size(); ++mark) {
-      (out_ += raised(mark_letters(mark))) += ' ';
+      (out_ += raised({mark})) += ' ';
       (out_ += words(view_.table.notes[view_.layout.notes[mark]])) += "\\par\n";
     }
     out_ += "\\end{tablenotes}\n";
@@ -322,10 +284,7 @@ class LatexTable {
   const Entry& entry_;
   TableView view_;
   PageTable page_;
-  std::vector<std::vector<const Head*>> grid_;
   std::vector<Widest> widest_;  // by column
-  uint32_t begin_ = 0;          // of the columns of the part being written
-  uint32_t end_ = 0;
 };
 
 }  // namespace

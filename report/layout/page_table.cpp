@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "report/chart/metrics.h"
+#include "report/wording.h"
 
 namespace hierfit::report {
 
@@ -93,7 +94,8 @@ class Planner {
       const Text* label = view_.label_of(head);
       if (label == nullptr || head.kind == HeadKind::Group) continue;
       if (++measured > kMostMeasured) break;
-      const double marks = kMarkFont / 2 * static_cast<double>(view_.marks(head).size());
+      const double marks =
+          kMarkFont / 2 * static_cast<double>(mark_letters(view_.marks(head)).size());
       cover(stubs_[head.level], *label, kLabel, kIndent * head.indent + marks);
     }
   }
@@ -164,13 +166,12 @@ class Planner {
     if (total(&Need::least, 0, columns_.size()) > room) fix_stubs(room);
     page_.columns.resize(columns_.size());
     const auto all = static_cast<uint32_t>(columns_.size());
-    for (uint32_t first = 0; first < all || page_.fold_ends.empty();) {
-      const uint32_t end = fold_end(first, room);
-      spread(first, end, room);
-      page_.fold_ends.push_back(end);
-      if (end == all) break;
-      first = end;
-    }
+    Part part;
+    do {
+      part = {part.end, part_end(part.end, room)};
+      spread(part, room);
+      page_.parts.push_back(part);
+    } while (part.end < all);
   }
 
   /// The row heads of a table that is divided are as wide at each part, and leave room.
@@ -181,7 +182,7 @@ class Planner {
       need.least = need.wanted = std::min(need.wanted, most);
   }
 
-  uint32_t fold_end(uint32_t first, double room) const {
+  uint32_t part_end(uint32_t first, double room) const {
     const auto all = static_cast<uint32_t>(columns_.size());
     double width = total(&Need::least, 0, 0);
     uint32_t end = first;
@@ -197,16 +198,16 @@ class Planner {
   }
 
   /// Gives each column its least and as much of what it would have as there is room for.
-  void spread(uint32_t first, uint32_t end, double room) {
-    const double least = total(&Need::least, first, end);
-    const double wanted = total(&Need::wanted, first, end);
+  void spread(const Part& part, double room) {
+    const double least = total(&Need::least, part.first, part.end);
+    const double wanted = total(&Need::wanted, part.first, part.end);
     const double scale =
         wanted <= least ? 0 : std::clamp((room - least) / (wanted - least), 0.0, 1.0);
     const auto width = [&](const Need& need) {
       return need.least + scale * (need.wanted - need.least);
     };
-    if (first == 0) std::ranges::transform(stubs_, std::back_inserter(page_.stubs), width);
-    for (uint32_t column = first; column < end; ++column)
+    if (part.first == 0) std::ranges::transform(stubs_, std::back_inserter(page_.stubs), width);
+    for (uint32_t column = part.first; column < part.end; ++column)
       page_.columns[column] = width(columns_[column]);
   }
 
@@ -219,9 +220,25 @@ class Planner {
 
 }  // namespace
 
-double PageTable::width(uint32_t first_column, uint32_t end_column) const {
-  return std::accumulate(stubs.begin(), stubs.end(), 0.0) +
-         std::accumulate(columns.begin() + first_column, columns.begin() + end_column, 0.0);
+double PageTable::column_width(const Part& part) const {
+  if (columns.empty()) return kNoColumns;
+  return std::accumulate(columns.begin() + part.first, columns.begin() + part.end, 0.0);
+}
+
+double PageTable::width(const Part& part) const {
+  return std::accumulate(stubs.begin(), stubs.end(), column_width(part));
+}
+
+double PageTable::width(const Part& part, uint32_t column, uint32_t count) const {
+  double sum = 0;
+  for (; count > 0; --count, ++column) {
+    if (column < stubs.size()) {
+      sum += stubs[column];
+    } else {
+      sum += columns.empty() ? kNoColumns : columns[part.first + column - stubs.size()];
+    }
+  }
+  return sum;
 }
 
 PageTable plan_table(const TableView& view) { return Planner(view).plan(); }

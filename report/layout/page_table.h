@@ -9,6 +9,7 @@
 
 #include "report/outline.h"
 #include "report/table_view.h"
+#include "report/typeset/part.h"
 
 namespace hierfit::report {
 
@@ -37,10 +38,17 @@ struct PageTable {
   std::vector<double> stubs;
   std::vector<double> columns;
   std::vector<DecimalWidths> decimals;  ///< by column
-  std::vector<uint32_t> fold_ends;      ///< where the columns end that stand side by side
+  std::vector<Part> parts;              ///< at least one
 
-  /// The width of the row heads with the columns of a fold.
-  double width(uint32_t first_column, uint32_t end_column) const;
+  /// What a table without columns has in their place.
+  static constexpr double kNoColumns = 140;
+
+  /// The width of the columns of a part, and that of the row heads with them.
+  double column_width(const Part& part) const;
+  double width(const Part& part) const;
+  /// The width of a cell that covers `count` columns from that one of a part on, the stubs among
+  /// them.
+  double width(const Part& part, uint32_t column, uint32_t count) const;
 };
 
 /// Plans a table: upright where it fits, else on its side, else divided, between groups of columns

@@ -68,7 +68,7 @@ double PdfTable::at(const Pen& pen, double offset, double width) const {
 }
 
 double PdfTable::start_height(Pen& pen) {
-  end_ = page_.fold_ends.front();
+  end_ = page_.parts.front().end;
   measure_head(pen);
   const double over = caption_height(pen) + kCaptionGap + head_height() + kBlockGap;
   const double most = (pen.bottom() - pen.top()) * kKeptPart;
@@ -87,8 +87,8 @@ double PdfTable::start_height(Pen& pen) {
 }
 
 void PdfTable::draw(Pen& pen) {
-  for (const uint32_t end : page_.fold_ends) {
-    end_ = end;
+  for (const Part& part : page_.parts) {
+    end_ = part.end;
     measure_head(pen);
     if (first_ > 0) {
       if (pen.room() < kBlockGap + caption_height(pen) + head_height() + 4 * kRow) {
@@ -98,7 +98,7 @@ void PdfTable::draw(Pen& pen) {
       }
     }
     draw_fold(pen);
-    first_ = end;
+    first_ = part.end;
   }
   first_ = 0;
   draw_notes(pen);
@@ -124,7 +124,7 @@ Runs PdfTable::caption(bool continues) const {
   }
   Runs runs = {{.text = filled(document_.word("Table ^1"), number) + "\n", .bold = true},
                {.text = view_.text(view_.table.title), .italic = true}};
-  add_marks(runs, view_.marks(view_.layout.title_notes));
+  add_marks(runs, mark_letters(view_.marks(view_.layout.title_notes)));
   return runs;
 }
 
@@ -144,7 +144,7 @@ Runs PdfTable::label(const Head& head) const {
   if (const Text* text = view_.label_of(head)) {
     runs.push_back({.text = view_.text(*text), .italic = text->symbol});
   }
-  add_marks(runs, view_.marks(head));
+  add_marks(runs, mark_letters(view_.marks(head)));
   return runs;
 }
 
@@ -390,7 +390,7 @@ void PdfTable::draw_text_cell(
 }
 
 std::string PdfTable::marks_at(const PlacedCell& placed) const {
-  return view_.table.cells.notes.empty() ? "" : view_.marks(placed);
+  return mark_letters(view_.marks(placed));
 }
 
 /// The numbers of a column have their decimal marks in line, and are centred together; marks of

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "report/chart/metrics.h"
+#include "report/wording.h"
 #include "report/xlsx/number_format.h"
 #include "report/xlsx/workbook.h"
 
@@ -69,8 +70,7 @@ class Measure {
         continue;
       }
       widths_.right[column] = std::max(widths_.right[column], right_length(cell));
-      if (view_.table.cells.notes.empty()) continue;
-      std::string marks = view_.marks(layout.placed[i]);
+      std::string marks = mark_letters(view_.marks(layout.placed[i]));
       if (marks.size() > widths_.marks[column].size()) widths_.marks[column] = std::move(marks);
     }
     for (size_t column = 0; column < widths_.columns.size(); ++column) {

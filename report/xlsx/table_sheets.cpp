@@ -135,7 +135,7 @@ class TableSheets {
       return;
     }
     std::vector<Run> title = {{view_.text(view_.table.title), {.italic = true}}};
-    add_marks(title, view_.marks(view_.layout.title_notes));
+    add_marks(title, mark_letters(view_.marks(view_.layout.title_notes)));
     write_title(workbook_, sheet_, numbered(entry_, document_), title);
   }
 
@@ -200,7 +200,7 @@ class TableSheets {
     Look run = look;
     run.italic = label->symbol;
     std::vector<Run> runs = {{view_.text(*label), run}};
-    add_marks(runs, view_.marks(head));
+    add_marks(runs, mark_letters(view_.marks(head)));
     const uint32_t at = view_.stubs() + first - piece.first_column;
     double width = 0;
     for (uint32_t column = first; column < end; ++column)
@@ -280,7 +280,7 @@ class TableSheets {
     look.indent = static_cast<uint8_t>(std::min<uint32_t>(head.indent, kDeepestIndent));
     std::vector<Run> runs;
     if (label != nullptr) runs.push_back({view_.text(*label), {.italic = label->symbol}});
-    add_marks(runs, view_.marks(head));
+    add_marks(runs, mark_letters(view_.marks(head)));
     write(head.level, runs, look);
   }
 
@@ -311,7 +311,7 @@ class TableSheets {
     const bool mixed = view_.cells.columns[placed.column].mixed;
     look.side = mixed ? Side::Start : Side::End;
     look.indent = mixed ? 1 : 0;
-    const std::string marks = view_.table.cells.notes.empty() ? std::string() : view_.marks(placed);
+    const std::string marks = mark_letters(view_.marks(placed));
     if (cell.kind != CellKind::Number) {
       look.wraps = cell.kind == CellKind::Text;
       std::vector<Run> runs;

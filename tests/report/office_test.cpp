@@ -122,18 +122,16 @@ TEST_CASE("tables on paper") {
   SUBCASE("lie upright, on their side where they must, and are divided beyond") {
     CHECK_FALSE(plan(7, 0).landscape);
     CHECK(plan(12, 0).landscape);
-    CHECK(plan(12, 0).fold_ends.size() == 1);
+    CHECK(plan(12, 0).parts.size() == 1);
     const report::PageTable wide = plan(40, 0);
-    CHECK(wide.fold_ends.size() > 1);
-    CHECK(wide.fold_ends.back() == 40);
-    for (size_t fold = 0, first = 0; fold < wide.fold_ends.size(); first = wide.fold_ends[fold++]) {
-      CHECK(wide.width(static_cast<uint32_t>(first), wide.fold_ends[fold]) <=
-            report::kPaperHeight - 2 * report::kSideMargin + 0.01);
-    }
+    CHECK(wide.parts.size() > 1);
+    CHECK(wide.parts.back().end == 40);
+    for (const report::Part& part : wide.parts)
+      CHECK(wide.width(part) <= report::kPaperHeight - 2 * report::kSideMargin + 0.01);
   }
   SUBCASE("are divided between groups of columns") {
-    for (const uint32_t end : plan(40, 5).fold_ends)
-      CHECK(end % 5 == 0);
+    for (const report::Part& part : plan(40, 5).parts)
+      CHECK(part.end % 5 == 0);
   }
 }
 
