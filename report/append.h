@@ -18,7 +18,8 @@ void append_piece(std::string& out, Number number) {
 
 }  // namespace detail
 
-/// Appends texts, characters and whole numbers, these in decimal digits, from the first to the last.
+/// Appends texts, characters and whole numbers, these in decimal digits, from the first to the
+/// last.
 template <class... Pieces>
 void append(std::string& out, const Pieces&... pieces) {
   (detail::append_piece(out, pieces), ...);

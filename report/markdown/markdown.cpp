@@ -8,6 +8,7 @@
 #include "report/markdown/markdown_text.h"
 #include "report/outline.h"
 #include "report/report.h"
+#include "report/typeset/table_rows.h"
 #include "report/wording.h"
 
 namespace hierfit::report {
@@ -17,7 +18,6 @@ using markdown::escaped_lines;
 using markdown::PipeTable;
 using output::Chart;
 using output::Document;
-using output::kNone;
 using output::Table;
 using output::Text;
 
@@ -46,32 +46,17 @@ class MarkdownTable {
     write_notes();
   }
 
-  std::string marks(const std::vector<uint32_t>& notes) const {
-    std::vector<uint32_t> numbers;
-    for (uint32_t note : notes)
-      numbers.push_back(view_.layout.marks[note]);
-    std::ranges::sort(numbers);
-    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
-    std::string letters;
-    for (uint32_t number : numbers) {
-      if (!letters.empty()) letters += "\u02D2";
-      letters += raised_letters(number);
-    }
-    return letters;
-  }
-
  private:
-  using RowHead = std::vector<Head>::const_iterator;
-
   void write_body() {
     std::vector<bool> numbers(view_.stubs(), false);
     for (const ColumnParts& column : view_.cells.columns)
       numbers.push_back(!column.mixed);
     PipeTable pipes(std::move(numbers));
     write_heads(pipes);
-    RowHead next = view_.layout.row_heads.begin();
-    for (uint32_t line = 0; line < view_.lines(); ++line)
-      write_line(pipes, line, next);
+    TableRows rows(view_, {0, view_.layout.columns});
+    while (rows.next()) {
+      if (!rows.in_head()) write_line(pipes, rows);
+    }
     pipes.append_to(out_);
   }
 
@@ -83,44 +68,32 @@ class MarkdownTable {
     }
     for (uint32_t column = 0; column < view_.layout.columns; ++column)
       pipes.cell(styled(escaped(heads.columns[column]), heads.symbols[column]) +
-                 marks(heads.column_notes[column]));
+                 raised_letters(view_.marks(heads.column_notes[column])));
   }
 
-  void write_line(PipeTable& pipes, uint32_t line, RowHead& next) const {
-    std::vector<std::string> labels(view_.stubs());
-    for (; next != view_.layout.row_heads.end() && next->first == line; ++next) {
-      for (uint32_t depth = 0; depth < next->indent; ++depth)
-        labels[next->level] += "&emsp;";
-      if (const Text* label = view_.label_of(*next)) labels[next->level] += styled(*label);
-      if (next->node != kNone) {
-        labels[next->level] +=
-            marks(view_.table.dimensions[next->dimension].nodes[next->node].notes);
-      }
+  void write_line(PipeTable& pipes, const TableRows& rows) const {
+    for (const RowCell& cell : rows.cells()) {
+      pipes.cell(cell.begins() ? content_of(cell) : "");
+      if (cell.role != RowCell::Role::Gap) continue;
+      for (uint32_t column = 1; column < cell.columns; ++column)
+        pipes.cell("");
     }
-    for (std::string& label : labels)
-      pipes.cell(std::move(label));
-    const uint32_t row = view_.layout.lines[line];
-    if (row != kNone) write_cells(pipes, row);
     pipes.end_row();
   }
 
-  void write_cells(PipeTable& pipes, uint32_t row) const {
-    uint32_t column = 0;
-    for (size_t i = view_.layout.row_begin[row]; i < view_.layout.row_begin[row + 1]; ++i) {
-      const PlacedCell& placed = view_.layout.placed[i];
-      for (; column < placed.column; ++column)
-        pipes.cell("");
-      pipes.cell(content_of(view_.cells.cells[i], placed));
-      ++column;
-    }
+  std::string content_of(const RowCell& cell) const {
+    std::string content;
+    for (uint32_t depth = 0; cell.head != nullptr && depth < cell.head->indent; ++depth)
+      content += "&emsp;";
+    if (cell.label != nullptr) content += styled(*cell.label);
+    if (cell.cell != nullptr) content += content_of(*cell.cell);
+    return content + raised_letters(cell.marks);
   }
 
-  std::string content_of(const AlignedCell& cell, const PlacedCell& placed) const {
-    std::string content;
-    if (cell.kind == CellKind::Number) content = escaped(view_.cells.number(cell));
-    if (cell.kind == CellKind::Text) content = styled(view_.table.texts[cell.begin]);
-    const auto notes = view_.table.cells.notes.find(placed.cell);
-    return notes == view_.table.cells.notes.end() ? content : content + marks(notes->second);
+  std::string content_of(const AlignedCell& cell) const {
+    if (cell.kind == CellKind::Missing) return {};
+    return cell.kind == CellKind::Number ? escaped(view_.cells.number(cell))
+                                         : styled(view_.table.texts[cell.begin]);
   }
 
   std::string styled(const Text& text) const {
@@ -172,7 +145,7 @@ class MarkdownReport {
   void write(const Table& table, const Entry& entry) {
     MarkdownTable writer(out_, document_, table);
     write_title(entry, restyled(table.title, style_),
-                writer.marks(writer.view().layout.title_notes));
+                raised_letters(writer.view().marks(writer.view().layout.title_notes)));
     writer.write();
   }
 

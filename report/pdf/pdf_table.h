@@ -3,6 +3,7 @@
 
 #include "output/document.h"
 #include "report/pdf/pen.h"
+#include "report/typeset/table_rows.h"
 
 namespace hierfit::report::pdf {
 
@@ -28,37 +29,31 @@ class PdfTable {
   void draw_caption(Pen& pen, bool continues);
   Runs caption(bool continues) const;
 
-  void draw_fold(Pen& pen);
-  double shown_width(uint32_t from, uint32_t to) const;
-  double table_width() const;
-  double stub_width() const;
+  void draw_part(Pen& pen, TableRows& rows);
+  void draw_rule(Pen& pen, const Part& part, double thickness) const;
   /// Where a cell lies on the page that begins so far from the side of the row heads.
   double at(const Pen& pen, double offset, double width) const;
+  /// The room for the text of a cell.
+  double inner_width(const Part& part, const RowCell& cell) const;
 
-  void measure_head(Pen& pen);
-  void draw_head(Pen& pen);
-  void draw_column_head(Pen& pen, const Head& head, double top);
-  Runs label(const Head& head) const;
-  Runs row_label(const Head& head) const;
+  void measure_head(Pen& pen, TableRows& rows);
+  void draw_head(Pen& pen, const Part& part);
+  void draw_over(Pen& pen, const Part& part, const RowCell& cell, double foot);
+  Runs label(const RowCell& cell) const;
+  Runs row_label(const RowCell& cell, double width) const;
   double head_height() const;
 
-  double line_height(Pen& pen, uint32_t line, size_t head) const;
-  double row_head_height(Pen& pen, const Head& head) const;
-  double cell_width(const Head& head) const;
-  void draw_lines(Pen& pen);
-  void draw_nothing(Pen& pen);
-  void draw_row_head(Pen& pen, const Head& head, double top);
-  void repeat_heads(Pen& pen, uint32_t line, double top);
-  void draw_cells(Pen& pen, uint32_t row, double top);
-  void draw_number(
-      Pen& pen, const PlacedCell& placed, const AlignedCell& cell, double offset, double top);
-  void draw_text_cell(
-      Pen& pen, const PlacedCell& placed, const AlignedCell& cell, double offset, double top);
-  /// Of the cells of a row, those of the fold.
-  std::span<const PlacedCell> shown_cells(uint32_t row) const;
-  const AlignedCell& aligned(const PlacedCell& placed) const;
-  std::string marks_at(const PlacedCell& placed) const;
-  void draw_text(Pen& pen, const Runs& runs, Side side, double x, double top, double width);
+  double line_height(Pen& pen, const TableRows& rows) const;
+  double row_head_height(Pen& pen, const Part& part, const RowCell& cell) const;
+  double content_height(Pen& pen, const Part& part, const RowCell& cell) const;
+  void draw_line(Pen& pen, const TableRows& rows);
+  void turn_page(Pen& pen, const TableRows& rows);
+  void draw_nothing(Pen& pen, const Part& part);
+  void draw_cell(Pen& pen, const Part& part, const RowCell& cell);
+  void draw_row_head(Pen& pen, const Part& part, const RowCell& cell);
+  void draw_number(Pen& pen, const RowCell& content, double offset);
+  void draw_text_cell(Pen& pen, const Part& part, const RowCell& content);
+  void draw_text(Pen& pen, const Runs& runs, double x, double width);
 
   double notes_height(Pen& pen) const;
   void draw_notes(Pen& pen);
@@ -67,12 +62,8 @@ class PdfTable {
   const output::Document& document_;
   TableView view_;
   PageTable page_;
-  std::vector<std::vector<const Head*>> grid_;
   uint32_t number_;
-  uint32_t first_ = 0;  // the columns of the fold
-  uint32_t end_ = 0;
-  std::vector<double> head_heights_;  // by head row
-  std::vector<const Head*> running_;  // by stub column: the head beside the last line
+  std::vector<double> head_heights_;  // by head row, of the part in hand
 };
 
 }  // namespace hierfit::report::pdf

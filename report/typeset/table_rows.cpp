@@ -12,7 +12,8 @@ namespace {
 /// The heads that begin in a row of heads over the columns of a part.
 std::span<const Head> heads_over(const TableLayout& layout, uint32_t level, const Part& part) {
   const auto end_of = [](const Head& head) { return head.first + head.span; };
-  const auto [row, row_end] = std::ranges::equal_range(layout.column_heads, level, {}, &Head::level);
+  const auto [row, row_end] =
+      std::ranges::equal_range(layout.column_heads, level, {}, &Head::level);
   const auto begin = std::ranges::upper_bound(row, row_end, part.first, {}, end_of);
   return {begin, std::ranges::lower_bound(begin, row_end, part.end, {}, &Head::first)};
 }
@@ -142,9 +143,8 @@ void TableRows::add_contents(uint32_t row) {
 
 void TableRows::add_gap(uint32_t from, uint32_t to) {
   if (from == to) return;
-  cells_.push_back({.role = Role::Gap,
-                    .column = view_.stubs() + from - part_.first,
-                    .columns = to - from});
+  cells_.push_back(
+      {.role = Role::Gap, .column = view_.stubs() + from - part_.first, .columns = to - from});
 }
 
 }  // namespace hierfit::report

@@ -44,9 +44,9 @@ struct RowCell {
   uint32_t end() const { return column + columns; }
 };
 
-/// A walk over the rows of one part of a table: those of the head, then the lines of the body; where
-/// the lines are sliced, the rows of the head again and then the lines of the next slice. A table
-/// that is empty has no lines. The view outlives the walk.
+/// A walk over the rows of one part of a table: those of the head, then the lines of the body;
+/// where the lines are sliced, the rows of the head again and then the lines of the next slice. A
+/// table that is empty has no lines. The view outlives the walk.
 class TableRows {
  public:
   /// With `slice_lines`, the lines come in slices of so many, at least one.
