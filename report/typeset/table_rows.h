@@ -65,6 +65,8 @@ class TableRows {
   /// Whether it is the first row of the slice, or the last.
   bool is_first() const { return at_ == 1; }
   bool is_last() const { return !in_head() && line() + 1 == slice_end_; }
+  /// Whether it is the first line of the slice: what goes on from the last one stands there again.
+  bool is_first_line() const { return !in_head() && line() == slice_begin_; }
   /// The line of the body.
   uint32_t line() const { return slice_begin_ + at_ - view_.head_rows() - 1; }
   /// The cells from the start. Together they cover the part, each place once.

@@ -4,6 +4,7 @@
 
 #include "report/chart/binding.h"
 #include "report/chart/metrics.h"
+#include "report/typeset/table_rows.h"
 #include "report/wording.h"
 #include "report/xlsx/column_widths.h"
 #include "report/xlsx/number_format.h"
@@ -11,7 +12,6 @@
 namespace hierfit::report::xlsx {
 
 using output::Document;
-using output::kNone;
 using output::Text;
 
 namespace {
@@ -30,14 +30,6 @@ constexpr double kTallestFrozenHead = 200;
 constexpr double kWidestFrozen = 360;
 constexpr uint8_t kDeepestIndent = 15;
 
-/// The lines and columns of a sheet.
-struct Piece {
-  uint32_t first_line = 0;
-  uint32_t end_line = 0;
-  uint32_t first_column = 0;
-  uint32_t end_column = 0;
-};
-
 class TableSheets {
  public:
   TableSheets(Workbook& workbook, const Document& document, const Entry& entry)
@@ -52,45 +44,49 @@ class TableSheets {
     const uint32_t around = kTitleRows + view_.head_rows() + notes;
     const uint32_t lines = limits.lines > around ? limits.lines - around : 1;
     const uint32_t columns = limits.columns > view_.stubs() ? limits.columns - view_.stubs() : 1;
-    Piece piece;
+    std::vector<TableRows> walks;
+    Part part;
     do {
-      piece.end_line = std::min(view_.lines(), piece.first_line + lines);
-      piece.first_column = 0;
-      do {
-        piece.end_column = std::min(view_.layout.columns, piece.first_column + columns);
-        write_piece(piece);
-        piece.first_column = piece.end_column;
-      } while (piece.end_column < view_.layout.columns);
-      piece.first_line = piece.end_line;
-    } while (piece.end_line < view_.lines());
+      part = {part.end, std::min(view_.layout.columns, part.end + columns)};
+      walks.emplace_back(view_, part, lines);
+    } while (part.end < view_.layout.columns);
+    do {
+      for (TableRows& rows : walks)
+        write_sheet(rows);
+    } while (go_on(walks));
   }
 
  private:
-  double width_of(uint32_t sheet_column, const Piece& piece) const {
-    const uint32_t column = sheet_column - view_.stubs() + piece.first_column;
-    return sheet_column < view_.stubs() ? widths_.stubs[sheet_column] : widths_.columns[column];
+  static bool go_on(std::vector<TableRows>& walks) {
+    bool goes_on = true;
+    for (TableRows& rows : walks)
+      goes_on = rows.next_slice();
+    return goes_on;
   }
 
-  uint32_t used_columns(const Piece& piece) const {
-    return view_.stubs() + std::max(piece.end_column - piece.first_column, 1U);
+  double width_of(const Part& part, uint32_t column) const {
+    const uint32_t stubs = view_.stubs();
+    return column < stubs ? widths_.stubs[column] : widths_.columns[part.first + column - stubs];
   }
 
   // A sheet.
 
-  void write_piece(const Piece& piece) {
+  void write_sheet(TableRows& rows) {
     sheet_ = workbook_.add_sheet(next_name());
-    const bool continues = piece.first_line > 0 || piece.first_column > 0;
-    set_columns(piece);
-    write_caption(continues);
+    set_columns(rows);
+    write_caption(rows.continues());
     row_ = kTitleRows;
-    write_heads(piece);
-    if (view_.layout.empty()) {
-      write_nothing(piece);
-    } else {
-      for (uint32_t line = piece.first_line; line < piece.end_line; ++line)
-        write_line(piece, line);
+    head_height_ = 0;
+    while (rows.next()) {
+      if (rows.in_head()) {
+        write_head_row(rows);
+      } else {
+        write_line(rows);
+      }
+      ++row_;
     }
-    write_notes(piece);
+    if (view_.layout.empty()) write_nothing(rows);
+    write_notes(rows);
     const bool low_head = head_height_ <= kTallestFrozenHead;
     worksheet_freeze_panes(sheet_, low_head ? kTitleRows + view_.head_rows() : 0, frozen_columns());
   }
@@ -109,10 +105,10 @@ class TableSheets {
     return width > kWidestFrozen ? 0 : static_cast<lxw_col_t>(view_.stubs());
   }
 
-  void set_columns(const Piece& piece) {
+  void set_columns(const TableRows& rows) {
     double total = 0;
-    for (uint32_t column = 0; column < used_columns(piece) && !view_.layout.empty(); ++column) {
-      const double width = width_of(column, piece);
+    for (uint32_t column = 0; column < rows.columns() && !view_.layout.empty(); ++column) {
+      const double width = width_of(rows.part(), column);
       total += width + kColumnPadding;
       const auto at = static_cast<lxw_col_t>(column);
       worksheet_set_column(sheet_, at, at, column_width(width), nullptr);
@@ -135,50 +131,39 @@ class TableSheets {
       return;
     }
     std::vector<Run> title = {{view_.text(view_.table.title), {.italic = true}}};
-    add_marks(title, mark_letters(view_.marks(view_.layout.title_notes)));
+    add_marks(title, view_.marks(view_.layout.title_notes));
     write_title(workbook_, sheet_, numbered(entry_, document_), title);
   }
 
-  static void add_marks(std::vector<Run>& runs, std::string marks) {
-    if (!marks.empty()) runs.push_back({std::move(marks), {.raised = true}});
+  static void add_marks(std::vector<Run>& runs, const std::vector<uint32_t>& marks) {
+    if (!marks.empty()) runs.push_back({mark_letters(marks), {.raised = true}});
   }
 
   void write(uint32_t column, const std::vector<Run>& runs, const Look& look) {
     write_runs(workbook_, sheet_, row_, column, runs, look);
   }
 
-  void write_blank(uint32_t column, const Look& look) { write(column, {}, look); }
+  void write_blanks(uint32_t from, uint32_t to, const Look& look) {
+    for (; from < to; ++from)
+      write(from, {}, look);
+  }
 
   // The heads.
 
-  void write_heads(const Piece& piece) {
-    const uint32_t rows = view_.head_rows();
-    head_height_ = 0;
-    for (uint32_t level = 0; level < rows; ++level, ++row_) {
-      const Look look = {.wraps = true,
-                         .low = true,
-                         .above = level == 0 ? Rule::Thick : Rule::None,
-                         .below = level + 1 == rows ? Rule::Thin : Rule::None};
-      row_height_ = kLineHeight + 3;
-      for (uint32_t column = 0; column < used_columns(piece); ++column)
-        write_blank(column, look);
-      if (level + 1 == rows) write_stub_titles(look);
-      // A head that reaches down stands at its foot, so that each row is written once.
-      for (const Head& head : view_.layout.column_heads) {
-        if (head.level + head.depth - 1 == level) write_column_head(head, piece, look, rows);
-      }
-      worksheet_set_row(sheet_, row_, row_height_, nullptr);
-      head_height_ += row_height_;
+  void write_head_row(const TableRows& rows) {
+    const bool last = row_ + 1 == kTitleRows + view_.head_rows();
+    const Look look = {.wraps = true,
+                       .low = true,
+                       .above = rows.is_first() ? Rule::Thick : Rule::None,
+                       .below = last ? Rule::Thin : Rule::None};
+    row_height_ = kLineHeight + 3;
+    write_blanks(0, rows.columns(), look);
+    // A head that reaches down stands at its foot, so that each row is written once.
+    for (const RowCell& cell : rows.cells()) {
+      if (cell.ends() && cell.label != nullptr) write_over(rows.part(), cell, look);
     }
-  }
-
-  void write_stub_titles(const Look& look) {
-    for (uint32_t stub = 0; stub < view_.stubs(); ++stub) {
-      const Text* title = view_.stub_title(stub);
-      if (title == nullptr) continue;
-      write(stub, {{view_.text(*title), look}}, look);
-      grow(*title, widths_.stubs[stub] + kColumnPadding);
-    }
+    worksheet_set_row(sheet_, row_, row_height_, nullptr);
+    head_height_ += row_height_;
   }
 
   void grow(const Text& text, double width) {
@@ -186,28 +171,24 @@ class TableSheets {
     row_height_ = std::max(row_height_, static_cast<double>(lines) * kLineHeight + 3);
   }
 
-  void write_column_head(const Head& head, const Piece& piece, Look look, uint32_t rows) {
-    const uint32_t first = std::max(head.first, piece.first_column);
-    const uint32_t end = std::min(head.first + head.span, piece.end_column);
-    const Text* label = view_.label_of(head);
-    if (first >= end || label == nullptr) return;
-    const bool over_heads = head.level + head.depth < rows;
-    look.side = over_heads || end - first > 1      ? Side::Centre
-                : view_.cells.columns[first].mixed ? Side::Start
-                                                   : Side::End;
-    if (look.side == Side::Start) look.indent = 1;
-    if (over_heads) look.below = Rule::Hair;
+  void write_over(const Part& part, const RowCell& cell, Look look) {
+    if (cell.role == RowCell::Role::ColumnHead) {
+      look.side = cell.over_heads || cell.columns > 1 ? Side::Centre
+                  : cell.at_start                     ? Side::Start
+                                                      : Side::End;
+      if (look.side == Side::Start) look.indent = 1;
+      if (cell.over_heads) look.below = Rule::Hair;
+    }
     Look run = look;
-    run.italic = label->symbol;
-    std::vector<Run> runs = {{view_.text(*label), run}};
-    add_marks(runs, mark_letters(view_.marks(head)));
-    const uint32_t at = view_.stubs() + first - piece.first_column;
+    run.italic = cell.head != nullptr && cell.label->symbol;
+    std::vector<Run> runs = {{view_.text(*cell.label), run}};
+    add_marks(runs, cell.marks);
     double width = 0;
-    for (uint32_t column = first; column < end; ++column)
-      width += widths_.columns[column] + kColumnPadding;
-    merge(at, at + end - first - 1, look);
-    write(at, runs, look);
-    grow(*label, width);
+    for (uint32_t column = cell.column; column < cell.end(); ++column)
+      width += width_of(part, column) + kColumnPadding;
+    merge(cell.column, cell.end() - 1, look);
+    write(cell.column, runs, look);
+    grow(*cell.label, width);
   }
 
   void merge(uint32_t first, uint32_t last, const Look& look) {
@@ -218,135 +199,95 @@ class TableSheets {
 
   // The body.
 
-  void write_nothing(const Piece& piece) {
+  void write_nothing(const TableRows& rows) {
     const Look look = {.italic = true,
                        .quiet = true,
                        .above = view_.head_rows() == 0 ? Rule::Thick : Rule::None,
                        .below = Rule::Thick};
-    for (uint32_t column = 0; column < used_columns(piece); ++column)
-      write_blank(column, look);
+    write_blanks(0, rows.columns(), look);
     write(0, {{std::string(document_.word("No entries")), look}}, look);
     ++row_;
   }
 
-  void write_line(const Piece& piece, uint32_t line) {
+  void write_line(const TableRows& rows) {
     Look look;
-    if (line + 1 == piece.end_line) look.below = Rule::Thick;
-    if (line == piece.first_line && view_.head_rows() == 0) look.above = Rule::Thick;
-    const auto heads = heads_of(piece, line);
-    uint32_t stub = 0;
-    for (const Head* head : heads) {
-      for (; stub < head->level; ++stub)
-        write_blank(stub, look);
-      write_row_head(*head, look);
-      stub = head->level + 1;
+    if (rows.is_last()) look.below = Rule::Thick;
+    if (rows.is_first()) look.above = Rule::Thick;
+    for (const RowCell& cell : rows.cells()) {
+      if (cell.role == RowCell::Role::Content) {
+        write_content(cell, look);
+      } else if (cell.head == nullptr) {
+        write_gap(cell.column, cell.end(), look);
+      } else if (cell.begins() || rows.is_first_line()) {
+        write_row_head(cell, look);
+      } else {
+        write_blanks(cell.column, cell.end(), look);
+      }
     }
-    const bool of_group = view_.layout.lines[line] == kNone;
-    for (; stub < view_.stubs(); ++stub)
-      write_blank(stub, look);
-    write_cells(
-        piece,
-        of_group ? std::span<const PlacedCell>() : view_.layout.row(view_.layout.lines[line]),
-        of_group ? 0 : view_.layout.row_begin[view_.layout.lines[line]], look);
-    ++row_;
   }
 
-  /// The heads beside a line: those that begin there, and on the first line of a sheet those that
-  /// go on. Lines come in order, once for each group of columns.
-  std::vector<const Head*> heads_of(const Piece& piece, uint32_t line) {
-    const std::vector<Head>& heads = view_.layout.row_heads;
-    auto head = std::ranges::lower_bound(heads, line, {}, &Head::first);
-    std::vector<const Head*> found;
-    if (line == piece.first_line && line > 0) found = running_heads(line);
-    for (; head != heads.end() && head->first == line; ++head)
-      found.push_back(&*head);
-    return found;
-  }
-
-  std::vector<const Head*> running_heads(uint32_t line) const {
-    std::vector<const Head*> running(view_.stubs(), nullptr);
-    for (const Head& head : view_.layout.row_heads) {
-      if (head.first >= line) break;
-      if (head.first + head.span > line && head.kind != HeadKind::Group)
-        running[head.level] = &head;
-    }
-    std::erase(running, nullptr);
-    return running;
-  }
-
-  void write_row_head(const Head& head, Look look) {
-    const Text* label = view_.label_of(head);
-    look.wraps = head.kind != HeadKind::Group;
-    look.indent = static_cast<uint8_t>(std::min<uint32_t>(head.indent, kDeepestIndent));
+  void write_row_head(const RowCell& cell, const Look& line) {
+    Look look = line;
+    look.wraps = cell.role != RowCell::Role::Group;
+    look.indent = static_cast<uint8_t>(std::min<uint32_t>(cell.head->indent, kDeepestIndent));
     std::vector<Run> runs;
-    if (label != nullptr) runs.push_back({view_.text(*label), {.italic = label->symbol}});
-    add_marks(runs, mark_letters(view_.marks(head)));
-    write(head.level, runs, look);
-  }
-
-  void write_cells(const Piece& piece,
-                   std::span<const PlacedCell> row,
-                   size_t begin,
-                   const Look& look) {
-    uint32_t next = piece.first_column;
-    for (size_t i = 0; i < row.size(); ++i) {
-      const uint32_t column = row[i].column;
-      if (column < piece.first_column || column >= piece.end_column) continue;
-      write_gap(piece, next, column, look);
-      write_cell(view_.stubs() + column - piece.first_column, row[i], view_.cells.cells[begin + i],
-                 look);
-      next = column + 1;
+    if (cell.label != nullptr) {
+      runs.push_back({view_.text(*cell.label), {.italic = cell.label->symbol}});
     }
-    write_gap(piece, next, piece.end_column, look);
+    add_marks(runs, cell.marks);
+    write(cell.column, runs, look);
+    if (cell.columns == 1) return;
+    write_blanks(cell.column + 1, view_.stubs(), line);
+    write_gap(view_.stubs(), cell.end(), line);
   }
 
   /// Cells that are not there are left alone, but for the rules that run through them.
-  void write_gap(const Piece& piece, uint32_t from, uint32_t to, const Look& look) {
-    if (look.above == Rule::None && look.below == Rule::None) return;
-    for (; from < to; ++from)
-      write_blank(view_.stubs() + from - piece.first_column, look);
+  void write_gap(uint32_t from, uint32_t to, const Look& look) {
+    if (look.above != Rule::None || look.below != Rule::None) write_blanks(from, to, look);
   }
 
-  void write_cell(uint32_t at, const PlacedCell& placed, const AlignedCell& cell, Look look) {
-    const bool mixed = view_.cells.columns[placed.column].mixed;
+  void write_content(const RowCell& content, Look look) {
+    const AlignedCell& cell = *content.cell;
+    const uint32_t column = content.placed->column;
+    const bool mixed = content.at_start;
     look.side = mixed ? Side::Start : Side::End;
     look.indent = mixed ? 1 : 0;
-    const std::string marks = mark_letters(view_.marks(placed));
     if (cell.kind != CellKind::Number) {
       look.wraps = cell.kind == CellKind::Text;
       std::vector<Run> runs;
       if (look.wraps) runs.push_back({view_.text(view_.table.texts[cell.begin]), look});
-      add_marks(runs, marks);
-      return write(at, runs, look);
+      add_marks(runs, content.marks);
+      return write(content.column, runs, look);
     }
-    look.number = number_format(view_.number_of(placed), cell, view_.cells.columns[placed.column],
-                                mixed ? 0 : widths_.right[placed.column], document_.numbers, marks,
-                                mixed ? "" : std::string_view(widths_.marks[placed.column]));
-    worksheet_write_number(sheet_, row_, static_cast<lxw_col_t>(at), cell.value,
+    look.number = number_format(view_.number_of(*content.placed), cell, view_.cells.columns[column],
+                                mixed ? 0 : widths_.right[column], document_.numbers,
+                                mark_letters(content.marks),
+                                mixed ? "" : std::string_view(widths_.marks[column]));
+    worksheet_write_number(sheet_, row_, static_cast<lxw_col_t>(content.column), cell.value,
                            workbook_.format(look));
   }
 
   // The notes.
 
-  void write_notes(const Piece& piece) {
+  void write_notes(const TableRows& rows) {
     if (view_.captioned()) {
-      write_note(piece, {{std::string(document_.word("Note.")) + " ", {.italic = true}},
-                         {view_.text(*view_.table.caption), {}}});
+      write_note(rows, {{std::string(document_.word("Note.")) + " ", {.italic = true}},
+                        {view_.text(*view_.table.caption), {}}});
     }
     for (uint32_t mark = 0; mark < view_.layout.notes.size() && row_ < kMostRows; ++mark) {
-      write_note(piece, {{mark_letters(mark), {.raised = true}},
-                         {" " + view_.text(view_.table.notes[view_.layout.notes[mark]]), {}}});
+      write_note(rows, {{mark_letters(mark), {.raised = true}},
+                        {" " + view_.text(view_.table.notes[view_.layout.notes[mark]]), {}}});
     }
   }
 
   /// Notes run over the columns of the table, and over further ones where it is narrow.
-  void write_note(const Piece& piece, const std::vector<Run>& runs) {
+  void write_note(const TableRows& rows, const std::vector<Run>& runs) {
     constexpr double kPlainColumn = 48;
     double width = 0;
     uint32_t columns = 0;
     while (width < kNoteWidth && columns < kMostColumns) {
-      const bool used = columns < used_columns(piece) && !view_.layout.empty();
-      width += used ? width_of(columns, piece) + kColumnPadding : kPlainColumn;
+      const bool used = columns < rows.columns() && !view_.layout.empty();
+      width += used ? width_of(rows.part(), columns) + kColumnPadding : kPlainColumn;
       ++columns;
     }
     std::string text;
