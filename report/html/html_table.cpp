@@ -1,29 +1,42 @@
-// Writes one table as HTML: its frame, caption and head.
 #include "report/html/html_table.h"
 
 #include <algorithm>
 
-#include "report/html/html_table_writer.h"
+#include "report/append.h"
 #include "report/html/markup.h"
+#include "report/typeset/table_rows.h"
 #include "report/wording.h"
 
 namespace hierfit::report::html {
 
 using output::Document;
 using output::Table;
+using output::Text;
+using Role = RowCell::Role;
 
 namespace {
+
+/// What HTML lets a cell cover.
+constexpr uint32_t kMostColumns = 1000;
 
 /// From this many cells on `scope` alone ties cells to their heads: naming the heads in every cell
 /// would double the file.
 constexpr size_t kMostCellsWithHeaders = 20000;
 
-/// A table of more body lines than this is written in pieces of half as many.
+/// A table of more body lines than this is written in slices of half as many.
 constexpr uint32_t kManyLines = 1000;
-constexpr uint32_t kPieceLines = kManyLines / 2;
 
 /// From this many columns on the row heads stay in view while the table scrolls sideways.
 constexpr uint32_t kManyColumns = 6;
+
+/// A longer run of places without a cell becomes one cell.
+constexpr uint32_t kLongestPlainGap = 50;
+
+/// The deepest indent that the style sheet knows, and the most steps of padding (its classes l1...
+/// and r1...).
+constexpr uint32_t kDeepestIndent = 4;
+constexpr int kMostLeftSteps = 24;
+constexpr int kMostRightSteps = 48;
 
 /// How many digits fit side by side on a printed page, what a column has around them, and the most
 /// that row heads take.
@@ -34,309 +47,490 @@ constexpr double kWidestStub = 26;
 /// A CSS pixel in thousandths of a point.
 constexpr int kMilliPointsPerPixel = 750;
 
-}  // namespace
+/// The width that stands right of the decimal mark, in halves of a digit's width. The style sheet
+/// gives an exponent of n characters n + 1/2 digits; the mark is as wide as half a digit, a percent
+/// sign as one and a half.
+int right_steps(const AlignedCell& cell) {
+  const int tail_steps = cell.tail == 0 ? 0 : cell.tail == 1 ? 3 : 2 * cell.tail + 1;
+  return (cell.fraction == 0 ? 0 : 2 * cell.fraction - 1) + tail_steps;
+}
 
-HtmlTable::HtmlTable(std::string& out,
-                     const Document& document,
-                     const Table& table,
-                     uint32_t number)
-    : out_(out), document_(document), table_(table), style_(document.numbers), number_(number) {
-  style_.minus = "\u2212";
-  layout_ = lay_out(table);
-  cells_ = align_cells(table, layout_, style_);
-  // The widest right part may be a fraction, an exponent or both.
-  right_.assign(layout_.columns, 0);
-  for (size_t i = 0; i < cells_.cells.size(); ++i) {
-    int& right = right_[layout_.placed[i].column];
-    right = std::max(right, right_steps(cells_.cells[i].fraction, cells_.cells[i].tail));
+/// Writes a table from its caption to its last note.
+class HtmlTable {
+ public:
+  HtmlTable(std::string& out, const Document& document, const Table& table, uint32_t number)
+      : out_(out),
+        document_(document),
+        view_(document, table),
+        id_("t" + std::to_string(number)),
+        number_(number),
+        right_(view_.layout.columns, 0),
+        referenced_(view_.layout.notes.size(), false) {
+    for (size_t i = 0; i < view_.cells.cells.size(); ++i) {
+      int& right = right_[view_.layout.placed[i].column];
+      right = std::max(right, right_steps(view_.cells.cells[i]));
+    }
+    measure_heads();
+    name_heads();
   }
-  measure_heads();
-  referenced_.assign(layout_.notes.size(), false);
-  name_heads();
-}
 
-void HtmlTable::write() {
-  column_end_ = layout_.columns;
-  const bool folds = is_wider_than_page();
-  if (folds) out_ += "<div class=\"unfolded\">\n";
-  write_lines();
-  if (!folds) return;
-  out_ += "</div>\n<div class=\"folded\">\n";
-  write_folds();
-  out_ += "</div>\n";
-}
-
-void HtmlTable::write_lines() {
-  next_head_ = layout_.row_heads.begin();
-  side_.assign(layout_.stubs.size(), {});
-  in_block_ = false;
-  piece_end_ = 0;
-  do {
-    piece_begin_ = piece_end_;
-    piece_end_ = is_long() ? std::min(piece_begin_ + kPieceLines, lines()) : lines();
-    write_piece();
-  } while (piece_end_ < lines());
-}
-
-void HtmlTable::write_piece() {
-  if (for_paper_) {
-    out_ += "<div class=\"scroll\">\n<table";
-  } else {
-    out_ += is_long() ? "<div class=\"scroll piece" : "<div class=\"scroll";
-    out_ += "\" tabindex=\"0\" role=\"region\" aria-labelledby=\"";
-    append_id();
-    out_ += "\">\n<table";
-    if (layout_.stubs.size() == 1 && columns() >= kManyColumns) out_ += " class=\"wide\"";
+  void write() {
+    const bool folds = is_wider_than_page();
+    if (folds) out_ += "<div class=\"unfolded\">\n";
+    write_part({0, view_.layout.columns});
+    if (!folds) return;
+    out_ += "</div>\n<div class=\"folded\">\n";
+    write_copy();
+    out_ += "</div>\n";
   }
-  out_ += ">\n";
-  write_caption();
-  write_column_widths();
-  write_head();
-  write_body();
-  if (piece_end_ == lines() && column_end_ == layout_.columns) write_foot();
-  out_ += "</table>\n</div>\n";
-}
 
-void HtmlTable::write_folds() {
-  for_paper_ = true;
-  named_ = false;
-  for (column_begin_ = 0; column_begin_ < layout_.columns; column_begin_ = column_end_) {
-    column_end_ = fold_end();
-    write_lines();
+ private:
+  bool is_long() const { return view_.lines() > kManyLines; }
+
+  // For paper.
+
+  /// A table that is wider than a page once more, a part beneath the other.
+  void write_copy() {
+    for_paper_ = true;
+    named_ = false;
+    for (Part part; part.end < view_.layout.columns;) {
+      part = {part.end, fold_end(part.end)};
+      write_part(part);
+    }
   }
-}
 
-/// A group of columns that fits on a page of its own is not divided.
-uint32_t HtmlTable::fold_end() const {
-  double width = printed_stub_width();
-  uint32_t end = column_begin_;
-  uint32_t last_group = column_begin_;
-  for (const Head& head : layout_.column_heads) {
-    if (head.level == 0 && head.first >= column_begin_) {
-      while (end < head.first && width + printed_width(end) <= kPageDigits) {
-        width += printed_width(end++);
+  /// A group of columns that fits on a page of its own is not divided.
+  uint32_t fold_end(uint32_t begin) const {
+    double width = printed_stub_width();
+    uint32_t end = begin;
+    uint32_t last_group = begin;
+    for (const Head& head : view_.layout.column_heads) {
+      if (head.level == 0 && head.first >= begin) {
+        while (end < head.first && width + printed_width(end) <= kPageDigits) {
+          width += printed_width(end++);
+        }
+        if (end < head.first) break;
+        last_group = end;
       }
-      if (end < head.first) break;
-      last_group = end;
     }
+    while (end < view_.layout.columns && width + printed_width(end) <= kPageDigits) {
+      width += printed_width(end++);
+    }
+    if (end == view_.layout.columns) return end;
+    return last_group > begin ? last_group : std::max(end, begin + 1);
   }
-  while (end < layout_.columns && width + printed_width(end) <= kPageDigits) {
-    width += printed_width(end++);
+
+  double printed_width(uint32_t column) const {
+    constexpr double kTextDigits = 14;
+    const ColumnParts& parts = view_.cells.columns[column];
+    const double digits = parts.mixed ? kTextDigits : parts.whole + right_[column] / 2.0;
+    return std::max(digits, head_digits_[column]) + kPrintedGap;
   }
-  if (end == layout_.columns) return end;
-  return last_group > column_begin_ ? last_group : std::max(end, column_begin_ + 1);
-}
 
-double HtmlTable::printed_width(uint32_t column) const {
-  constexpr double kTextDigits = 14;
-  const ColumnParts& parts = cells_.columns[column];
-  const double digits = parts.mixed ? kTextDigits : parts.whole + right_[column] / 2.0;
-  return std::max(digits, head_digits_[column]) + kPrintedGap;
-}
-
-double HtmlTable::printed_stub_width() const {
-  size_t longest = 0;
-  for (const Head& head : layout_.row_heads) {
-    if (const output::Text* label = label_of(head))
-      longest = std::max(longest, label->shown.size());
-  }
-  const double widest = std::min(static_cast<double>(longest), kWidestStub) + kPrintedGap;
-  return widest * static_cast<double>(std::min<size_t>(layout_.stubs.size(), 2));
-}
-
-bool HtmlTable::is_wider_than_page() const {
-  double width = printed_stub_width();
-  for (uint32_t column = 0; column < layout_.columns && width <= kPageDigits; ++column) {
-    width += printed_width(column);
-  }
-  return width > kPageDigits && !is_long();
-}
-
-/// By column: the longest word of the heads that stand over it alone.
-void HtmlTable::measure_heads() {
-  head_digits_.assign(layout_.columns, 0);
-  for (const Head& head : layout_.column_heads) {
-    const output::Text* label = label_of(head);
-    if (label == nullptr || head.span > 1) continue;
+  double printed_stub_width() const {
     size_t longest = 0;
-    size_t length = 0;
-    for (const char character : label->shown) {
-      length = character == ' ' || character == '\n' ? 0 : length + 1;
-      longest = std::max(longest, length);
+    for (const Head& head : view_.layout.row_heads) {
+      if (const Text* label = view_.label_of(head))
+        longest = std::max(longest, label->shown.size());
     }
-    head_digits_[head.first] = std::max(head_digits_[head.first], static_cast<double>(longest));
+    const double widest = std::min(static_cast<double>(longest), kWidestStub) + kPrintedGap;
+    return widest * static_cast<double>(std::min<size_t>(view_.layout.stubs.size(), 2));
   }
-}
 
-uint32_t HtmlTable::all_columns() const {
-  return static_cast<uint32_t>(layout_.stubs.size()) + std::max(columns(), 1U);
-}
-
-bool HtmlTable::is_long() const { return lines() > kManyLines; }
-
-bool HtmlTable::has_stub_titles() const {
-  return std::ranges::any_of(layout_.stubs, [this](uint32_t d) { return titled(d); });
-}
-
-bool HtmlTable::titled(uint32_t dimension) const {
-  const output::Dimension& of = table_.dimensions[dimension];
-  return of.title_shown && !of.title.shown.empty();
-}
-
-void HtmlTable::append_id() {
-  out_ += 't';
-  append_number(out_, number_);
-}
-
-void HtmlTable::append_id(char part, uint32_t index) {
-  append_id();
-  out_ += part;
-  append_number(out_, index);
-}
-
-void HtmlTable::name_heads() {
-  const bool simple = layout_.head_rows < 2 && layout_.stubs.size() < 2 &&
-                      layout_.lines.size() == size_t{layout_.rows};
-  named_ = !simple && !is_long() && layout_.placed.size() <= kMostCellsWithHeaders;
-  if (!named_) return;
-  column_names_.resize(layout_.columns);
-  std::string name;
-  for (uint32_t i = 0; i < layout_.column_heads.size(); ++i) {
-    const Head& head = layout_.column_heads[i];
-    if (label_of(head) == nullptr) continue;
-    name = " t" + std::to_string(number_) + "c" + std::to_string(i);
-    for (uint32_t c = head.first; c < head.first + head.span; ++c)
-      column_names_[c] += name;
-  }
-}
-
-const output::Text* HtmlTable::label_of(const Head& head) const {
-  switch (head.kind) {
-    case HeadKind::Title:
-      return &table_.dimensions[head.dimension].title;
-    case HeadKind::Group:
-    case HeadKind::Category: {
-      const output::Text& label = table_.dimensions[head.dimension].nodes[head.node].label;
-      return label.shown.empty() ? nullptr : &label;
+  bool is_wider_than_page() const {
+    double width = printed_stub_width();
+    for (uint32_t column = 0; column < view_.layout.columns && width <= kPageDigits; ++column) {
+      width += printed_width(column);
     }
-    case HeadKind::Blank:
-      return nullptr;
+    return width > kPageDigits && !is_long();
   }
-  return nullptr;
-}
 
-void HtmlTable::write_caption() {
-  const std::string number = std::to_string(number_);
-  if (piece_begin_ > 0 || column_begin_ > 0) {
-    out_ += "<caption><span><b>";
-    append_escaped(out_, filled(document_.word("Table ^1 (continued)"), number));
-    out_ += "</b></span></caption>\n";
-    return;
-  }
-  out_ += "<caption";
-  if (!for_paper_) {
-    out_ += " id=\"";
-    append_id();
-    out_ += '"';
-  }
-  out_ += "><span><b>";
-  append_escaped(out_, filled(document_.word("Table ^1"), number));
-  out_ += "</b><br><i>";
-  append_text(out_, table_.title, style_);
-  out_ += "</i>";
-  write_marks(layout_.title_notes);
-  out_ += "</span></caption>\n";
-}
-
-void HtmlTable::write_column_widths() {
-  if (table_.min_data_column_width <= 0 || columns() == 0) return;
-  out_ += "<colgroup>";
-  for (size_t i = 0; i < layout_.stubs.size(); ++i)
-    out_ += "<col>";
-  out_ += "<col";
-  append_span(out_, "span", std::min(columns(), kMostColumns));
-  out_ += " width=\"";
-  const int64_t pixels = int64_t{table_.min_data_column_width} * 1000 / kMilliPointsPerPixel;
-  append_number(out_, static_cast<uint32_t>(std::min<int64_t>(pixels, 4000)));
-  out_ += "\"></colgroup>\n";
-}
-
-void HtmlTable::write_head() {
-  const bool stub_titles = has_stub_titles();
-  if (!has_head()) return;
-  const uint32_t rows = std::max(layout_.head_rows, 1U);
-  out_ += "<thead>\n";
-  auto head = layout_.column_heads.begin();
-  for (uint32_t level = 0; level < rows; ++level) {
-    out_ += "<tr>";
-    if (level == 0) write_corner(rows, stub_titles);
-    for (; head != layout_.column_heads.end() && head->level == level; ++head) {
-      write_column_head(*head);
+  /// By column: the longest word of the heads that stand over it alone.
+  void measure_heads() {
+    head_digits_.assign(view_.layout.columns, 0);
+    for (const Head& head : view_.layout.column_heads) {
+      const Text* label = view_.label_of(head);
+      if (label == nullptr || head.span > 1) continue;
+      size_t longest = 0;
+      size_t length = 0;
+      for (const char character : label->shown) {
+        length = character == ' ' || character == '\n' ? 0 : length + 1;
+        longest = std::max(longest, length);
+      }
+      head_digits_[head.first] = std::max(head_digits_[head.first], static_cast<double>(longest));
     }
-    if (layout_.head_rows == 0) write_blank(std::max(columns(), 1U), 1);
-    out_ += "</tr>\n";
   }
-  out_ += "</thead>\n";
-}
 
-void HtmlTable::write_corner(uint32_t rows, bool stub_titles) {
-  const auto stubs = static_cast<uint32_t>(layout_.stubs.size());
-  if (!stub_titles) return write_blank(stubs, rows);
-  for (uint32_t dimension : layout_.stubs) {
-    if (!titled(dimension)) {
-      write_blank(1, rows);
-      continue;
+  // The frame.
+
+  /// In slices of lines when the table is long: a browser lays out only those in view.
+  void write_part(const Part& part) {
+    TableRows rows(view_, part, is_long() ? kManyLines / 2 : kManyLines);
+    in_block_ = false;
+    do {
+      write_slice(rows);
+    } while (rows.next_slice());
+  }
+
+  void write_slice(TableRows& rows) {
+    open_region(rows.part());
+    write_caption(rows.continues());
+    write_column_widths(rows.part());
+    write_head(rows);
+    write_body(rows);
+    if (rows.ends_table()) write_notes(rows);
+    out_ += "</table>\n</div>\n";
+  }
+
+  void open_region(const Part& part) {
+    if (for_paper_) {
+      out_ += "<div class=\"scroll\">\n<table>\n";
+      return;
     }
-    out_ += dimension == layout_.stubs.front() ? "<th scope=\"col\" class=\"s\""
-                                               : "<th scope=\"col\" class=\"s n\"";
-    append_span(out_, "rowspan", rows);
+    append(out_, "<div class=\"scroll", is_long() ? " piece" : "",
+           "\" tabindex=\"0\" role=\"region\" aria-labelledby=\"", id_, "\">\n<table",
+           view_.stubs() == 1 && part.columns() >= kManyColumns ? " class=\"wide\"" : "", ">\n");
+  }
+
+  void write_caption(bool continues) {
+    const std::string_view pattern =
+        document_.word(continues ? "Table ^1 (continued)" : "Table ^1");
+    out_ += "<caption";
+    if (!continues) write_id("");
+    out_ += "><span><b>";
+    append_escaped(out_, filled(pattern, std::to_string(number_)));
+    out_ += "</b>";
+    if (!continues) {
+      out_ += "<br><i>";
+      append_text(out_, view_.table.title, view_.style);
+      out_ += "</i>";
+      write_marks(view_.marks(view_.layout.title_notes));
+    }
+    out_ += "</span></caption>\n";
+  }
+
+  void write_column_widths(const Part& part) {
+    if (view_.table.min_data_column_width <= 0 || part.columns() == 0) return;
+    out_ += "<colgroup>";
+    for (uint32_t stub = 0; stub < view_.stubs(); ++stub)
+      out_ += "<col>";
+    out_ += "<col";
+    append_span(out_, "span", std::min(part.columns(), kMostColumns));
+    const int64_t pixels = int64_t{view_.table.min_data_column_width} * 1000 / kMilliPointsPerPixel;
+    append(out_, " width=\"", std::min<int64_t>(pixels, 4000), "\"></colgroup>\n");
+  }
+
+  /// An id of the table, that of what `name` tells; a copy has none.
+  template <class... Name>
+  void write_id(const Name&... name) {
+    if (!for_paper_) append(out_, " id=\"", id_, name..., '"');
+  }
+
+  // The head. What reaches down is written in its first row.
+
+  void write_head(TableRows& rows) {
+    if (view_.head_rows() == 0) return;
+    out_ += "<thead>\n";
+    for (uint32_t row = 0; row < view_.head_rows() && rows.next(); ++row) {
+      out_ += "<tr>";
+      for (const RowCell& cell : rows.cells()) {
+        if (cell.begins()) write_over(cell);
+      }
+      out_ += "</tr>\n";
+    }
+    out_ += "</thead>\n";
+  }
+
+  void write_over(const RowCell& cell) {
+    if (cell.role == Role::StubTitle && !view_.has_stub_titles()) {
+      if (cell.column == 0) write_blank(view_.stubs(), cell.below + 1);
+    } else if (cell.label == nullptr) {
+      write_blank(cell.columns, cell.below + 1);
+    } else if (cell.role == Role::StubTitle) {
+      write_stub_title(cell);
+    } else {
+      write_column_head(cell);
+    }
+  }
+
+  void write_blank(uint32_t columns, uint32_t rows) {
+    for (; columns > 0; columns -= std::min(columns, kMostColumns)) {
+      out_ += "<td";
+      append_span(out_, "colspan", std::min(columns, kMostColumns));
+      append_span(out_, "rowspan", rows);
+      out_ += "></td>";
+    }
+  }
+
+  void write_stub_title(const RowCell& cell) {
+    append(out_, "<th scope=\"col\" class=\"", cell.column == 0 ? "s" : "s n", '"');
+    append_span(out_, "rowspan", cell.below + 1);
     out_ += '>';
-    append_text(out_, table_.dimensions[dimension].title, style_);
+    append_text(out_, *cell.label, view_.style);
     out_ += "</th>";
   }
-}
 
-void HtmlTable::write_blank(uint32_t columns, uint32_t rows) {
-  for (; columns > 0; columns -= std::min(columns, kMostColumns)) {
-    out_ += "<td";
-    append_span(out_, "colspan", std::min(columns, kMostColumns));
-    append_span(out_, "rowspan", rows);
-    out_ += "></td>";
-  }
-}
-
-void HtmlTable::write_column_head(const Head& head) {
-  const uint32_t first = std::max(head.first, column_begin_);
-  const uint32_t end = std::min(head.first + head.span, column_end_);
-  if (first >= end) return;
-  const output::Text* label = label_of(head);
-  if (label == nullptr) return write_blank(end - first, head.depth);
-  const auto index = static_cast<uint32_t>(&head - layout_.column_heads.data());
-  for (uint32_t at = first; at < end; at += kMostColumns) {
-    const uint32_t covered = std::min(end - at, kMostColumns);
-    const bool over_heads = head.level + head.depth < layout_.head_rows;
-    out_ += covered > 1 || over_heads ? "<th scope=\"colgroup\"" : "<th scope=\"col\"";
-    const bool at_start = end - first == 1 && is_text_column(first);
-    if (over_heads) {
-      out_ += at_start ? " class=\"g t\"" : " class=\"g\"";
-    } else if (at_start) {
-      out_ += " class=\"t\"";
+  void write_column_head(const RowCell& cell) {
+    for (uint32_t at = 0; at < cell.columns; at += kMostColumns) {
+      const uint32_t covered = std::min(cell.columns - at, kMostColumns);
+      out_ += covered > 1 || cell.over_heads ? "<th scope=\"colgroup\"" : "<th scope=\"col\"";
+      if (cell.over_heads) {
+        out_ += cell.at_start ? " class=\"g t\"" : " class=\"g\"";
+      } else if (cell.at_start) {
+        out_ += " class=\"t\"";
+      }
+      append_span(out_, "colspan", covered);
+      append_span(out_, "rowspan", cell.below + 1);
+      if (named_ && at == 0) write_id('c', cell.head - view_.layout.column_heads.data());
+      out_ += cell.over_heads ? "><span>" : ">";
+      append_text(out_, *cell.label, view_.style);
+      write_marks(cell.marks);
+      out_ += cell.over_heads ? "</span></th>" : "</th>";
     }
-    append_span(out_, "colspan", covered);
-    append_span(out_, "rowspan", head.depth);
-    if (named_ && at == first) {
-      out_ += " id=\"";
-      append_id('c', index);
+  }
+
+  // The body.
+
+  void write_body(TableRows& rows) {
+    if (view_.layout.empty()) return write_nothing(rows);
+    out_ += "<tbody>\n";
+    while (rows.next()) {
+      const bool starts = starts_block(rows.cells().front());
+      if (starts && !rows.is_first_line()) out_ += "</tbody>\n<tbody>\n";
+      write_line(rows);
+    }
+    out_ += "</tbody>\n";
+  }
+
+  void write_nothing(const TableRows& rows) {
+    out_ += "<tbody><tr><td class=\"t none\"";
+    append_span(out_, "colspan", std::min(rows.columns(), kMostColumns));
+    out_ += '>';
+    append_escaped(out_, document_.word("No entries"));
+    out_ += "</td></tr></tbody>\n";
+  }
+
+  /// A `scope="rowgroup"` head reaches to the end of its `tbody`, so each outermost one begins one;
+  /// and what follows it at its own height does, too.
+  bool starts_block(const RowCell& cell) {
+    if (cell.head == nullptr || !cell.begins() || cell.head->indent != 0) return false;
+    const bool heads_group = cell.head->kind == HeadKind::Group || cell.head->span > 1;
+    const bool starts = heads_group || in_block_;
+    in_block_ = heads_group;
+    return starts;
+  }
+
+  void write_line(const TableRows& rows) {
+    const bool of_group = rows.cells().back().role == Role::Group;
+    out_ += of_group ? "<tr class=\"g\">" : "<tr>";
+    if (named_ && !of_group) name_row(rows);
+    for (const RowCell& cell : rows.cells()) {
+      if (cell.head == nullptr) {
+        write_place(cell);
+      } else if (cell.begins()) {
+        write_row_head(cell);
+      } else if (rows.is_first_line()) {
+        repeat_row_head(cell);
+      }
+    }
+    if (of_group && view_.head_rows() == 0) write_blank(rows.part().width(), 1);
+    out_ += "</tr>\n";
+  }
+
+  void write_row_head(const RowCell& cell) {
+    const bool group = cell.role == Role::Group;
+    if (cell.label == nullptr && !group) {
+      out_ += "<td class=\"t\"";
+      append_span(out_, "rowspan", cell.below + 1);
+      out_ += "></td>";
+      return;
+    }
+    out_ += group || cell.head->span > 1 ? "<th scope=\"rowgroup\"" : "<th scope=\"row\"";
+    // "i" and the depth of the indent; "n" in a stub column inside another.
+    if (cell.head->indent > 0) {
+      append(out_, " class=\"i", std::min(cell.head->indent, kDeepestIndent), '"');
+    } else if (cell.column > 0) {
+      out_ += " class=\"n\"";
+    }
+    if (group) append_span(out_, "colspan", group_columns(cell));
+    append_span(out_, "rowspan", cell.below + 1);
+    if (named_) write_id('r', cell.head - view_.layout.row_heads.data());
+    out_ += '>';
+    if (cell.label != nullptr) append_text(out_, *cell.label, view_.style);
+    write_marks(cell.marks);
+    out_ += "</th>";
+  }
+
+  /// Without a head a first line over all columns would read as a caption.
+  uint32_t group_columns(const RowCell& cell) const {
+    const uint32_t columns = view_.head_rows() > 0 ? cell.columns : view_.stubs() - cell.column;
+    return std::min(columns, kMostColumns);
+  }
+
+  /// A head that goes on in a further slice is written again there.
+  void repeat_row_head(const RowCell& cell) {
+    out_ += "<th scope=\"rowgroup\"";
+    append_span(out_, "rowspan", cell.below + 1);
+    out_ += '>';
+    if (cell.label != nullptr) append_text(out_, *cell.label, view_.style);
+    out_ += "</th>";
+  }
+
+  void write_place(const RowCell& cell) {
+    if (cell.role == Role::Content) return write_content(cell);
+    if (cell.columns > kLongestPlainGap) return write_blank(cell.columns, 1);
+    for (uint32_t column = 0; column < cell.columns; ++column)
+      out_ += "<td></td>";
+  }
+
+  void write_content(const RowCell& content) {
+    const AlignedCell& cell = *content.cell;
+    out_ += "<td";
+    write_class(content);
+    if (named_) write_headers(content.placed->column);
+    if (cell.kind == CellKind::Number) {
+      out_ += " data-value=\"";
+      append_double(out_, cell.value);
       out_ += '"';
     }
     out_ += '>';
-    if (over_heads) out_ += "<span>";
-    append_text(out_, *label, style_);
-    write_node_marks(head);
-    if (over_heads) out_ += "</span>";
-    out_ += "</th>";
+    write_value(cell);
+    write_marks(content.marks);
+    out_ += "</td>";
   }
-}
+
+  /// "t" in a column with texts, "p" for a significance, and the padding: the numbers of a column
+  /// are padded to one width, so that centring them keeps their decimal marks in line, by "l" and
+  /// digits ahead of them, "r" and half digits behind.
+  void write_class(const RowCell& content) {
+    const AlignedCell& cell = *content.cell;
+    const uint32_t column = content.placed->column;
+    const bool number = cell.kind == CellKind::Number;
+    std::string classes;
+    if (content.at_start) classes = " t";
+    if (number && cell.format == output::Format::Significance) classes += " p";
+    if (number && !content.at_start) {
+      const int left = std::min(view_.cells.columns[column].whole - cell.whole, kMostLeftSteps);
+      const int right = std::min(right_[column] - right_steps(cell), kMostRightSteps);
+      if (left > 0) append(classes, " l", left);
+      if (right > 0) append(classes, " r", right);
+    }
+    if (!classes.empty()) append(out_, " class=\"", std::string_view(classes).substr(1), '"');
+  }
+
+  void write_value(const AlignedCell& cell) {
+    switch (cell.kind) {
+      case CellKind::Text:
+        return append_text(out_, view_.table.texts[cell.begin], view_.style);
+      case CellKind::Missing:
+        out_ += "<span class=\"v\">";
+        append_escaped(out_, document_.word("missing"));
+        out_ += "</span>";
+        return;
+      case CellKind::Number:
+        return write_digits(view_.cells.number(cell), cell.tail);
+    }
+  }
+
+  void write_digits(std::string_view digits, uint8_t tail) {
+    const size_t exponent = tail > 1 ? digits.find('E') : std::string_view::npos;
+    append_escaped(out_, digits.substr(0, exponent));
+    if (exponent == std::string_view::npos) return;
+    append(out_, "<span class=\"e", tail, "\">", digits.substr(exponent), "</span>");
+  }
+
+  // The names of heads, by which cells tell what they stand under and beside.
+
+  /// Decides whether cells name their heads, and collects for each column the ids of its heads.
+  void name_heads() {
+    const TableLayout& layout = view_.layout;
+    const bool simple =
+        layout.head_rows < 2 && view_.stubs() < 2 && layout.lines.size() == size_t{layout.rows};
+    named_ = !simple && !is_long() && layout.placed.size() <= kMostCellsWithHeaders;
+    if (!named_) return;
+    column_names_.resize(layout.columns);
+    for (const Head& head : layout.column_heads) {
+      if (view_.label_of(head) == nullptr) continue;
+      for (uint32_t column = head.first; column < head.first + head.span; ++column)
+        append(column_names_[column], ' ', id_, 'c', &head - layout.column_heads.data());
+    }
+  }
+
+  void name_row(const TableRows& rows) {
+    row_names_.clear();
+    for (uint32_t stub = 0; stub < view_.stubs(); ++stub) {
+      for (const Head* head : rows.beside(stub)) {
+        if (view_.label_of(*head) == nullptr) continue;
+        append(row_names_, ' ', id_, 'r', head - view_.layout.row_heads.data());
+      }
+    }
+  }
+
+  void write_headers(uint32_t column) {
+    const std::string names = row_names_ + column_names_[column];
+    if (!names.empty()) append(out_, " headers=\"", std::string_view(names).substr(1), '"');
+  }
+
+  // Notes. Marks lead to their notes, and a note to the first of its marks.
+
+  void write_marks(const std::vector<uint32_t>& marks) {
+    if (marks.empty()) return;
+    out_ += "<sup>";
+    for (const uint32_t mark : marks) {
+      append(out_, mark == marks.front() ? "" : ",", "<a role=\"doc-noteref\" href=\"#", id_, 'n',
+             mark, '"');
+      if (!referenced_[mark]) append(out_, " id=\"", id_, 'm', mark, '"');
+      referenced_[mark] = true;
+      append(out_, '>', mark_letters(mark), "</a>");
+    }
+    out_ += "</sup>";
+  }
+
+  void write_notes(const TableRows& rows) {
+    if (!view_.captioned() && view_.layout.notes.empty()) return;
+    out_ += "<tfoot>\n";
+    if (view_.captioned()) {
+      open_note(rows);
+      out_ += "<i>";
+      append_escaped(out_, document_.word("Note."));
+      out_ += "</i> ";
+      append_text(out_, *view_.table.caption, view_.style);
+      out_ += "</span></td></tr>\n";
+    }
+    for (uint32_t mark = 0; mark < view_.layout.notes.size(); ++mark) {
+      open_note(rows);
+      out_ += "<sup><a";
+      write_id('n', mark);
+      append(out_, " href=\"#", id_, 'm', mark, "\" role=\"doc-backlink\">", mark_letters(mark),
+             "</a></sup> ");
+      append_text(out_, view_.table.notes[view_.layout.notes[mark]], view_.style);
+      out_ += "</span></td></tr>\n";
+    }
+    out_ += "</tfoot>\n";
+  }
+
+  void open_note(const TableRows& rows) {
+    out_ += "<tr><td";
+    append_span(out_, "colspan", std::min(rows.columns(), kMostColumns));
+    out_ += "><span>";
+  }
+
+  std::string& out_;
+  const Document& document_;
+  TableView view_;
+  std::string id_;
+  uint32_t number_;
+  std::vector<int> right_;           // by column: the widest right part, in steps
+  std::vector<double> head_digits_;  // by column
+  std::vector<bool> referenced_;     // by mark: whether a link to the note has been written
+  bool named_ = false;               // whether heads have ids and cells name them
+  std::vector<std::string> column_names_;
+  std::string row_names_;   // of the line in hand
+  bool in_block_ = false;   // whether the open `tbody` belongs to one head
+  bool for_paper_ = false;  // a copy: ids are those of the table itself
+};
+
+}  // namespace
 
 void append_table(std::string& out, const Document& document, const Table& table, uint32_t number) {
   HtmlTable(out, document, table, number).write();

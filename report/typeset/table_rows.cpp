@@ -25,7 +25,7 @@ TableRows::TableRows(const TableView& view, const Part& part, uint32_t slice_lin
       part_(part),
       slice_lines_(std::max(slice_lines, 1U)),
       slice_end_(std::min(slice_lines_, lines())),
-      beside_(view.stubs(), nullptr) {}
+      beside_(view.stubs()) {}
 
 bool TableRows::next() {
   const uint32_t rows = view_.head_rows() + slice_end_ - slice_begin_;
@@ -97,17 +97,25 @@ void TableRows::add_column_heads(uint32_t level) {
 
 void TableRows::make_line() {
   cells_.clear();
-  const std::vector<Head>& heads = view_.layout.row_heads;
-  for (; next_head_ < heads.size() && heads[next_head_].first == line(); ++next_head_)
-    beside_[heads[next_head_].level] = &heads[next_head_];
+  take_heads();
   const bool of_group = add_row_heads();
   if (!of_group) add_contents(view_.layout.lines[line()]);
+}
+
+void TableRows::take_heads() {
+  const std::vector<Head>& heads = view_.layout.row_heads;
+  for (; next_head_ < heads.size() && heads[next_head_].first == line(); ++next_head_) {
+    const Head& head = heads[next_head_];
+    std::vector<const Head*>& beside = beside_[head.level];
+    beside.resize(std::min<size_t>(beside.size(), head.indent));
+    beside.push_back(&head);
+  }
 }
 
 /// Whether the line is that of a group.
 bool TableRows::add_row_heads() {
   for (uint32_t stub = 0; stub < view_.stubs(); ++stub) {
-    const Head& head = *beside_[stub];
+    const Head& head = *beside_[stub].back();
     const bool group = head.kind == HeadKind::Group;
     const uint32_t end = std::min(head.first + head.span, slice_end_);
     cells_.push_back({.role = group ? Role::Group : Role::RowHead,

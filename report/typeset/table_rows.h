@@ -71,6 +71,9 @@ class TableRows {
   uint32_t line() const { return slice_begin_ + at_ - view_.head_rows() - 1; }
   /// The cells from the start. Together they cover the part, each place once.
   std::span<const RowCell> cells() const { return cells_; }
+  /// What stands at the side of the line in a stub: the groups that enclose its head, from the
+  /// outermost, then the head.
+  std::span<const Head* const> beside(uint32_t stub) const { return beside_[stub]; }
 
   // Of the slice.
 
@@ -88,6 +91,7 @@ class TableRows {
   void add_stub_titles();
   void add_column_heads(uint32_t level);
   void make_line();
+  void take_heads();
   bool add_row_heads();
   void add_contents(uint32_t row);
   void add_gap(uint32_t from, uint32_t to);
@@ -99,8 +103,8 @@ class TableRows {
   uint32_t slice_end_ = 0;
   uint32_t at_ = 0;  // rows of the slice so far
   std::vector<RowCell> cells_;
-  size_t next_head_ = 0;             // of the row heads
-  std::vector<const Head*> beside_;  // by stub: the head beside the line
+  size_t next_head_ = 0;                          // of the row heads
+  std::vector<std::vector<const Head*>> beside_;  // by stub
 };
 
 }  // namespace hierfit::report
