@@ -3,6 +3,8 @@
 
 #include <array>
 
+#include "report/append.h"
+
 namespace hierfit::report {
 
 namespace {
@@ -24,13 +26,31 @@ std::string joined(const std::vector<uint32_t>& numbers, std::string_view comma,
 
 }  // namespace
 
-std::string filled(std::string_view pattern, std::string_view argument) {
-  std::string text;
-  size_t at = 0;
-  for (size_t hole; (hole = pattern.find("^1", at)) != std::string_view::npos; at = hole + 2) {
-    text.append(pattern.substr(at, hole - at)).append(argument);
+std::vector<PatternPiece> pieces_of(std::string_view pattern) {
+  std::vector<PatternPiece> pieces;
+  size_t begin = 0;
+  for (size_t at = 0; at + 1 < pattern.size(); ++at) {
+    const char digit = pattern[at + 1];
+    if (pattern[at] != '^' || digit < '1' || digit > '9') continue;
+    pieces.push_back({pattern.substr(begin, at - begin), static_cast<size_t>(digit - '0')});
+    begin = ++at + 1;
   }
-  return text.append(pattern.substr(at));
+  pieces.push_back({pattern.substr(begin)});
+  return pieces;
+}
+
+std::string filled(std::string_view pattern, const std::vector<std::string>& arguments) {
+  std::string text;
+  for (const auto& [words, hole] : pieces_of(pattern)) {
+    text += words;
+    if (hole == 0) continue;
+    if (hole <= arguments.size()) {
+      text += arguments[hole - 1];
+    } else {
+      append(text, '^', hole);
+    }
+  }
+  return text;
 }
 
 std::string mark_letters(uint32_t number) {

@@ -6,9 +6,9 @@
 
 #include "report/chart/binding.h"
 #include "report/file_name.h"
-#include "report/flat_heads.h"
-#include "report/outline.h"
 #include "report/report.h"
+#include "report/typeset/blocks.h"
+#include "report/typeset/flat_heads.h"
 
 namespace hierfit::report {
 
@@ -242,9 +242,9 @@ std::string render_csv(const Document& document, const Options&) {
   for (std::string_view column : kColumns)
     lines.field(column);
   lines.end();
-  for (const Entry& entry : outline(document)) {
-    if (const auto* table = entry.as<Table>()) {
-      TidyTable(lines, document, *table, entry.number).write();
+  for (const Block& block : blocks_of(document)) {
+    if (const auto* table = block.as<Table>()) {
+      TidyTable(lines, document, *table, block.number).write();
     }
   }
   return lines.take();
@@ -252,18 +252,18 @@ std::string render_csv(const Document& document, const Options&) {
 
 std::vector<File> render_csv_folder(const Document& document, const Options&) {
   std::vector<File> files;
-  const std::vector<Entry> entries = outline(document);
+  const std::vector<Block> blocks = blocks_of(document);
   const auto count = [&](auto is_kind) {
-    return static_cast<size_t>(std::ranges::count_if(entries, is_kind));
+    return static_cast<size_t>(std::ranges::count_if(blocks, is_kind));
   };
-  const size_t tables = count([](const Entry& entry) { return entry.as<Table>() != nullptr; });
-  const size_t charts = count([](const Entry& entry) { return entry.as<Chart>() != nullptr; });
-  for (const Entry& entry : entries) {
-    if (const auto* table = entry.as<Table>()) {
-      const std::string name = file_name(entry.number, tables, table->subtype, "table");
+  const size_t tables = count([](const Block& block) { return block.as<Table>() != nullptr; });
+  const size_t charts = count([](const Block& block) { return block.as<Chart>() != nullptr; });
+  for (const Block& block : blocks) {
+    if (const auto* table = block.as<Table>()) {
+      const std::string name = file_name(block.number, tables, table->subtype, "table");
       files.push_back({name + ".csv", sheet_of(document, *table)});
-    } else if (const auto* chart = entry.as<Chart>()) {
-      add_chart(files, document, *chart, file_name(entry.number, charts, chart->kind, "chart"));
+    } else if (const auto* chart = block.as<Chart>()) {
+      add_chart(files, document, *chart, file_name(block.number, charts, chart->kind, "chart"));
     }
   }
   return files;

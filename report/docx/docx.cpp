@@ -9,6 +9,7 @@
 #include "report/layout/page_table.h"
 #include "report/picture/picture.h"
 #include "report/report.h"
+#include "report/wording.h"
 
 namespace hierfit::report {
 
@@ -31,7 +32,7 @@ constexpr double kChartHeight = kPaperHeight - 2 * kEndMargin - 130;
 class Report {
  public:
   Report(const Document& document, const Options& options)
-      : document_(document), options_(options), pages_(plan_pages(document)) {}
+      : document_(document), options_(options), texts_(document), blocks_(paper_blocks(document)) {}
 
   std::string write() {
     write_text();
@@ -57,11 +58,9 @@ class Report {
     append_run(out_, report_title(document_), {});
     close_paragraph();
     write_contents();
-    for (const auto& [entry, landscape] : pages_) {
-      turn(landscape);
-      std::visit([&, number = entry.number,
-                  level = entry.level](const auto* part) { write_part(*part, number, level); },
-                 entry.content);
+    for (const PaperBlock& paper : blocks_) {
+      turn(paper.landscape);
+      std::visit([&](const auto* content) { write(*content, paper); }, paper.block.content);
     }
     write_section_end(landscape_);
     out_ += "</w:body></w:document>\n";
@@ -74,74 +73,57 @@ class Report {
 
   /// A link to each heading, table and chart.
   void write_contents() {
-    const auto listed = [](const PageEntry& page) {
-      return page.entry.as<output::Message>() == nullptr;
-    };
-    if (std::ranges::none_of(pages_, listed)) return;
+    const auto listed = [](const PaperBlock& paper) { return paper.block.is_listed(); };
+    if (std::ranges::none_of(blocks_, listed)) return;
     open_paragraph("ContentsHeading");
     append_run(out_, document_.word("Contents"), {});
     close_paragraph();
-    for (const PageEntry& page : pages_) {
-      if (listed(page)) write_contents_entry(page.entry);
+    for (const PaperBlock& paper : blocks_) {
+      if (listed(paper)) write_contents_entry(paper.block);
     }
     out_ += "<w:p><w:r><w:br w:type=\"page\"/></w:r></w:p>\n";
   }
 
-  void write_contents_entry(const Entry& entry) {
+  void write_contents_entry(const Block& block) {
     constexpr double kStep = 12;
-    const std::string anchor = anchor_of(entry);
+    const std::string anchor = block.anchor();
     out_ += "<w:p><w:pPr><w:pStyle w:val=\"ContentsEntry\"/><w:ind";
-    append_attribute(out_, "w:left", twips(kStep * std::min(entry.level - 1, kDeepestHeading)));
+    append_attribute(out_, "w:left", twips(kStep * std::min(block.level - 1, kDeepestHeading)));
     out_ += "/></w:pPr>";
-    const bool heading = entry.as<output::Section>() != nullptr;
-    std::string number = numbered(entry, document_);
+    std::string number = numbered(block, document_);
     if (!number.empty()) append_run(out_, number += "  ", {.quiet = true, .link = anchor});
-    append_run(out_, one_line(shown(title_of(entry))), {.bold = heading, .link = anchor});
+    append_run(out_, one_line(texts_.shown(title_of(block))),
+               {.bold = block.is_section(), .link = anchor});
     close_paragraph();
   }
 
-  static std::string anchor_of(const Entry& entry) {
-    constexpr std::string_view kLetters = "stcm";
-    return kLetters[entry.content.index()] + std::to_string(entry.number);
-  }
-
-  static std::string one_line(std::string text) {
-    std::ranges::replace(text, '\n', ' ');
-    return text;
-  }
-
-  std::string shown(const output::Text& text) const {
-    output::NumberStyle style = document_.numbers;
-    style.minus = "\u2212";
-    return clean(restyled(text, style));
-  }
-
-  void write_part(const output::Section& section, uint32_t number, uint32_t level) {
-    open_paragraph("Heading" + std::to_string(std::min(level, kDeepestHeading)));
+  void write(const output::Section& section, const PaperBlock& paper) {
+    open_paragraph("Heading" + std::to_string(std::min(paper.block.level, kDeepestHeading)));
     std::string title;
-    append_run(title, shown(section.title), {});
-    append_bookmark(out_, "s" + std::to_string(number), ++bookmarks_, title);
+    append_run(title, texts_.shown(section.title), {});
+    append_bookmark(out_, paper.block.anchor(), ++bookmarks_, title);
     close_paragraph();
   }
 
-  void write_part(const output::Table& table, uint32_t number, uint32_t) {
-    append_table(out_, document_, table, number, bookmarks_);
+  void write(const output::Table&, const PaperBlock& paper) {
+    append_table(out_, document_, paper, bookmarks_);
   }
 
-  void write_part(const output::Message& message, uint32_t, uint32_t) {
+  void write(const output::Message& message, const PaperBlock&) {
     open_paragraph("Message");
     append_run(out_, severity_word(message.severity, document_), {.bold = true});
-    append_run(out_, " " + shown(message.text), {});
+    append_run(out_, " " + texts_.shown(message.text), {});
     close_paragraph();
   }
 
-  void write_part(const output::Chart& chart, uint32_t number, uint32_t) {
+  void write(const output::Chart& chart, const PaperBlock& paper) {
+    const uint32_t number = paper.block.number;
     const chart::Figure figure(chart, document_);
     std::string title;
     append_run(title, clean(figure.title()), {.italic = true});
     if (!figure.sub_title().empty()) append_run(title, "\n" + clean(figure.sub_title()), {});
-    append_caption(out_, document_.word("Figure ^1"), "Figure", number,
-                   "c" + std::to_string(number), title, bookmarks_);
+    append_caption(out_, document_.word("Figure ^1"), "Figure", number, paper.block.anchor(), title,
+                   bookmarks_);
     write_picture(figure, number);
     for (const std::string& note : figure.notes()) {
       open_paragraph("TableNote");
@@ -225,14 +207,10 @@ class Report {
     std::string out = std::string(kXml) + "<w:ftr";
     out += kNamespaces;
     out += "><w:p><w:pPr><w:pStyle w:val=\"Footer\"/></w:pPr>";
-    std::string_view rest = document_.word("Page ^1 of ^2");
-    for (size_t hole;
-         (hole = rest.find('^')) != std::string_view::npos && hole + 1 < rest.size();) {
-      append_run(out, rest.substr(0, hole), {});
-      append_field(out, rest[hole + 1] == '1' ? "PAGE" : "NUMPAGES", "1", {});
-      rest.remove_prefix(hole + 2);
+    for (const auto& [text, hole] : pieces_of(document_.word("Page ^1 of ^2"))) {
+      if (!text.empty()) append_run(out, text, {});
+      if (hole > 0) append_field(out, hole == 1 ? "PAGE" : "NUMPAGES", "1", {});
     }
-    if (!rest.empty()) append_run(out, rest, {});
     return out += "</w:p></w:ftr>";
   }
 
@@ -282,7 +260,8 @@ class Report {
 
   const Document& document_;
   const Options& options_;
-  std::vector<PageEntry> pages_;
+  Texts texts_;
+  std::vector<PaperBlock> blocks_;
   std::string out_;
   std::vector<Part> pictures_;
   uint32_t bookmarks_ = 0;

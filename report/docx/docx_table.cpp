@@ -50,17 +50,16 @@ class DocxTable {
  public:
   DocxTable(std::string& out,
             const output::Document& document,
-            const output::Table& table,
-            uint32_t number,
+            const PaperBlock& block,
             uint32_t& bookmarks)
       : out_(out),
         document_(document),
-        number_(number),
+        block_(block.block),
         bookmarks_(bookmarks),
-        view_(document, table),
-        page_(plan_table(view_)),
+        view_(block.table->view),
+        page_(block.table->page),
         keeps_(view_.lines() <= kFewLines),
-        name_("t" + std::to_string(number)) {}
+        name_(block_.anchor()) {}
 
   void write() {
     for (const Part& part : page_.parts)
@@ -76,15 +75,15 @@ class DocxTable {
   void write_caption(const Part& part) {
     if (part.first > 0) {
       out_ += "<w:p><w:pPr><w:pStyle w:val=\"Caption\"/></w:pPr>";
-      const std::string_view pattern = document_.word("Table ^1 (continued)");
-      append_run(out_, filled(pattern, std::to_string(number_)), {.bold = true});
+      append_run(out_, continued(block_, document_), {.bold = true});
       out_ += "</w:p>\n";
       return;
     }
     std::string title;
     append_run(title, view_.text(view_.table.title), {.italic = true});
     append_marks(title, view_.marks(view_.layout.title_notes));
-    append_caption(out_, document_.word("Table ^1"), "Table", number_, name_, title, bookmarks_);
+    append_caption(out_, document_.word("Table ^1"), "Table", block_.number, name_, title,
+                   bookmarks_);
   }
 
   /// Marks lead to their notes.
@@ -300,10 +299,10 @@ class DocxTable {
 
   std::string& out_;
   const output::Document& document_;
-  uint32_t number_;
+  const Block& block_;
   uint32_t& bookmarks_;
-  TableView view_;
-  PageTable page_;
+  const TableView& view_;
+  const PageTable& page_;
   bool keeps_;
   std::string name_;
 };
@@ -312,10 +311,9 @@ class DocxTable {
 
 void append_table(std::string& out,
                   const output::Document& document,
-                  const output::Table& table,
-                  uint32_t number,
+                  const PaperBlock& block,
                   uint32_t& bookmarks) {
-  DocxTable(out, document, table, number, bookmarks).write();
+  DocxTable(out, document, block, bookmarks).write();
 }
 
 }  // namespace hierfit::report::docx

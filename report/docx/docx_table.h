@@ -4,15 +4,15 @@
 #include <cstdint>
 #include <string>
 
-#include "output/document.h"
+#include "report/layout/page_table.h"
 
 namespace hierfit::report::docx {
 
-/// Appends a table with its caption and notes; `bookmarks` counts the bookmarks of the document.
+/// Appends the table of a block with its caption and notes; `bookmarks` counts the bookmarks of the
+/// document.
 void append_table(std::string& out,
                   const output::Document& document,
-                  const output::Table& table,
-                  uint32_t number,
+                  const PaperBlock& block,
                   uint32_t& bookmarks);
 
 }  // namespace hierfit::report::docx

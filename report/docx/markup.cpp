@@ -5,7 +5,7 @@
 #include <utf8proc.h>
 
 #include "output/utf8.h"
-#include "report/outline.h"
+#include "report/typeset/texts.h"
 #include "report/xml_text.h"
 
 namespace hierfit::report::docx {

@@ -10,7 +10,6 @@
 namespace hierfit::report::html {
 
 using output::Document;
-using output::Table;
 using output::Text;
 using Role = RowCell::Role;
 
@@ -58,12 +57,12 @@ int right_steps(const AlignedCell& cell) {
 /// Writes a table from its caption to its last note.
 class HtmlTable {
  public:
-  HtmlTable(std::string& out, const Document& document, const Table& table, uint32_t number)
+  HtmlTable(std::string& out, const Document& document, const Block& block)
       : out_(out),
         document_(document),
-        view_(document, table),
-        id_("t" + std::to_string(number)),
-        number_(number),
+        block_(block),
+        view_(document, *block.as<output::Table>()),
+        id_(block.anchor()),
         right_(view_.layout.columns, 0),
         referenced_(view_.layout.notes.size(), false) {
     for (size_t i = 0; i < view_.cells.cells.size(); ++i) {
@@ -193,16 +192,14 @@ class HtmlTable {
   }
 
   void write_caption(bool continues) {
-    const std::string_view pattern =
-        document_.word(continues ? "Table ^1 (continued)" : "Table ^1");
     out_ += "<caption";
     if (!continues) write_id("");
     out_ += "><span><b>";
-    append_escaped(out_, filled(pattern, std::to_string(number_)));
+    append_escaped(out_, continues ? continued(block_, document_) : numbered(block_, document_));
     out_ += "</b>";
     if (!continues) {
       out_ += "<br><i>";
-      append_text(out_, view_.table.title, view_.style);
+      append_text(out_, view_.table.title, view_.texts);
       out_ += "</i>";
       write_marks(view_.marks(view_.layout.title_notes));
     }
@@ -266,7 +263,7 @@ class HtmlTable {
     append(out_, "<th scope=\"col\" class=\"", cell.column == 0 ? "s" : "s n", '"');
     append_span(out_, "rowspan", cell.below + 1);
     out_ += '>';
-    append_text(out_, *cell.label, view_.style);
+    append_text(out_, *cell.label, view_.texts);
     out_ += "</th>";
   }
 
@@ -283,7 +280,7 @@ class HtmlTable {
       append_span(out_, "rowspan", cell.below + 1);
       if (named_ && at == 0) write_id('c', cell.head - view_.layout.column_heads.data());
       out_ += cell.over_heads ? "><span>" : ">";
-      append_text(out_, *cell.label, view_.style);
+      append_text(out_, *cell.label, view_.texts);
       write_marks(cell.marks);
       out_ += cell.over_heads ? "</span></th>" : "</th>";
     }
@@ -356,7 +353,7 @@ class HtmlTable {
     append_span(out_, "rowspan", cell.below + 1);
     if (named_) write_id('r', cell.head - view_.layout.row_heads.data());
     out_ += '>';
-    if (cell.label != nullptr) append_text(out_, *cell.label, view_.style);
+    if (cell.label != nullptr) append_text(out_, *cell.label, view_.texts);
     write_marks(cell.marks);
     out_ += "</th>";
   }
@@ -372,7 +369,7 @@ class HtmlTable {
     out_ += "<th scope=\"rowgroup\"";
     append_span(out_, "rowspan", cell.below + 1);
     out_ += '>';
-    if (cell.label != nullptr) append_text(out_, *cell.label, view_.style);
+    if (cell.label != nullptr) append_text(out_, *cell.label, view_.texts);
     out_ += "</th>";
   }
 
@@ -421,7 +418,7 @@ class HtmlTable {
   void write_value(const AlignedCell& cell) {
     switch (cell.kind) {
       case CellKind::Text:
-        return append_text(out_, view_.table.texts[cell.begin], view_.style);
+        return append_text(out_, view_.table.texts[cell.begin], view_.texts);
       case CellKind::Missing:
         out_ += "<span class=\"v\">";
         append_escaped(out_, document_.word("missing"));
@@ -494,7 +491,7 @@ class HtmlTable {
       out_ += "<i>";
       append_escaped(out_, document_.word("Note."));
       out_ += "</i> ";
-      append_text(out_, *view_.table.caption, view_.style);
+      append_text(out_, *view_.table.caption, view_.texts);
       out_ += "</span></td></tr>\n";
     }
     for (uint32_t mark = 0; mark < view_.layout.notes.size(); ++mark) {
@@ -503,7 +500,7 @@ class HtmlTable {
       write_id('n', mark);
       append(out_, " href=\"#", id_, 'm', mark, "\" role=\"doc-backlink\">", mark_letters(mark),
              "</a></sup> ");
-      append_text(out_, view_.table.notes[view_.layout.notes[mark]], view_.style);
+      append_text(out_, view_.table.notes[view_.layout.notes[mark]], view_.texts);
       out_ += "</span></td></tr>\n";
     }
     out_ += "</tfoot>\n";
@@ -517,9 +514,9 @@ class HtmlTable {
 
   std::string& out_;
   const Document& document_;
+  const Block& block_;
   TableView view_;
   std::string id_;
-  uint32_t number_;
   std::vector<int> right_;           // by column: the widest right part, in steps
   std::vector<double> head_digits_;  // by column
   std::vector<bool> referenced_;     // by mark: whether a link to the note has been written
@@ -532,8 +529,8 @@ class HtmlTable {
 
 }  // namespace
 
-void append_table(std::string& out, const Document& document, const Table& table, uint32_t number) {
-  HtmlTable(out, document, table, number).write();
+void append_table(std::string& out, const Document& document, const Block& block) {
+  HtmlTable(out, document, block).write();
 }
 
 }  // namespace hierfit::report::html

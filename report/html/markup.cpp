@@ -4,14 +4,12 @@
 #include <array>
 #include <charconv>
 
-#include "report/aligned_cells.h"
-
 namespace hierfit::report::html {
 
-void append_text(std::string& out, const output::Text& text, const output::NumberStyle& style) {
+void append_text(std::string& out, const output::Text& text, const Texts& texts) {
   if (text.symbol) out += "<i>";
-  const std::string restyled_text = restyled(text, style);
-  std::string_view rest = restyled_text;
+  const std::string shown = texts.shown(text);
+  std::string_view rest = shown;
   for (size_t feed; (feed = rest.find('\n')) != std::string_view::npos;) {
     append_escaped(out, rest.substr(0, feed));
     out += "<br>";

@@ -5,15 +5,15 @@
 #include <string>
 #include <string_view>
 
-#include "output/document.h"
+#include "report/typeset/texts.h"
 #include "report/xml_text.h"
 
 namespace hierfit::report::html {
 
 using report::append_escaped;
 
-/// A text with its lines divided by `<br>` and its numbers in `style`; a symbol in italics.
-void append_text(std::string& out, const output::Text& text, const output::NumberStyle& style);
+/// A text with its lines divided by `<br>`; a symbol in italics.
+void append_text(std::string& out, const output::Text& text, const Texts& texts);
 
 void append_number(std::string& out, uint32_t number);
 

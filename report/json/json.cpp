@@ -1,10 +1,10 @@
 // The JSON form: the output document as it is, member by member (docs/report.schema.json).
 #include <algorithm>
-#include <array>
 #include <vector>
 
 #include "report/json/json_text.h"
 #include "report/report.h"
+#include "report/typeset/blocks.h"
 
 namespace hierfit::report {
 
@@ -17,8 +17,6 @@ using output::Table;
 using output::Text;
 
 namespace {
-
-constexpr std::array<std::string_view, 3> kSeverities = {"note", "warning", "error"};
 
 /// The first lines say what this is; later members of a version may grow, none goes away.
 constexpr std::string_view kKind = "hierfit report";
@@ -125,7 +123,7 @@ class JsonReport {
 
   void write_item(const output::Message& message) {
     out_ += "{\"kind\":\"message\"";
-    member("severity", kSeverities[static_cast<size_t>(message.severity)]);
+    member("severity", severity_name(message.severity));
     member("text", message.text);
     out_ += '}';
   }

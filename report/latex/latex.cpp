@@ -2,13 +2,12 @@
 #include <algorithm>
 #include <array>
 
-#include "report/aligned_cells.h"
 #include "report/chart/figure.h"
 #include "report/file_name.h"
 #include "report/latex/latex_table.h"
 #include "report/latex/latex_text.h"
-#include "report/outline.h"
 #include "report/report.h"
+#include "report/typeset/blocks.h"
 
 namespace hierfit::report {
 
@@ -70,17 +69,17 @@ constexpr std::array<std::string_view, 4> kHeadings = {"section", "subsection", 
 class LatexReport {
  public:
   explicit LatexReport(const Document& document)
-      : document_(document), entries_(outline(document)), style_(document.numbers) {
-    style_.minus = "\u2212";
-    charts_ = static_cast<size_t>(std::ranges::count_if(
-        entries_, [](const Entry& entry) { return entry.as<output::Chart>() != nullptr; }));
+      : document_(document), blocks_(paper_blocks(document)), shown_(document) {
+    charts_ = static_cast<size_t>(std::ranges::count_if(blocks_, [](const PaperBlock& paper) {
+      return paper.block.as<output::Chart>() != nullptr;
+    }));
   }
 
   std::string write() {
     ((out_ += "\\section*{\\Large ") += texts_.escaped(report_title(document_))) += "}\n";
-    for (const Entry& entry : entries_) {
+    for (const PaperBlock& paper : blocks_) {
       out_ += '\n';
-      std::visit([&](const auto* part) { write(*part, entry); }, entry.content);
+      std::visit([&](const auto* content) { write(*content, paper); }, paper.block.content);
     }
     // What the body needs is known at its end.
     return std::string(kPreamble) + texts_.declarations() + "\\begin{document}\n" + out_ +
@@ -88,33 +87,34 @@ class LatexReport {
   }
 
  private:
-  void write(const output::Section& section, const Entry& entry) {
-    const size_t level = std::min<size_t>(entry.level, kHeadings.size()) - 1;
+  void write(const output::Section& section, const PaperBlock& paper) {
+    const size_t level = std::min<size_t>(paper.block.level, kHeadings.size()) - 1;
     ((out_ += '\\') += kHeadings[level]) += '{';
-    (out_ += texts_.escaped(restyled(section.title, style_))) += "}\n";
+    (out_ += texts_.escaped(shown_.shown(section.title))) += "}\n";
   }
 
-  void write(const output::Table&, const Entry& entry) {
-    latex::append_table(out_, texts_, document_, entry);
+  void write(const output::Table&, const PaperBlock& paper) {
+    latex::append_table(out_, texts_, document_, paper);
   }
 
-  void write(const output::Message& message, const Entry&) {
+  void write(const output::Message& message, const PaperBlock&) {
     ((out_ += "\\textbf{") += texts_.escaped(severity_word(message.severity, document_))) += "} ";
-    (out_ += texts_.escaped(restyled(message.text, style_), "\\newline ")) += "\\par\n";
+    (out_ += texts_.escaped(shown_.shown(message.text), "\\newline ")) += "\\par\n";
   }
 
-  void write(const output::Chart& chart, const Entry& entry) {
+  void write(const output::Chart& chart, const PaperBlock& paper) {
+    const Block& block = paper.block;
     ((out_ += "\\begin{figure}[htbp]\n\\raggedright\n\\textbf{") +=
-     texts_.escaped(numbered(entry, document_))) += "}\\\\\n";
+     texts_.escaped(numbered(block, document_))) += "}\\\\\n";
     ((out_ += "\\textit{") += texts_.escaped(chart.title, "\\\\ ")) += "}\\par\\smallskip\n";
-    ((out_ += "\\chart{") += file_name(entry.number, charts_, chart.kind, "chart")) += ".pdf}{";
+    ((out_ += "\\chart{") += file_name(block.number, charts_, chart.kind, "chart")) += ".pdf}{";
     (out_ += texts_.escaped(chart::Figure(chart, document_).description(), "\\newline ")) +=
         "}\n\\end{figure}\n";
   }
 
   const Document& document_;
-  std::vector<Entry> entries_;
-  output::NumberStyle style_;
+  std::vector<PaperBlock> blocks_;
+  Texts shown_;
   size_t charts_ = 0;
   TextWriter texts_;
   std::string out_;

@@ -12,7 +12,6 @@
 namespace hierfit::report::latex {
 
 using output::Document;
-using output::Table;
 using output::Text;
 
 namespace {
@@ -33,13 +32,13 @@ struct Widest {
 
 class LatexTable {
  public:
-  LatexTable(std::string& out, TextWriter& texts, const Document& document, const Entry& entry)
+  LatexTable(std::string& out, TextWriter& texts, const Document& document, const PaperBlock& block)
       : out_(out),
         texts_(texts),
         document_(document),
-        entry_(entry),
-        view_(document, **std::get_if<const Table*>(&entry.content)),
-        page_(plan_table(view_)),
+        block_(block.block),
+        view_(block.table->view),
+        page_(block.table->page),
         widest_(view_.layout.columns) {
     measure();
   }
@@ -87,7 +86,7 @@ class LatexTable {
   }
 
   std::string words(const Text& text, std::string_view line_break = "\\newline ") {
-    const std::string content = texts_.escaped(restyled(text, view_.style), line_break);
+    const std::string content = texts_.escaped(view_.text(text), line_break);
     return text.symbol ? "\\textit{" + content + "}" : content;
   }
 
@@ -105,7 +104,7 @@ class LatexTable {
   }
 
   void write_title() {
-    ((out_ += "\\textbf{") += texts_.escaped(numbered(entry_, document_))) += "}";
+    ((out_ += "\\textbf{") += texts_.escaped(numbered(block_, document_))) += "}";
     if (view_.table.title.shown.empty()) return;
     ((out_ += "\\newline\n\\textit{") += words(view_.table.title)) += '}';
     out_ += raised(view_.marks(view_.layout.title_notes));
@@ -134,8 +133,7 @@ class LatexTable {
   }
 
   void write_continuation() {
-    const std::string number = std::to_string(entry_.number);
-    const std::string text = filled(document_.word("Table ^1 (continued)"), number);
+    const std::string text = continued(block_, document_);
     ((out_ += "\\textbf{") += texts_.escaped(text)) += "}";
   }
 
@@ -281,9 +279,9 @@ class LatexTable {
   std::string& out_;
   TextWriter& texts_;
   const Document& document_;
-  const Entry& entry_;
-  TableView view_;
-  PageTable page_;
+  const Block& block_;
+  const TableView& view_;
+  const PageTable& page_;
   std::vector<Widest> widest_;  // by column
 };
 
@@ -292,8 +290,8 @@ class LatexTable {
 void append_table(std::string& out,
                   TextWriter& texts,
                   const Document& document,
-                  const Entry& entry) {
-  LatexTable(out, texts, document, entry).write();
+                  const PaperBlock& block) {
+  LatexTable(out, texts, document, block).write();
 }
 
 }  // namespace hierfit::report::latex

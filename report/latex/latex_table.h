@@ -4,7 +4,7 @@
 #include <string>
 
 #include "report/latex/latex_text.h"
-#include "report/outline.h"
+#include "report/layout/page_table.h"
 
 namespace hierfit::report::latex {
 
@@ -13,6 +13,6 @@ namespace hierfit::report::latex {
 void append_table(std::string& out,
                   TextWriter& texts,
                   const output::Document& document,
-                  const Entry& entry);
+                  const PaperBlock& block);
 
 }  // namespace hierfit::report::latex

@@ -5,8 +5,8 @@
 #include <utf8proc.h>
 
 #include "output/utf8.h"
-#include "report/outline.h"
 #include "report/text/display_text.h"
+#include "report/typeset/texts.h"
 
 namespace hierfit::report::latex {
 

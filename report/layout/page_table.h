@@ -3,13 +3,13 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
+#include <memory>
 #include <string_view>
 #include <vector>
 
-#include "report/outline.h"
-#include "report/table_view.h"
+#include "report/typeset/blocks.h"
 #include "report/typeset/part.h"
+#include "report/typeset/table_view.h"
 
 namespace hierfit::report {
 
@@ -58,25 +58,22 @@ PageTable plan_table(const TableView& view);
 /// The widths of a number, given its characters and its cell.
 DecimalWidths decimal_widths(std::string_view number, const AlignedCell& cell);
 
-/// The heads by head row: those that cover it, from the start. A head of more rows is in each.
-std::vector<std::vector<const Head*>> head_grid(const TableLayout& layout);
+/// A table laid out and planned.
+struct PaperTable {
+  PaperTable(const output::Document& document, const output::Table& table)
+      : view(document, table), page(plan_table(view)) {}
 
-/// Of the heads of a head row, those over columns from `first` to `end`.
-std::span<const Head* const> heads_between(const std::vector<const Head*>& row,
-                                           uint32_t first,
-                                           uint32_t end);
+  TableView view;
+  PageTable page;
+};
 
-/// Of the cells of a row, those in columns from `first` to `end`.
-std::span<const PlacedCell> cells_between(std::span<const PlacedCell> row,
-                                          uint32_t first,
-                                          uint32_t end);
-
-/// A part of the document with the way its paper lies. A heading goes with what follows it, a
-/// message with what is ahead.
-struct PageEntry {
-  Entry entry;
+/// A block with the way its paper lies. A heading goes with what follows it, a message with what is
+/// ahead.
+struct PaperBlock {
+  Block block;
+  std::unique_ptr<const PaperTable> table = {};  ///< null for what is no table
   bool landscape = false;
 };
-std::vector<PageEntry> plan_pages(const output::Document& document);
+std::vector<PaperBlock> paper_blocks(const output::Document& document);
 
 }  // namespace hierfit::report

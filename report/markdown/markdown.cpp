@@ -3,11 +3,11 @@
 
 #include "report/chart/figure.h"
 #include "report/chart/figure_table.h"
-#include "report/flat_heads.h"
 #include "report/markdown/markdown_table.h"
 #include "report/markdown/markdown_text.h"
-#include "report/outline.h"
 #include "report/report.h"
+#include "report/typeset/blocks.h"
+#include "report/typeset/flat_heads.h"
 #include "report/typeset/table_rows.h"
 #include "report/wording.h"
 
@@ -122,48 +122,45 @@ class MarkdownTable {
 
 class MarkdownReport {
  public:
-  explicit MarkdownReport(const Document& document) : document_(document) {
-    style_ = document.numbers;
-    style_.minus = "\u2212";
-  }
+  explicit MarkdownReport(const Document& document) : document_(document), texts_(document) {}
 
   std::string write() {
     ((out_ += "# ") += escaped(report_title(document_))) += '\n';
-    for (const Entry& entry : outline(document_)) {
+    for (const Block& block : blocks_of(document_)) {
       out_ += '\n';
-      std::visit([&](const auto* part) { write(*part, entry); }, entry.content);
+      std::visit([&](const auto* content) { write(*content, block); }, block.content);
     }
     return std::move(out_);
   }
 
  private:
-  void write(const output::Section& section, const Entry& entry) {
-    out_.append(std::min(entry.level + 1, kDeepestHeading), '#');
-    ((out_ += ' ') += escaped(restyled(section.title, style_))) += '\n';
+  void write(const output::Section& section, const Block& block) {
+    out_.append(std::min(block.level + 1, kDeepestHeading), '#');
+    ((out_ += ' ') += escaped(texts_.shown(section.title))) += '\n';
   }
 
-  void write(const Table& table, const Entry& entry) {
+  void write(const Table& table, const Block& block) {
     MarkdownTable writer(out_, document_, table);
-    write_title(entry, restyled(table.title, style_),
+    write_title(block, texts_.shown(table.title),
                 raised_letters(writer.view().marks(writer.view().layout.title_notes)));
     writer.write();
   }
 
-  void write(const output::Message& message, const Entry&) {
+  void write(const output::Message& message, const Block&) {
     ((out_ += "**") += escaped(severity_word(message.severity, document_))) += "** ";
-    (out_ += escaped_lines(restyled(message.text, style_))) += '\n';
+    (out_ += escaped_lines(texts_.shown(message.text))) += '\n';
   }
 
-  void write(const Chart& chart, const Entry& entry) {
+  void write(const Chart& chart, const Block& block) {
     const chart::Figure figure(chart, document_);
-    write_title(entry, figure.title(), "");
+    write_title(block, figure.title(), "");
     (out_ += escaped_lines(figure.description())) += '\n';
     for (const chart::FigureTable& data : chart::figure_tables(figure.binding(), kMostRows))
       write_data(data);
   }
 
-  void write_title(const Entry& entry, const std::string& title, const std::string& marks) {
-    ((out_ += "**") += escaped(numbered(entry, document_))) += "**\\\n";
+  void write_title(const Block& block, const std::string& title, const std::string& marks) {
+    ((out_ += "**") += escaped(numbered(block, document_))) += "**\\\n";
     const std::string words = escaped_lines(title);
     if (!words.empty()) ((out_ += '*') += words) += '*';
     (out_ += marks) += "\n\n";
@@ -185,12 +182,12 @@ class MarkdownReport {
 
   std::string cell_text(const Table& table, const output::CellValue& value) const {
     const auto* number = std::get_if<output::Number>(&value);
-    return escaped(number != nullptr ? output::shown(*number, style_)
-                                     : restyled(table.texts[std::get<uint32_t>(value)], style_));
+    return escaped(number != nullptr ? output::shown(*number, texts_.numbers())
+                                     : texts_.shown(table.texts[std::get<uint32_t>(value)]));
   }
 
   const Document& document_;
-  output::NumberStyle style_;
+  Texts texts_;
   std::string out_;
 };
 

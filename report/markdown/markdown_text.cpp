@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "report/outline.h"
 #include "report/text/display_text.h"
+#include "report/typeset/texts.h"
 
 namespace hierfit::report::markdown {
 

@@ -8,6 +8,7 @@
 #include "report/pdf/pen.h"
 #include "report/picture/picture.h"
 #include "report/report.h"
+#include "report/wording.h"
 
 namespace hierfit::report {
 
@@ -38,20 +39,26 @@ struct Drawing {
   double height = 0;
 };
 
-/// A part of the report and what it takes to draw it.
-struct Block {
-  PageEntry page;
+/// A block and what it takes to draw it.
+struct DrawnBlock {
+  const PaperBlock& paper;
   std::unique_ptr<PdfTable> table = {};
   Drawing drawing = {};
   uint32_t on_page = 0;
+
+  const Block& block() const { return paper.block; }
 };
 
 class Report {
  public:
   Report(const Document& document, const Options& options)
-      : document_(document), options_(options), title_(report_title(document)) {
-    for (PageEntry& page : plan_pages(document))
-      blocks_.push_back(block_of(page));
+      : document_(document),
+        options_(options),
+        title_(report_title(document)),
+        texts_(document),
+        papers_(paper_blocks(document)) {
+    for (const PaperBlock& paper : papers_)
+      blocks_.push_back(drawn(paper));
   }
 
   /// Twice: pages are counted before their numbers are written.
@@ -65,11 +72,11 @@ class Report {
   }
 
  private:
-  Block block_of(const PageEntry& page) const {
-    Block block{page};
-    if (const auto* table = page.entry.as<output::Table>()) {
-      block.table = std::make_unique<PdfTable>(document_, *table, page.entry.number);
-    } else if (const auto* chart = page.entry.as<output::Chart>()) {
+  DrawnBlock drawn(const PaperBlock& paper) const {
+    DrawnBlock block{paper};
+    if (paper.table != nullptr) {
+      block.table = std::make_unique<PdfTable>(document_, paper);
+    } else if (const auto* chart = paper.block.as<output::Chart>()) {
       block.drawing = drawing_of(*chart);
     }
     return block;
@@ -101,8 +108,8 @@ class Report {
   }
 
   void draw_foot(Pen& pen) const {
-    const std::string text = chart::with_arguments(
-        document_.word("Page ^1 of ^2"), {std::to_string(pen.page()), std::to_string(pages_)});
+    const std::string text =
+        filled(document_.word("Page ^1 of ^2"), std::to_string(pen.page()), std::to_string(pages_));
     pen.text({{.text = text, .quiet = true}}, kFootLook, pen.left(), pen.bottom() + 16,
              pen.width());
   }
@@ -110,76 +117,61 @@ class Report {
   // The contents.
 
   void draw_contents(Pen& pen) {
-    const auto listed = [](const Block& block) {
-      return block.page.entry.as<output::Message>() == nullptr;
-    };
+    const auto listed = [](const DrawnBlock& each) { return each.block().is_listed(); };
     if (std::ranges::none_of(blocks_, listed)) return;
     const Runs heading = {
         {.text = std::string(document_.word("Contents")), .bold = true, .quiet = true}};
     pen.flow(heading, kBodyLook, pen.left(), pen.width());
     pen.y += kNoteGap;
-    for (const Block& block : blocks_) {
-      if (listed(block)) draw_entry(pen, block);
+    for (const DrawnBlock& each : blocks_) {
+      if (listed(each)) draw_entry(pen, each);
     }
-    if (!blocks_.empty() && blocks_.front().page.landscape == pen.landscape()) pen.next_page();
+    if (!blocks_.empty() && blocks_.front().paper.landscape == pen.landscape()) pen.next_page();
   }
 
-  void draw_entry(Pen& pen, const Block& block) {
-    const Entry& entry = block.page.entry;
-    const double indent = kEntryStep * std::min(entry.level - 1, 5U);
+  void draw_entry(Pen& pen, const DrawnBlock& drawn) {
+    const Block& block = drawn.block();
+    const double indent = kEntryStep * std::min(block.level - 1, 5U);
     const double width = pen.width() - indent - kEntryPage;
     Runs runs;
-    if (const std::string number = numbered(entry, document_); !number.empty()) {
+    if (const std::string number = numbered(block, document_); !number.empty()) {
       runs.push_back({.text = number + "  ", .quiet = true});
     }
-    std::string title = shown(title_of(entry));
-    std::ranges::replace(title, '\n', ' ');
-    runs.push_back({.text = std::move(title), .bold = entry.as<output::Section>() != nullptr});
+    runs.push_back({.text = one_line(texts_.shown(title_of(block))), .bold = block.is_section()});
     if (pen.height(runs, kEntryLook, width) > pen.room()) pen.next_page();
-    pen.link(anchor_of(entry), [&] {
+    pen.link(block.anchor(), [&] {
       TextLook look = kEntryLook;
       look.side = Side::End;
       pen.ink(Ink::Text);
-      const std::string page = std::to_string(block.on_page);
+      const std::string page = std::to_string(drawn.on_page);
       pen.text({{.text = page}}, look, pen.left(), pen.y, pen.width());
       const double x = document_.right_to_left ? pen.left() + kEntryPage : pen.left() + indent;
       pen.flow(runs, kEntryLook, x, width);
     });
   }
 
-  static std::string anchor_of(const Entry& entry) {
-    constexpr std::string_view kLetters = "stcm";
-    return kLetters[entry.content.index()] + std::to_string(entry.number);
-  }
-
-  std::string shown(const output::Text& text) const {
-    output::NumberStyle style = document_.numbers;
-    style.minus = "\u2212";
-    return clean(restyled(text, style));
-  }
-
-  // The parts.
+  // The blocks.
 
   void draw_block(Pen& pen, size_t i) {
-    Block& block = blocks_[i];
-    if (block.page.landscape != pen.landscape()) {
-      pen.begin_page(block.page.landscape);
+    DrawnBlock& block = blocks_[i];
+    if (block.paper.landscape != pen.landscape()) {
+      pen.begin_page(block.paper.landscape);
     } else if (start_height(pen, i) > pen.room() && !pen.at_top()) {
       pen.next_page();
     }
-    if (!pen.at_top()) pen.y += gap_over(block);
+    if (!pen.at_top()) pen.y += gap_over(block.block());
     block.on_page = pen.page();
-    mark(pen, block.page.entry);
-    std::visit([&](const auto* part) { draw_part(pen, block, *part); }, block.page.entry.content);
+    mark(pen, block.block());
+    std::visit([&](const auto* content) { draw(pen, block, *content); }, block.block().content);
   }
 
   /// What a part needs of a page to begin on it; a heading with what follows it.
   double start_height(Pen& pen, size_t i) {
     double height = 0;
     for (; i < blocks_.size(); ++i) {
-      Block& block = blocks_[i];
-      height += gap_over(block);
-      const auto* section = block.page.entry.as<output::Section>();
+      DrawnBlock& block = blocks_[i];
+      height += gap_over(block.block());
+      const auto* section = block.block().as<output::Section>();
       if (section == nullptr) return height + own_start_height(pen, block);
       height += pen.height(heading_of(*section), heading_look(block), pen.width()) + kHeadingUnder;
     }
@@ -187,50 +179,49 @@ class Report {
   }
 
   static double gap_over(const Block& block) {
-    if (block.page.entry.as<output::Section>() != nullptr) return kHeadingOver;
-    return block.page.entry.as<output::Message>() == nullptr ? kBlockGap : kBlockGap / 2;
+    if (block.is_section()) return kHeadingOver;
+    return block.is_listed() ? kBlockGap : kBlockGap / 2;
   }
 
-  double own_start_height(Pen& pen, Block& block) {
+  double own_start_height(Pen& pen, DrawnBlock& block) {
     if (block.table != nullptr) return block.table->start_height(pen);
     if (block.drawing.figure) return figure_height(pen, block);
     return kBodyLook.size * 3;
   }
 
   /// A place to link to and, of all but messages, an entry of the outline.
-  void mark(Pen& pen, const Entry& entry) {
-    const std::string name = anchor_of(entry);
+  void mark(Pen& pen, const Block& block) {
+    const std::string name = block.anchor();
     pen.destination(name);
-    if (entry.as<output::Message>() != nullptr) return;
-    parents_.resize(std::min<size_t>(parents_.size(), entry.level));
-    std::string title = numbered(entry, document_);
+    if (!block.is_listed()) return;
+    parents_.resize(std::min<size_t>(parents_.size(), block.level));
+    std::string title = numbered(block, document_);
     if (!title.empty()) title += "  ";
-    title += shown(title_of(entry));
-    std::ranges::replace(title, '\n', ' ');
+    title += one_line(texts_.shown(title_of(block)));
     const int made = pen.outline(parents_.back(), title, name);
-    if (entry.as<output::Section>() != nullptr) parents_.push_back(made);
+    if (block.is_section()) parents_.push_back(made);
   }
 
   Runs heading_of(const output::Section& section) const {
-    return {{.text = shown(section.title), .bold = true}};
+    return {{.text = texts_.shown(section.title), .bold = true}};
   }
 
-  static TextLook heading_look(const Block& block) {
-    const size_t level = std::min<size_t>(block.page.entry.level, std::size(kHeadingSizes));
+  static TextLook heading_look(const DrawnBlock& block) {
+    const size_t level = std::min<size_t>(block.block().level, std::size(kHeadingSizes));
     return {.size = kHeadingSizes[level - 1]};
   }
 
-  void draw_part(Pen& pen, Block& block, const output::Section& section) {
+  void draw(Pen& pen, DrawnBlock& block, const output::Section& section) {
     pen.flow(heading_of(section), heading_look(block), pen.left(), pen.width());
     pen.y += kHeadingUnder - kBlockGap / 2;
   }
 
-  void draw_part(Pen& pen, Block& block, const output::Table&) { block.table->draw(pen); }
+  void draw(Pen& pen, DrawnBlock& block, const output::Table&) { block.table->draw(pen); }
 
-  void draw_part(Pen& pen, Block&, const output::Message& message) {
+  void draw(Pen& pen, DrawnBlock&, const output::Message& message) {
     const Runs runs = {
         {.text = std::string(severity_word(message.severity, document_)) + " ", .bold = true},
-        {.text = shown(message.text)}};
+        {.text = texts_.shown(message.text)}};
     const double indent = kBarWidth + kBarGap;
     const double width = pen.width() - indent;
     const double height = pen.height(runs, kBodyLook, width);
@@ -243,9 +234,9 @@ class Report {
 
   // Figures.
 
-  Runs caption_of(const Block& block) const {
+  Runs caption_of(const DrawnBlock& block) const {
     const chart::Figure& figure = *block.drawing.figure;
-    Runs runs = {{.text = numbered(block.page.entry, document_) + "\n", .bold = true},
+    Runs runs = {{.text = numbered(block.block(), document_) + "\n", .bold = true},
                  {.text = clean(figure.title()), .italic = true}};
     if (!figure.sub_title().empty()) {
       runs.push_back({.text = "\n" + clean(figure.sub_title())});
@@ -253,14 +244,14 @@ class Report {
     return runs;
   }
 
-  double figure_height(Pen& pen, const Block& block) const {
+  double figure_height(Pen& pen, const DrawnBlock& block) const {
     double height = pen.height(caption_of(block), kCaptionLook, pen.width()) + kCaptionGap;
     for (const std::string& note : block.drawing.figure->notes())
       height += kNoteGap + pen.height({{.text = clean(note)}}, kNoteLook, pen.width());
     return height + block.drawing.height;
   }
 
-  void draw_part(Pen& pen, Block& block, const output::Chart&) {
+  void draw(Pen& pen, DrawnBlock& block, const output::Chart&) {
     const Drawing& drawing = block.drawing;
     pen.flow(caption_of(block), kCaptionLook, pen.left(), pen.width());
     pen.y += kCaptionGap;
@@ -278,7 +269,9 @@ class Report {
   const Document& document_;
   const Options& options_;
   std::string title_;
-  std::vector<Block> blocks_;
+  Texts texts_;
+  std::vector<PaperBlock> papers_;
+  std::vector<DrawnBlock> blocks_;
   std::vector<int> parents_;  // by level: the entry of the outline that others lie under
   uint32_t pages_ = 0;
 };

@@ -45,8 +45,11 @@ void add_marks(Runs& runs, const std::vector<uint32_t>& marks) {
 
 }  // namespace
 
-PdfTable::PdfTable(const output::Document& document, const output::Table& table, uint32_t number)
-    : document_(document), view_(document, table), page_(plan_table(view_)), number_(number) {}
+PdfTable::PdfTable(const output::Document& document, const PaperBlock& block)
+    : document_(document),
+      block_(block.block),
+      view_(block.table->view),
+      page_(block.table->page) {}
 
 // The frame.
 
@@ -106,11 +109,8 @@ void PdfTable::draw_rule(Pen& pen, const Part& part, double thickness) const {
 // The caption.
 
 Runs PdfTable::caption(bool continues) const {
-  const std::string number = std::to_string(number_);
-  if (continues) {
-    return {{.text = filled(document_.word("Table ^1 (continued)"), number), .bold = true}};
-  }
-  Runs runs = {{.text = filled(document_.word("Table ^1"), number) + "\n", .bold = true},
+  if (continues) return {{.text = continued(block_, document_), .bold = true}};
+  Runs runs = {{.text = numbered(block_, document_) + "\n", .bold = true},
                {.text = view_.text(view_.table.title), .italic = true}};
   add_marks(runs, view_.marks(view_.layout.title_notes));
   return runs;

@@ -17,7 +17,8 @@ inline constexpr double kCaptionGap = 5;
 /// A table, which can tell what it needs of a page to begin on it.
 class PdfTable {
  public:
-  PdfTable(const output::Document& document, const output::Table& table, uint32_t number);
+  /// Of a block that is a table; the block outlives it.
+  PdfTable(const output::Document& document, const PaperBlock& block);
 
   /// A small table whole, of others the caption, head and first lines.
   double start_height(Pen& pen);
@@ -60,9 +61,9 @@ class PdfTable {
   std::vector<Runs> notes() const;
 
   const output::Document& document_;
-  TableView view_;
-  PageTable page_;
-  uint32_t number_;
+  const Block& block_;
+  const TableView& view_;
+  const PageTable& page_;
   std::vector<double> head_heights_;  // by head row, of the part in hand
 };
 

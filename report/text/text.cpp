@@ -1,38 +1,31 @@
 // The text form: headings, tables and messages for a terminal.
 #include <algorithm>
-#include <array>
 
-#include "report/aligned_cells.h"
 #include "report/chart/figure.h"
 #include "report/report.h"
 #include "report/text/display_text.h"
 #include "report/text/text_table.h"
+#include "report/typeset/texts.h"
 
 namespace hierfit::report {
 
 using output::Document;
-using output::Section;
 
 namespace {
-
-constexpr std::array<std::string_view, 3> kMessageWords = {"Note:", "Warning:", "Error:"};
 
 class TextReport {
  public:
   TextReport(const Document& document, const Options& options)
-      : document_(document), options_(options) {}
+      : document_(document), options_(options), texts_(document, Medium::Terminal) {}
 
   std::string write() {
-    if (!document_.title.empty()) write_heading(text::printable(document_.title), "═");
-    write_items(document_.content);
+    if (!document_.title.empty()) write_heading(texts_.shown(document_.title), "═");
+    for (const Block& block : blocks_of(document_))
+      std::visit([&](const auto* content) { write(*content, block); }, block.content);
     return std::move(out_);
   }
 
  private:
-  std::string text_of(const output::Text& text) const {
-    return text::printable(restyled(text, document_.numbers));
-  }
-
   void begin_item() {
     if (!out_.empty()) out_ += '\n';
   }
@@ -49,42 +42,34 @@ class TextReport {
     out_ += '\n';
   }
 
-  void write_items(const Section& section) {
-    for (const output::Item& item : section.items) {
-      std::visit([this](const auto& content) { write_item(*content); }, item);
-    }
+  void write(const output::Section& section, const Block&) {
+    write_heading(texts_.shown(section.title), "─");
   }
 
-  void write_item(const Section& section) {
-    write_heading(text_of(section.title), "─");
-    write_items(section);
-  }
-
-  void write_item(const output::Table& table) {
+  void write(const output::Table&, const Block& block) {
     begin_item();
-    text::append_table(out_, document_, table, ++tables_, options_);
+    text::append_table(out_, document_, block, options_);
   }
 
   /// A chart is its title and what it shows in words: the other forms draw it.
-  void write_item(const output::Chart& chart) {
+  void write(const output::Chart& chart, const Block&) {
     begin_item();
-    const std::string word = text::printable(document_.word("Chart:")) + ' ';
-    text::append_wrapped(out_, word + text::printable(chart.title), options_, 0);
-    text::append_wrapped(out_, text::printable(chart::Figure(chart, document_).description()),
+    const std::string word = texts_.shown(document_.word("Chart:")) + ' ';
+    text::append_wrapped(out_, word + texts_.shown(chart.title), options_, 0);
+    text::append_wrapped(out_, texts_.shown(chart::Figure(chart, document_).description()),
                          options_, 0);
   }
 
-  void write_item(const output::Message& message) {
+  void write(const output::Message& message, const Block&) {
     begin_item();
-    const std::string_view word =
-        document_.word(kMessageWords[static_cast<size_t>(message.severity)]);
-    text::append_wrapped(out_, text::printable(word) + ' ' + text_of(message.text), options_, 0);
+    const std::string word = texts_.shown(severity_word(message.severity, document_)) + ' ';
+    text::append_wrapped(out_, word + texts_.shown(message.text), options_, 0);
   }
 
   const Document& document_;
   const Options& options_;
+  Texts texts_;
   std::string out_;
-  uint32_t tables_ = 0;
 };
 
 }  // namespace

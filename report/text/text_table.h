@@ -1,21 +1,18 @@
 // Writes one table for a terminal.
 #pragma once
 
-#include <cstdint>
 #include <string>
 
-#include "output/document.h"
 #include "report/report.h"
+#include "report/typeset/blocks.h"
 
 namespace hierfit::report::text {
 
-/// Appends the table with its title and notes, `number` its place among the tables, from 1. Fitted
-/// to `options.width`: long labels wrap, and columns that do not fit follow in further blocks that
-/// repeat the row heads.
+/// Appends the table of a block with its title and notes. Fitted to `options.width`: long labels
+/// wrap, and columns that do not fit follow in further parts that repeat the row heads.
 void append_table(std::string& out,
                   const output::Document& document,
-                  const output::Table& table,
-                  uint32_t number,
+                  const Block& block,
                   const Options& options);
 
 /// Appends the lines of a text, wrapped to the width; lines behind the first begin with `indent`

@@ -7,8 +7,8 @@
 #include <span>
 #include <vector>
 
-#include "report/table_view.h"
 #include "report/typeset/part.h"
+#include "report/typeset/table_view.h"
 
 namespace hierfit::report {
 

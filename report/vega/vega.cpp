@@ -4,7 +4,7 @@
 #include "report/chart/axes.h"
 #include "report/chart/figure.h"
 #include "report/chart_files.h"
-#include "report/outline.h"
+#include "report/typeset/texts.h"
 #include "report/vega/vega_looks.h"
 #include "report/vega/vega_rows.h"
 

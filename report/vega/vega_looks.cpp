@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "report/outline.h"
+#include "report/typeset/texts.h"
 
 namespace hierfit::report::vega {
 

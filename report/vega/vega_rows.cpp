@@ -8,7 +8,7 @@
 #include "report/chart/circle.h"
 #include "report/chart/tally.h"
 #include "report/json/json_text.h"
-#include "report/outline.h"
+#include "report/typeset/texts.h"
 
 namespace hierfit::report::vega {
 

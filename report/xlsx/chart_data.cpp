@@ -1,8 +1,7 @@
 #include "report/xlsx/chart_data.h"
 
-#include "report/aligned_cells.h"
 #include "report/chart/figure_table.h"
-#include "report/outline.h"
+#include "report/typeset/texts.h"
 
 namespace hierfit::report::xlsx {
 
@@ -17,9 +16,7 @@ class DataWriter {
              lxw_worksheet* sheet,
              const output::Document& document,
              uint32_t row)
-      : workbook_(workbook), sheet_(sheet), style_(document.numbers), row_(row) {
-    style_.minus = "\u2212";
-  }
+      : workbook_(workbook), sheet_(sheet), texts_(document), row_(row) {}
 
   void write(const chart::FigureTable& data) {
     const output::Table& table = data.table;
@@ -63,12 +60,12 @@ class DataWriter {
   }
 
   void write_text(uint32_t column, const output::Text& text, const Look& look) {
-    write_runs(workbook_, sheet_, row_, column, {{clean(restyled(text, style_)), look}}, look);
+    write_runs(workbook_, sheet_, row_, column, {{texts_.shown(text), look}}, look);
   }
 
   Workbook& workbook_;
   lxw_worksheet* sheet_;
-  output::NumberStyle style_;
+  Texts texts_;
   uint32_t row_;
 };
 

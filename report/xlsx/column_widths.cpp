@@ -20,93 +20,68 @@ constexpr double kWidestLabel = 220;
 constexpr double kWidestHead = 110;
 constexpr double kNarrowest = 30;
 
-/// Labels that go on beside long tables are measured up to here.
-constexpr size_t kMostMeasured = 20000;
-
-class Measure {
+/// Points.
+class SheetRuler : public Ruler {
  public:
-  explicit Measure(const TableView& view) : view_(view) {}
+  SheetRuler(const TableView& view, const ColumnWidths& widths) : view_(view), widths_(widths) {}
 
-  ColumnWidths measure() {
-    const size_t columns = view_.layout.columns;
-    widths_.stubs.assign(view_.stubs(), kNarrowest);
-    widths_.columns.assign(columns, kNarrowest);
-    widths_.right.assign(columns, 0);
-    widths_.marks.assign(columns, "");
-    measure_heads();
-    measure_cells();
-    measure_spans();
-    return std::move(widths_);
+  Need narrowest() const override { return need(kNarrowest); }
+  Need stub_title(const Text& title) const override { return need(width(title, kWidestLabel)); }
+  Need row_head(const Head& head) const override {
+    const Text* label = view_.label_of(head);
+    if (label == nullptr) return {};
+    return need(width(*label, kWidestLabel) + kFontSize * (head.indent + 1));
+  }
+  Need column_head(const Head& head) const override {
+    const Text* label = view_.label_of(head);
+    if (label == nullptr) return {};
+    if (head.span > 1) {
+      const double line = std::min(chart::text_width(label->shown, kFont), 2 * kWidestHead);
+      return {line, line};  // which may use the padding
+    }
+    return head.kind == HeadKind::Title ? Need() : need(width(*label, kWidestHead));
+  }
+  Need text_cell(const PlacedCell&, const Text& text) const override {
+    return need(width(text, kWidestLabel) + kFontSize);
+  }
+  Need numbers(uint32_t column) const override {
+    const size_t characters =
+        view_.cells.columns[column].whole + widths_.right[column] + widths_.marks[column].size();
+    return need(static_cast<double>(characters) * chart::text_width("0", kFont));
   }
 
  private:
-  void measure_heads() {
-    for (uint32_t stub = 0; stub < view_.stubs(); ++stub) {
-      if (const Text* title = view_.stub_title(stub)) {
-        widen(widths_.stubs[stub], *title, kWidestLabel);
-      }
-    }
-    size_t measured = 0;
-    for (const Head& head : view_.layout.row_heads) {
-      const Text* label = view_.label_of(head);
-      if (label == nullptr || head.kind == HeadKind::Group || ++measured > kMostMeasured) continue;
-      widen(widths_.stubs[head.level], *label, kWidestLabel, kFontSize * (head.indent + 1));
-    }
-    for (const Head& head : view_.layout.column_heads) {
-      const Text* label = view_.label_of(head);
-      if (label == nullptr || head.kind == HeadKind::Title) continue;
-      if (head.span == 1) widen(widths_.columns[head.first], *label, kWidestHead);
-    }
-  }
+  static Need need(double width) { return {width + kColumnPadding, width + kColumnPadding}; }
 
-  void measure_cells() {
-    const double digit = chart::text_width("0", kFont);
-    const TableLayout& layout = view_.layout;
-    for (size_t i = 0; i < layout.placed.size(); ++i) {
-      const AlignedCell& cell = view_.cells.cells[i];
-      const uint32_t column = layout.placed[i].column;
-      if (cell.kind == CellKind::Text) {
-        widen(widths_.columns[column], view_.table.texts[cell.begin], kWidestLabel, kFontSize);
-        continue;
-      }
-      widths_.right[column] = std::max(widths_.right[column], right_length(cell));
-      std::string marks = mark_letters(view_.marks(layout.placed[i]));
-      if (marks.size() > widths_.marks[column].size()) widths_.marks[column] = std::move(marks);
-    }
-    for (size_t column = 0; column < widths_.columns.size(); ++column) {
-      const size_t characters =
-          view_.cells.columns[column].whole + widths_.right[column] + widths_.marks[column].size();
-      widths_.columns[column] =
-          std::max(widths_.columns[column], static_cast<double>(characters) * digit);
-    }
-  }
-
-  /// Columns under a common head share what it lacks.
-  void measure_spans() {
-    for (const Head& head : view_.layout.column_heads) {
-      const Text* label = view_.label_of(head);
-      if (label == nullptr || head.span == 1) continue;
-      double lacks = std::min(chart::text_width(label->shown, kFont), 2 * kWidestHead);
-      for (uint32_t column = head.first; column < head.first + head.span && lacks > 0; ++column)
-        lacks -= widths_.columns[column] + kColumnPadding;
-      if (lacks <= 0) continue;
-      for (uint32_t column = head.first; column < head.first + head.span; ++column)
-        widths_.columns[column] += lacks / head.span;
-    }
-  }
-
-  void widen(double& width, const Text& text, double most, double besides = 0) const {
+  static double width(const Text& text, double most) {
     const double line = chart::fit_text(text.shown, kFont, most, 100).width(kFont);
-    const double word = std::min(chart::widest_word(text.shown, kFont), kWidestLabel);
-    width = std::max(width, std::max(line, word) + besides);
+    return std::max(line, std::min(chart::widest_word(text.shown, kFont), kWidestLabel));
   }
 
   const TableView& view_;
-  ColumnWidths widths_;
+  const ColumnWidths& widths_;
 };
+
+void measure_numbers(const TableView& view, ColumnWidths& widths) {
+  for (size_t i = 0; i < view.layout.placed.size(); ++i) {
+    const AlignedCell& cell = view.cells.cells[i];
+    const uint32_t column = view.layout.placed[i].column;
+    if (cell.kind == CellKind::Text) continue;
+    widths.right[column] = std::max(widths.right[column], right_length(cell));
+    std::string marks = mark_letters(view.marks(view.layout.placed[i]));
+    if (marks.size() > widths.marks[column].size()) widths.marks[column] = std::move(marks);
+  }
+}
 
 }  // namespace
 
-ColumnWidths measure_columns(const TableView& view) { return Measure(view).measure(); }
+ColumnWidths measure_columns(const TableView& view) {
+  ColumnWidths widths;
+  widths.right.assign(view.layout.columns, 0);
+  widths.marks.assign(view.layout.columns, "");
+  measure_numbers(view, widths);
+  widths.needs = measure(view, SheetRuler(view, widths));
+  return widths;
+}
 
 }  // namespace hierfit::report::xlsx

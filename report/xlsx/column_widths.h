@@ -4,17 +4,16 @@
 #include <string>
 #include <vector>
 
-#include "report/table_view.h"
+#include "report/typeset/columns.h"
 
 namespace hierfit::report::xlsx {
 
 /// What a column has around its text, in points.
 inline constexpr double kColumnPadding = 12;
 
-/// Widths are in points, without the padding.
+/// The widths that a table wants, in points, with the padding.
 struct ColumnWidths {
-  std::vector<double> stubs;
-  std::vector<double> columns;
+  Needs needs;
   std::vector<size_t> right;       ///< by column: the longest part right of the whole one
   std::vector<std::string> marks;  ///< by column: the longest marks of its numbers
 };

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "report/aligned_cells.h"
+#include "report/typeset/aligned_cells.h"
 
 namespace hierfit::report::xlsx {
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "report/chart/binding.h"
 #include "report/chart/metrics.h"
 #include "report/typeset/table_rows.h"
 #include "report/wording.h"
@@ -32,24 +31,23 @@ constexpr uint8_t kDeepestIndent = 15;
 
 class TableSheets {
  public:
-  TableSheets(Workbook& workbook, const Document& document, const Entry& entry)
+  TableSheets(Workbook& workbook, const Document& document, const Block& block)
       : workbook_(workbook),
         document_(document),
-        entry_(entry),
-        view_(document, *entry.as<output::Table>()),
+        block_(block),
+        view_(document, *block.as<output::Table>()),
         widths_(measure_columns(view_)) {}
 
   void write(const SheetLimits& limits) {
     const auto notes = static_cast<uint32_t>(view_.layout.notes.size()) + 1;
     const uint32_t around = kTitleRows + view_.head_rows() + notes;
     const uint32_t lines = limits.lines > around ? limits.lines - around : 1;
-    const uint32_t columns = limits.columns > view_.stubs() ? limits.columns - view_.stubs() : 1;
+    // A sheet has room for so many columns, whatever their widths.
+    const Needs counted = {std::vector<Need>(view_.stubs(), {1, 1}),
+                           std::vector<Need>(view_.layout.columns, {1, 1})};
     std::vector<TableRows> walks;
-    Part part;
-    do {
-      part = {part.end, std::min(view_.layout.columns, part.end + columns)};
+    for (const Part& part : divide(view_, counted, limits.columns))
       walks.emplace_back(view_, part, lines);
-    } while (part.end < view_.layout.columns);
     do {
       for (TableRows& rows : walks)
         write_sheet(rows);
@@ -66,7 +64,8 @@ class TableSheets {
 
   double width_of(const Part& part, uint32_t column) const {
     const uint32_t stubs = view_.stubs();
-    return column < stubs ? widths_.stubs[column] : widths_.columns[part.first + column - stubs];
+    return column < stubs ? widths_.needs.stubs[column].wanted
+                          : widths_.needs.columns[part.first + column - stubs].wanted;
   }
 
   // A sheet.
@@ -93,15 +92,15 @@ class TableSheets {
 
   std::string next_name() {
     ++sheets_;
-    if (sheets_ == 1) return sheet_name(entry_, document_);
-    return sheet_name(numbered(entry_, document_) + " (" + std::to_string(sheets_) + ") " +
+    if (sheets_ == 1) return sheet_name(block_, document_);
+    return sheet_name(numbered(block_, document_) + " (" + std::to_string(sheets_) + ") " +
                       view_.text(view_.table.title));
   }
 
   lxw_col_t frozen_columns() const {
     double width = 0;
-    for (const double each : widths_.stubs)
-      width += each;
+    for (const Need& stub : widths_.needs.stubs)
+      width += stub.wanted - kColumnPadding;
     return width > kWidestFrozen ? 0 : static_cast<lxw_col_t>(view_.stubs());
   }
 
@@ -109,9 +108,9 @@ class TableSheets {
     double total = 0;
     for (uint32_t column = 0; column < rows.columns() && !view_.layout.empty(); ++column) {
       const double width = width_of(rows.part(), column);
-      total += width + kColumnPadding;
+      total += width;
       const auto at = static_cast<lxw_col_t>(column);
-      worksheet_set_column(sheet_, at, at, column_width(width), nullptr);
+      worksheet_set_column(sheet_, at, at, column_width(width - kColumnPadding), nullptr);
     }
     set_up(sheet_, document_, total > kPortrait);
     if (total <= kShrinkable) worksheet_fit_to_pages(sheet_, 1, 0);
@@ -126,13 +125,12 @@ class TableSheets {
 
   void write_caption(bool continues) {
     if (continues) {
-      const std::string number = std::to_string(entry_.number);
-      write_title(workbook_, sheet_, filled(document_.word("Table ^1 (continued)"), number), {});
+      write_title(workbook_, sheet_, continued(block_, document_), {});
       return;
     }
     std::vector<Run> title = {{view_.text(view_.table.title), {.italic = true}}};
     add_marks(title, view_.marks(view_.layout.title_notes));
-    write_title(workbook_, sheet_, numbered(entry_, document_), title);
+    write_title(workbook_, sheet_, numbered(block_, document_), title);
   }
 
   static void add_marks(std::vector<Run>& runs, const std::vector<uint32_t>& marks) {
@@ -185,7 +183,7 @@ class TableSheets {
     add_marks(runs, cell.marks);
     double width = 0;
     for (uint32_t column = cell.column; column < cell.end(); ++column)
-      width += width_of(part, column) + kColumnPadding;
+      width += width_of(part, column);
     merge(cell.column, cell.end() - 1, look);
     write(cell.column, runs, look);
     grow(*cell.label, width);
@@ -287,7 +285,7 @@ class TableSheets {
     uint32_t columns = 0;
     while (width < kNoteWidth && columns < kMostColumns) {
       const bool used = columns < rows.columns() && !view_.layout.empty();
-      width += used ? width_of(rows.part(), columns) + kColumnPadding : kPlainColumn;
+      width += used ? width_of(rows.part(), columns) : kPlainColumn;
       ++columns;
     }
     std::string text;
@@ -304,7 +302,7 @@ class TableSheets {
 
   Workbook& workbook_;
   const Document& document_;
-  const Entry& entry_;
+  const Block& block_;
   TableView view_;
   ColumnWidths widths_;
   lxw_worksheet* sheet_ = nullptr;
@@ -316,15 +314,15 @@ class TableSheets {
 
 }  // namespace
 
-std::string sheet_name(const Entry& entry, const Document& document) {
-  return sheet_name(numbered(entry, document) + " " + clean(title_of(entry).shown));
+std::string sheet_name(const Block& block, const Document& document) {
+  return sheet_name(numbered(block, document) + " " + clean(title_of(block).shown));
 }
 
 void write_table(Workbook& workbook,
                  const Document& document,
-                 const Entry& entry,
+                 const Block& block,
                  const SheetLimits& limits) {
-  TableSheets(workbook, document, entry).write(limits);
+  TableSheets(workbook, document, block).write(limits);
 }
 
 void write_title(Workbook& workbook,
@@ -345,7 +343,7 @@ void set_up(lxw_worksheet* sheet, const Document& document, bool landscape) {
   std::string pattern(document.word("Page ^1 of ^2"));
   for (size_t at = 0; (at = pattern.find('&', at)) != std::string::npos; at += 2)
     pattern.insert(at, 1, '&');
-  const std::string footer = "&C" + chart::with_arguments(pattern, {"&P", "&N"});
+  const std::string footer = "&C" + filled(pattern, "&P", "&N");
   worksheet_set_footer(sheet, footer.c_str());
 }
 

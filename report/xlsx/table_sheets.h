@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "report/outline.h"
-#include "report/table_view.h"
+#include "report/typeset/blocks.h"
+#include "report/typeset/table_view.h"
 #include "report/xlsx/workbook.h"
 
 namespace hierfit::report::xlsx {
@@ -16,13 +16,13 @@ struct SheetLimits {
 };
 
 /// The name of the first sheet of a table or chart.
-std::string sheet_name(const Entry& entry, const output::Document& document);
+std::string sheet_name(const Block& block, const output::Document& document);
 
 /// Writes a table. What lies beyond the rows or columns of a sheet follows on further sheets, each
 /// with its heads, row heads and notes.
 void write_table(Workbook& workbook,
                  const output::Document& document,
-                 const Entry& entry,
+                 const Block& block,
                  const SheetLimits& limits = {});
 
 /// The number over a part, then its title; both on rows of their own from the top.

@@ -2,9 +2,10 @@
 #include <algorithm>
 
 #include "report/chart/figure.h"
-#include "report/outline.h"
 #include "report/picture/picture.h"
 #include "report/report.h"
+#include "report/typeset/blocks.h"
+#include "report/typeset/texts.h"
 #include "report/xlsx/chart_data.h"
 #include "report/xlsx/table_sheets.h"
 
@@ -30,27 +31,28 @@ class Report {
   Report(const Document& document, const Options& options)
       : document_(document),
         options_(options),
-        entries_(outline(document)),
-        workbook_(is_large(entries_), document.right_to_left) {}
+        texts_(document),
+        blocks_(blocks_of(document)),
+        workbook_(is_large(blocks_), document.right_to_left) {}
 
   std::string write() {
     set_properties();
     write_contents();
-    for (const Entry& entry : entries_) {
-      if (entry.as<output::Table>() != nullptr) write_table(workbook_, document_, entry);
-      if (const auto* chart = entry.as<output::Chart>()) write_chart(entry, *chart);
+    for (const Block& block : blocks_) {
+      if (block.as<output::Table>() != nullptr) write_table(workbook_, document_, block);
+      if (const auto* chart = block.as<output::Chart>()) write_chart(block, *chart);
     }
     return workbook_.take();
   }
 
  private:
-  static bool is_large(const std::vector<Entry>& entries) {
+  static bool is_large(const std::vector<Block>& blocks) {
     size_t cells = 0;
     size_t sheets = 0;
-    for (const Entry& entry : entries) {
-      const auto* table = entry.as<output::Table>();
+    for (const Block& block : blocks) {
+      const auto* table = block.as<output::Table>();
       if (table != nullptr) cells += table->cells.size();
-      if (table != nullptr || entry.as<output::Chart>() != nullptr) ++sheets;
+      if (table != nullptr || block.as<output::Chart>() != nullptr) ++sheets;
     }
     return cells > kManyCells && sheets < kManySheets;
   }
@@ -76,14 +78,14 @@ class Report {
     const Look title = {.size = 15, .bold = true};
     write_runs(workbook_, sheet, 0, 0, {{report_title(document_), title}}, title);
     uint32_t row = 2;
-    for (const Entry& entry : entries_) {
+    for (const Block& block : blocks_) {
       if (row == kMostRows) break;
-      if (const auto* section = entry.as<output::Section>()) {
-        write_heading(sheet, ++row, entry, *section);
-      } else if (const auto* message = entry.as<output::Message>()) {
+      if (const auto* section = block.as<output::Section>()) {
+        write_heading(sheet, ++row, block, *section);
+      } else if (const auto* message = block.as<output::Message>()) {
         write_message(sheet, row, *message);
       } else {
-        write_link(sheet, row, entry);
+        write_link(sheet, row, block);
       }
       ++row;
     }
@@ -91,10 +93,10 @@ class Report {
 
   void write_heading(lxw_worksheet* sheet,
                      uint32_t row,
-                     const Entry& entry,
+                     const Block& block,
                      const output::Section& section) {
-    Look look = {.size = entry.level > 1 ? 10.0 : 12.0, .bold = true};
-    write_runs(workbook_, sheet, row, 0, {{shown(section.title), look}}, look);
+    Look look = {.size = block.level > 1 ? 10.0 : 12.0, .bold = true};
+    write_runs(workbook_, sheet, row, 0, {{texts_.shown(section.title), look}}, look);
   }
 
   void write_message(lxw_worksheet* sheet, uint32_t row, const output::Message& message) {
@@ -102,35 +104,29 @@ class Report {
     const std::string severity(severity_word(message.severity, document_));
     write_runs(workbook_, sheet, row, 0, {{severity, word}}, word);
     const Look text = {.wraps = true};
-    write_runs(workbook_, sheet, row, 1, {{shown(message.text), text}}, text);
+    write_runs(workbook_, sheet, row, 1, {{texts_.shown(message.text), text}}, text);
   }
 
-  void write_link(lxw_worksheet* sheet, uint32_t row, const Entry& entry) {
+  void write_link(lxw_worksheet* sheet, uint32_t row, const Block& block) {
     const Look number = {.quiet = true};
-    write_runs(workbook_, sheet, row, 0, {{numbered(entry, document_), number}}, number);
-    const std::string title = first_units(shown(title_of(entry)), kMostCharacters);
+    write_runs(workbook_, sheet, row, 0, {{numbered(block, document_), number}}, number);
+    const std::string title = first_units(texts_.shown(title_of(block)), kMostCharacters);
     const Look link = {.link = true, .wraps = true};
     if (row < kMostLinks) {
-      const std::string place = kContentsLink + sheet_name(entry, document_) + "'!A1";
+      const std::string place = kContentsLink + sheet_name(block, document_) + "'!A1";
       worksheet_write_url(sheet, row, 1, place.c_str(), nullptr);
     }
     write_runs(workbook_, sheet, row, 1, {{title, link}}, link);
   }
 
-  std::string shown(const output::Text& text) const {
-    output::NumberStyle style = document_.numbers;
-    style.minus = "\u2212";
-    return clean(restyled(text, style));
-  }
-
   // A chart: its picture on a sheet.
 
-  void write_chart(const Entry& entry, const output::Chart& chart) {
+  void write_chart(const Block& block, const output::Chart& chart) {
     const chart::Figure figure(chart, document_);
-    lxw_worksheet* sheet = workbook_.add_sheet(sheet_name(entry, document_));
+    lxw_worksheet* sheet = workbook_.add_sheet(sheet_name(block, document_));
     set_up(sheet, document_, true);
-    write_title(workbook_, sheet, numbered(entry, document_),
-                {{shown(title_of(entry)), {.italic = true}}});
+    write_title(workbook_, sheet, numbered(block, document_),
+                {{texts_.shown(title_of(block)), {.italic = true}}});
     const std::string svg = figure.svg({.width = options_.chart_width});
     const Grid under = fix_grid(sheet, size_of_svg(svg));
     const std::string png = png_of_svg(svg, kPictureScale);
@@ -173,7 +169,8 @@ class Report {
 
   const Document& document_;
   const Options& options_;
-  std::vector<Entry> entries_;
+  Texts texts_;
+  std::vector<Block> blocks_;
   Workbook workbook_;
 };
 

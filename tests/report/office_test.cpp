@@ -86,7 +86,7 @@ TEST_CASE("a table beyond the limits of a sheet goes on on further ones") {
   }
   const output::Document document = with_table(std::move(builder));
   report::xlsx::Workbook workbook(false, false);
-  report::xlsx::write_table(workbook, document, report::outline(document)[0],
+  report::xlsx::write_table(workbook, document, report::blocks_of(document)[0],
                             {.lines = 10, .columns = 4});
   const std::string package = workbook.take();
   // Five lines beside title, head and a note, and three columns beside the row heads.

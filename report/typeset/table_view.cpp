@@ -1,19 +1,18 @@
-#include "report/table_view.h"
+#include "report/typeset/table_view.h"
 
 #include <algorithm>
-
-#include "report/outline.h"
 
 namespace hierfit::report {
 
 using output::kNone;
 using output::Text;
 
-TableView::TableView(const output::Document& of, const output::Table& shown)
-    : document(of), table(shown), style(of.numbers), layout(lay_out(shown)) {
-  style.minus = "\u2212";
-  cells = align_cells(table, layout, style);
-}
+TableView::TableView(const output::Document& of, const output::Table& shown, Medium medium)
+    : document(of),
+      table(shown),
+      texts(of, medium),
+      layout(lay_out(shown)),
+      cells(align_cells(shown, layout, texts.numbers())) {}
 
 const Text* TableView::label_of(const Head& head) const {
   if (head.kind == HeadKind::Blank) return nullptr;
@@ -44,8 +43,6 @@ const output::Number& TableView::number_of(const PlacedCell& placed) const {
   if (const auto* number = std::get_if<output::Number>(&value)) return *number;
   return table.texts[std::get<uint32_t>(value)].numbers[0].number;
 }
-
-std::string TableView::text(const Text& text) const { return clean(restyled(text, style)); }
 
 std::vector<uint32_t> TableView::marks(const std::vector<uint32_t>& notes) const {
   std::vector<uint32_t> numbers;

@@ -1,4 +1,4 @@
-#include "report/flat_heads.h"
+#include "report/typeset/flat_heads.h"
 
 namespace hierfit::report {
 

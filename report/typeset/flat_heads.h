@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "report/table_view.h"
+#include "report/typeset/table_view.h"
 
 namespace hierfit::report {
 

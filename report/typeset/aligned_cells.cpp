@@ -1,5 +1,5 @@
 // The cells of a table as text, lined up.
-#include "report/aligned_cells.h"
+#include "report/typeset/aligned_cells.h"
 
 #include <algorithm>
 
@@ -69,18 +69,6 @@ AlignedCells align_cells(const Table& table, const TableLayout& layout, const Nu
     }
   }
   return aligned;
-}
-
-std::string restyled(const Text& text, const NumberStyle& style) {
-  if (text.numbers.empty()) return text.shown;
-  std::string written;
-  size_t at = 0;
-  for (const output::NumberSpan& span : text.numbers) {
-    written.append(text.shown, at, span.begin - at);
-    output::append_shown(written, span.number, style);
-    at = size_t{span.begin} + span.length;
-  }
-  return written.append(text.shown, at);
 }
 
 }  // namespace hierfit::report

@@ -4,13 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "report/aligned_cells.h"
 #include "report/layout/table_layout.h"
+#include "report/typeset/aligned_cells.h"
+#include "report/typeset/texts.h"
 
 namespace hierfit::report {
 
 struct TableView {
-  TableView(const output::Document& of, const output::Table& shown);
+  TableView(const output::Document& of, const output::Table& shown, Medium medium = Medium::Page);
 
   /// What a head shows; null for nothing.
   const output::Text* label_of(const Head& head) const;
@@ -24,8 +25,8 @@ struct TableView {
 
   /// The number of a cell that shows one.
   const output::Number& number_of(const PlacedCell& placed) const;
-  /// The text of a cell that shows one, or of a label, caption or note.
-  std::string text(const output::Text& text) const;
+  /// What a text of the table shows, a cell, label, caption or note.
+  std::string text(const output::Text& text) const { return texts.shown(text); }
 
   /// The numbers of notes, each once, in order.
   std::vector<uint32_t> marks(const std::vector<uint32_t>& notes) const;
@@ -35,7 +36,7 @@ struct TableView {
 
   const output::Document& document;
   const output::Table& table;
-  output::NumberStyle style;  ///< the document's, with a true minus
+  Texts texts;
   TableLayout layout;
   AlignedCells cells;
 };

@@ -52,7 +52,4 @@ AlignedCells align_cells(const output::Table& table,
                          const TableLayout& layout,
                          const output::NumberStyle& style);
 
-/// The text with its numbers written in `style`; its line feeds stay.
-std::string restyled(const output::Text& text, const output::NumberStyle& style);
-
 }  // namespace hierfit::report

@@ -1,0 +1,56 @@
+// What a document holds, in one line: its sections, tables, charts and messages, as every form
+// numbers and names them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "output/document.h"
+
+namespace hierfit::report {
+
+/// A section, table, chart or message of a document, in its place.
+struct Block {
+  using Content = std::variant<const output::Section*,
+                               const output::Table*,
+                               const output::Chart*,
+                               const output::Message*>;
+  Content content;
+  uint32_t level = 1;   ///< how many sections it lies in, and one
+  uint32_t number = 0;  ///< among those of its kind, from 1
+
+  /// The content, when it is of that type; else null.
+  template <class Type>
+  const Type* as() const {
+    const auto* found = std::get_if<const Type*>(&content);
+    return found == nullptr ? nullptr : *found;
+  }
+  bool is_section() const { return as<output::Section>() != nullptr; }
+  /// Whether contents lead to it: to all but messages.
+  bool is_listed() const { return as<output::Message>() == nullptr; }
+  /// A name for links, unique in the document: "s", "t", "c" or "m" for its kind, then its number.
+  std::string anchor() const;
+};
+
+/// The blocks of a document in order; a section stands ahead of what lies in it.
+std::vector<Block> blocks_of(const output::Document& document);
+
+/// "Table 3" or "Figure 3" in the language of the document; empty for other blocks.
+std::string numbered(const Block& block, const output::Document& document);
+
+/// "Table 3 (continued)", over a further part of a table.
+std::string continued(const Block& block, const output::Document& document);
+
+/// What a block is called. Empty for messages.
+output::Text title_of(const Block& block);
+
+/// What a severity is called by programs, "warning", and the word ahead of a message, "Warning:".
+std::string_view severity_name(output::Severity severity);
+std::string_view severity_word(output::Severity severity, const output::Document& document);
+
+/// The title of the report, or a word in its place.
+std::string report_title(const output::Document& document);
+
+}  // namespace hierfit::report
