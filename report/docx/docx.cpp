@@ -6,9 +6,9 @@
 #include "report/docx/markup.h"
 #include "report/docx/package.h"
 #include "report/docx/parts.h"
-#include "report/layout/page_table.h"
 #include "report/picture/picture.h"
 #include "report/report.h"
+#include "report/typeset/paper.h"
 #include "report/wording.h"
 
 namespace hierfit::report {

@@ -4,7 +4,7 @@
 
 #include "report/chart/metrics.h"
 #include "report/docx/markup.h"
-#include "report/layout/page_table.h"
+#include "report/typeset/paper.h"
 #include "report/typeset/table_rows.h"
 #include "report/wording.h"
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "report/layout/page_table.h"
+#include "report/typeset/paper.h"
 
 namespace hierfit::report::docx {
 

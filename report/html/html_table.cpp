@@ -4,6 +4,7 @@
 
 #include "report/append.h"
 #include "report/html/markup.h"
+#include "report/typeset/paper.h"
 #include "report/typeset/table_rows.h"
 #include "report/wording.h"
 
@@ -37,12 +38,6 @@ constexpr uint32_t kDeepestIndent = 4;
 constexpr int kMostLeftSteps = 24;
 constexpr int kMostRightSteps = 48;
 
-/// How many digits fit side by side on a printed page, what a column has around them, and the most
-/// that row heads take.
-constexpr double kPageDigits = 100;
-constexpr double kPrintedGap = 2.5;
-constexpr double kWidestStub = 26;
-
 /// A CSS pixel in thousandths of a point.
 constexpr int kMilliPointsPerPixel = 750;
 
@@ -69,96 +64,28 @@ class HtmlTable {
       int& right = right_[view_.layout.placed[i].column];
       right = std::max(right, right_steps(view_.cells.cells[i]));
     }
-    measure_heads();
     name_heads();
   }
 
+  /// A table that is wider than paper is there once more for it, a part beneath the other. One that
+  /// is long is printed as it stands.
   void write() {
-    const bool folds = is_wider_than_page();
-    if (folds) out_ += "<div class=\"unfolded\">\n";
+    PageTable page;
+    if (!is_long()) page = plan_table(view_);
+    landscape_ = page.landscape;
+    if (page.parts.size() < 2) return write_part({0, view_.layout.columns});
+    out_ += "<div class=\"whole\">\n";
     write_part({0, view_.layout.columns});
-    if (!folds) return;
-    out_ += "</div>\n<div class=\"folded\">\n";
-    write_copy();
+    out_ += "</div>\n<div class=\"parts\">\n";
+    is_copy_ = true;
+    named_ = false;
+    for (const Part& part : page.parts)
+      write_part(part);
     out_ += "</div>\n";
   }
 
  private:
   bool is_long() const { return view_.lines() > kManyLines; }
-
-  // For paper.
-
-  /// A table that is wider than a page once more, a part beneath the other.
-  void write_copy() {
-    for_paper_ = true;
-    named_ = false;
-    for (Part part; part.end < view_.layout.columns;) {
-      part = {part.end, fold_end(part.end)};
-      write_part(part);
-    }
-  }
-
-  /// A group of columns that fits on a page of its own is not divided.
-  uint32_t fold_end(uint32_t begin) const {
-    double width = printed_stub_width();
-    uint32_t end = begin;
-    uint32_t last_group = begin;
-    for (const Head& head : view_.layout.column_heads) {
-      if (head.level == 0 && head.first >= begin) {
-        while (end < head.first && width + printed_width(end) <= kPageDigits) {
-          width += printed_width(end++);
-        }
-        if (end < head.first) break;
-        last_group = end;
-      }
-    }
-    while (end < view_.layout.columns && width + printed_width(end) <= kPageDigits) {
-      width += printed_width(end++);
-    }
-    if (end == view_.layout.columns) return end;
-    return last_group > begin ? last_group : std::max(end, begin + 1);
-  }
-
-  double printed_width(uint32_t column) const {
-    constexpr double kTextDigits = 14;
-    const ColumnParts& parts = view_.cells.columns[column];
-    const double digits = parts.mixed ? kTextDigits : parts.whole + right_[column] / 2.0;
-    return std::max(digits, head_digits_[column]) + kPrintedGap;
-  }
-
-  double printed_stub_width() const {
-    size_t longest = 0;
-    for (const Head& head : view_.layout.row_heads) {
-      if (const Text* label = view_.label_of(head))
-        longest = std::max(longest, label->shown.size());
-    }
-    const double widest = std::min(static_cast<double>(longest), kWidestStub) + kPrintedGap;
-    return widest * static_cast<double>(std::min<size_t>(view_.layout.stubs.size(), 2));
-  }
-
-  bool is_wider_than_page() const {
-    double width = printed_stub_width();
-    for (uint32_t column = 0; column < view_.layout.columns && width <= kPageDigits; ++column) {
-      width += printed_width(column);
-    }
-    return width > kPageDigits && !is_long();
-  }
-
-  /// By column: the longest word of the heads that stand over it alone.
-  void measure_heads() {
-    head_digits_.assign(view_.layout.columns, 0);
-    for (const Head& head : view_.layout.column_heads) {
-      const Text* label = view_.label_of(head);
-      if (label == nullptr || head.span > 1) continue;
-      size_t longest = 0;
-      size_t length = 0;
-      for (const char character : label->shown) {
-        length = character == ' ' || character == '\n' ? 0 : length + 1;
-        longest = std::max(longest, length);
-      }
-      head_digits_[head.first] = std::max(head_digits_[head.first], static_cast<double>(longest));
-    }
-  }
 
   // The frame.
 
@@ -182,12 +109,12 @@ class HtmlTable {
   }
 
   void open_region(const Part& part) {
-    if (for_paper_) {
-      out_ += "<div class=\"scroll\">\n<table>\n";
+    append(out_, "<div class=\"scroll", is_long() ? " slice" : "", landscape_ ? " landscape" : "");
+    if (is_copy_) {
+      out_ += "\">\n<table>\n";
       return;
     }
-    append(out_, "<div class=\"scroll", is_long() ? " piece" : "",
-           "\" tabindex=\"0\" role=\"region\" aria-labelledby=\"", id_, "\">\n<table",
+    append(out_, "\" tabindex=\"0\" role=\"region\" aria-labelledby=\"", id_, "\">\n<table",
            view_.stubs() == 1 && part.columns() >= kManyColumns ? " class=\"wide\"" : "", ">\n");
   }
 
@@ -220,7 +147,7 @@ class HtmlTable {
   /// An id of the table, that of what `name` tells; a copy has none.
   template <class... Name>
   void write_id(const Name&... name) {
-    if (!for_paper_) append(out_, " id=\"", id_, name..., '"');
+    if (!is_copy_) append(out_, " id=\"", id_, name..., '"');
   }
 
   // The head. What reaches down is written in its first row.
@@ -517,14 +444,14 @@ class HtmlTable {
   const Block& block_;
   TableView view_;
   std::string id_;
-  std::vector<int> right_;           // by column: the widest right part, in steps
-  std::vector<double> head_digits_;  // by column
-  std::vector<bool> referenced_;     // by mark: whether a link to the note has been written
-  bool named_ = false;               // whether heads have ids and cells name them
+  std::vector<int> right_;        // by column: the widest right part, in steps
+  std::vector<bool> referenced_;  // by mark: whether a link to the note has been written
+  bool named_ = false;            // whether heads have ids and cells name them
   std::vector<std::string> column_names_;
   std::string row_names_;   // of the line in hand
   bool in_block_ = false;   // whether the open `tbody` belongs to one head
-  bool for_paper_ = false;  // a copy: ids are those of the table itself
+  bool landscape_ = false;  // the way that paper lies
+  bool is_copy_ = false;    // for paper: ids are those of the table itself
 };
 
 }  // namespace

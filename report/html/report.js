@@ -91,7 +91,7 @@ class Numbers {
 class Table {
   constructor(elements, numbers, tools) {
     this.elements = elements;
-    this.onScreen = elements.filter((table) => !table.closest(".folded"));
+    this.onScreen = elements.filter((table) => !table.closest(".parts"));
     this.numbers = numbers;
     this.status = tools.querySelector("[role=status]");
     this.shift = 0;
@@ -292,7 +292,7 @@ function addTools(template) {
     const region = table.parentElement;
     const name = region.getAttribute("aria-labelledby");
     const before = tables.at(-1);
-    const continues = table.closest(".folded") || (region.matches(".piece") && before?.name === name);
+    const continues = table.closest(".parts") || (region.matches(".slice") && before?.name === name);
     if (continues) before.elements.push(table);
     else tables.push({ name, elements: [table] });
   }
@@ -300,7 +300,7 @@ function addTools(template) {
     const region = elements[0].parentElement;
     const tools = template.content.firstElementChild.cloneNode(true);
     tools.setAttribute("aria-labelledby", name);
-    region[region.matches(".piece") ? "before" : "after"](tools);
+    region[region.matches(".slice") ? "before" : "after"](tools);
     new Table(elements, numbers, tools);
   }
 }

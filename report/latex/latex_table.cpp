@@ -5,7 +5,7 @@
 #include <charconv>
 
 #include "report/append.h"
-#include "report/layout/page_table.h"
+#include "report/typeset/paper.h"
 #include "report/typeset/table_rows.h"
 #include "report/wording.h"
 

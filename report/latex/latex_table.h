@@ -4,7 +4,7 @@
 #include <string>
 
 #include "report/latex/latex_text.h"
-#include "report/layout/page_table.h"
+#include "report/typeset/paper.h"
 
 namespace hierfit::report::latex {
 

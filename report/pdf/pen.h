@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "report/layout/page_table.h"
+#include "report/typeset/paper.h"
 
 struct _cairo;
 struct _cairo_surface;

@@ -148,9 +148,7 @@ class TextPlanner {
   }
 
   /// Two fifths of the width are for the stub columns, whatever the others need.
-  size_t stub_floor() const {
-    return std::max(kNarrowestStub * labels_.size(), limit_ * 2 / 5);
-  }
+  size_t stub_floor() const { return std::max(kNarrowestStub * labels_.size(), limit_ * 2 / 5); }
 
   /// Sets all widths. Whether the columns then stand beside one another within the limit.
   bool fits_at(const Density& density) {
@@ -193,8 +191,7 @@ class TextPlanner {
 
   /// Of all stubs, with the gaps behind them.
   size_t stub_width() const {
-    return std::accumulate(plan_.stubs.begin(), plan_.stubs.end(),
-                           plan_.gap * plan_.stubs.size());
+    return std::accumulate(plan_.stubs.begin(), plan_.stubs.end(), plan_.gap * plan_.stubs.size());
   }
 
   size_t width_of(const Part& part) const {

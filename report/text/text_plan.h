@@ -33,8 +33,8 @@ struct TextPlan {
   std::vector<Part> parts;            ///< at least one
 };
 
-/// Finds the loosest way in which the table fits into `limit`; else the one that divides it into the
-/// fewest parts.
+/// Finds the loosest way in which the table fits into `limit`; else the one that divides it into
+/// the fewest parts.
 TextPlan plan_text(const TableView& view, size_t limit);
 
 /// What a head shows, with the marks of its notes raised; empty for nothing.

@@ -57,8 +57,8 @@ class Ruler {
 
 /// What row heads and cells ask for.
 Needs body_needs(const TableView& view, const Ruler& ruler);
-/// Raises needs to what the titles of the stubs and the heads over columns ask for. What a head over
-/// several columns lacks these share, the heads nearest to the numbers first.
+/// Raises needs to what the titles of the stubs and the heads over columns ask for. What a head
+/// over several columns lacks these share, the heads nearest to the numbers first.
 void cover_heads(const TableView& view, const Ruler& ruler, Needs& needs);
 
 /// What all of a table asks for.

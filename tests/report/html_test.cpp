@@ -126,9 +126,9 @@ TEST_CASE("a table wider than a page is there again for paper, divided between c
   }
   builder.table_note("below");
   const std::string page = page_of(std::move(builder));
-  const size_t folded = page.find("<div class=\"folded\">");
-  REQUIRE(folded != std::string::npos);
-  const std::string paper = page.substr(folded);
+  const size_t parts = page.find("<div class=\"parts\">");
+  REQUIRE(parts != std::string::npos);
+  const std::string paper = page.substr(parts);
   CHECK(occurrences(paper, "<table") == 2);
   CHECK(occurrences(paper, ">group ") == 12);
   CHECK(occurrences(paper, "colspan=\"2\">") == 12);

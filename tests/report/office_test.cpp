@@ -3,8 +3,8 @@
 #include <memory>
 #include <string>
 
-#include "report/layout/page_table.h"
 #include "report/report.h"
+#include "report/typeset/paper.h"
 #include "report/xlsx/table_sheets.h"
 #include "tests/report/markup_reader.h"
 #include "tests/report/sample_documents.h"

@@ -1,4 +1,4 @@
-#include "report/layout/page_table.h"
+#include "report/typeset/paper.h"
 
 #include <algorithm>
 #include <cmath>
