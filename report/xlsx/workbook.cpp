@@ -25,6 +25,21 @@ void require(lxw_error error) {
   if (error != LXW_NO_ERROR) fail(lxw_strerror(error));
 }
 
+/// As much of the runs as a cell takes, those that are empty left out.
+std::vector<Run> fitting(const std::vector<Run>& runs) {
+  std::vector<Run> shown;
+  size_t left = kMostCharacters - 1;
+  for (const Run& run : runs) {
+    std::string text = first_units(run.text, left);
+    const bool cut = text.size() < run.text.size();
+    left -= utf8::to_utf16(text).size();
+    if (cut) text += kEllipsis;
+    if (!text.empty()) shown.push_back({std::move(text), run.look});
+    if (cut) break;
+  }
+  return shown;
+}
+
 /// What the file reads back as it was written, whatever its size.
 std::string contents_of(int file) {
   std::string bytes(static_cast<size_t>(lseek(file, 0, SEEK_END)), '\0');
@@ -112,16 +127,7 @@ void write_runs(Workbook& workbook,
                 uint32_t column,
                 const std::vector<Run>& runs,
                 const Look& cell) {
-  std::vector<Run> shown;
-  size_t left = kMostCharacters - 1;
-  for (const Run& run : runs) {
-    std::string text = first_units(run.text, left);
-    const bool cut = text.size() < run.text.size();
-    left -= std::min(left, text.size());
-    if (cut) text += kEllipsis;
-    if (!text.empty()) shown.push_back({std::move(text), run.look});
-    if (cut) break;
-  }
+  std::vector<Run> shown = fitting(runs);
   const auto at = static_cast<lxw_col_t>(column);
   lxw_format* format = workbook.format(cell);
   if (shown.empty()) return require(worksheet_write_blank(sheet, row, at, format));

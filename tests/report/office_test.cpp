@@ -77,6 +77,21 @@ TEST_CASE("workbooks show numbers as the report does") {
   }
 }
 
+TEST_CASE("a cell of a workbook is full by its characters, not their bytes") {
+  const auto strings_of = [](int characters) {
+    std::string title;
+    for (int i = 0; i < characters; ++i)
+      title += "\u65E5";
+    TableBuilder builder(title);
+    builder.rows("r").cell({{"a"}}, count(1)).table_note("n");
+    return part(report::render_xlsx(with_table(std::move(builder)), {}), "xl/sharedStrings.xml");
+  };
+  // The mark of the note stands behind the title in its cell.
+  CHECK(holds(strings_of(20000), "\u65E5</t></r><r>"));
+  CHECK_FALSE(holds(strings_of(20000), "\u2026"));
+  CHECK(holds(strings_of(40000), "\u65E5\u2026</t>"));
+}
+
 TEST_CASE("a table beyond the limits of a sheet goes on on further ones") {
   TableBuilder builder("Large");
   builder.rows("Row").columns("Column").hide_title();
