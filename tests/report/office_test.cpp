@@ -151,4 +151,102 @@ TEST_CASE("tables on paper") {
   }
 }
 
+namespace {
+
+/// What a form writes for a document; of a package the parts that tables are made of.
+std::string written(const char* form, const output::Document& document) {
+  const std::string whole = report::form_by_name(form)->render(document, {});
+  std::string parts;
+  for (const char* name : {"word/document.xml", "xl/sharedStrings.xml", "xl/styles.xml"})
+    parts += whole.starts_with("PK") ? part(whole, name) : "";
+  return parts.empty() ? whole : parts;
+}
+
+}  // namespace
+
+TEST_CASE("heads have their marks and their rules in each form") {
+  TableBuilder builder("t");
+  builder.rows("r").columns("c").hide_title();
+  builder.cell({{"Group", "a"}, {"Over", "x"}}, count(1));
+  builder.cell({{"Group", "a"}, {"Over", "y"}}, count(2)).cell({{"Last"}, {"Z"}}, count(3));
+  builder.label_note(1, {"Over"}, "1").label_note(1, {"Z"}, "2");
+  builder.label_note(0, {"Group"}, "3").label_note(0, {"Last"}, "4");
+  const output::Document document = with_table(std::move(builder));
+  struct Case {
+    const char* form;
+    std::vector<const char*> pieces;
+  };
+  const Case cases[] = {
+      {"html",
+       {">Over<sup><a role=\"doc-noteref\" href=\"#t1n0\" id=\"t1m0\">a</a></sup></span></th>",
+        ">Z<sup><a role=\"doc-noteref\" href=\"#t1n1\"", ">Group<sup><a role=\"doc-noteref\"",
+        ">Last<sup><a role=\"doc-noteref\"", "<th scope=\"colgroup\" class=\"g\""}},
+      {"text", {"Over\u1D43", "Z\u1D47", "Group\u1D9C", "Last\u1D48", "\n       \u2500"}},
+      {"markdown", {"Over: x\u1D43", "Z\u1D47", "Group\u1D9C", "Last\u1D48"}},
+      {"latex",
+       {"{Over\\textsuperscript{a}}", "Z\\textsuperscript{b}", "{Group\\textsuperscript{c}}",
+        "Last\\textsuperscript{d}", "\\cmidrule(lr){2-3}\n"}},
+      {"docx",
+       {"w:anchor=\"t1na\"", "w:anchor=\"t1nb\"", "w:anchor=\"t1nc\"", "w:anchor=\"t1nd\"",
+        "<w:pBdr><w:bottom"}},
+      {"xlsx",
+       {"Over</t></r><r>", "Z</t></r><r>", "Group</t></r><r>", "Last</t></r><r>",
+        "<bottom style=\"hair\">"}},
+  };
+  for (const auto& [form, pieces] : cases) {
+    CAPTURE(std::string(form));
+    const std::string text = written(form, document);
+    for (const char* piece : pieces) {
+      CAPTURE(std::string(piece));
+      CHECK(holds(text, piece));
+    }
+  }
+}
+
+TEST_CASE("a group beside the head that encloses it keeps its label") {
+  TableBuilder builder("t");
+  builder.rows("o", 2).rows("i").columns("c").hide_title();
+  builder.cell({{"Outer"}, {"Group", "x"}, {"c"}}, count(1));
+  builder.cell({{"Outer"}, {"Group", "y"}, {"c"}}, count(2));
+  const output::Document document = with_table(std::move(builder));
+  CHECK(holds(written("latex", document), "Outer & \\multicolumn{2}{"));
+  CHECK(holds(written("latex", document), "{Group} \\\\*\n"));
+  // A merged cell would belong to the one above it.
+  CHECK(holds(written("docx", document), "<w:gridSpan w:val=\"2\"/></w:tcPr>"));
+}
+
+TEST_CASE("a wide table has the same parts on paper, whatever the form") {
+  TableBuilder builder("t");
+  builder.rows("Row").columns("c").hide_title();
+  for (int column = 0; column < 40; ++column) {
+    const Path path = {"group " + std::to_string(column / 3), "c" + std::to_string(column)};
+    builder.cell({{"row"}, path}, coefficient(-1234.5 * column));
+  }
+  const output::Document document = with_table(std::move(builder));
+  const auto& table = *std::get<std::unique_ptr<output::Table>>(document.content.items[0]);
+  std::vector<size_t> planned;
+  for (const report::Part& part : report::PaperTable(document, table).page.parts)
+    planned.push_back(part.columns());
+  REQUIRE(planned.size() > 1);
+  // By the heads of single columns, and in DOCX by the columns of the grid, less the row heads'.
+  const auto counted = [](std::string text, std::string_view begin, std::string_view column) {
+    std::vector<size_t> columns;
+    for (size_t at; (at = text.find(begin)) != std::string::npos;) {
+      text.erase(0, at + begin.size());
+      columns.push_back(0);
+      const std::string_view one = std::string_view(text).substr(0, text.find(begin));
+      for (at = one.find(column); at != one.npos; at = one.find(column, at + 1))
+        ++columns.back();
+    }
+    return columns;
+  };
+  const std::string page = written("html", document);
+  CHECK(counted(page.substr(page.find("<div class=\"parts\">")), "<table>",
+                "<th scope=\"col\">c") == planned);
+  std::vector<size_t> in_text = counted(written("docx", document), "<w:tbl>", "<w:gridCol");
+  for (size_t& columns : in_text)
+    --columns;
+  CHECK(in_text == planned);
+}
+
 }  // namespace hierfit::tests
