@@ -31,22 +31,6 @@ std::string shown_pair(const ChartVariable& variable,
 
 }  // namespace
 
-std::string with_arguments(std::string_view pattern, const std::vector<std::string>& arguments) {
-  std::string text;
-  for (size_t at = 0; at < pattern.size(); ++at) {
-    const size_t index = at + 1 < pattern.size() && pattern[at] == '^'
-                             ? static_cast<size_t>(pattern[at + 1] - '1')
-                             : arguments.size();
-    if (index < arguments.size()) {
-      text += arguments[index];
-      ++at;
-    } else {
-      text += pattern[at];
-    }
-  }
-  return text;
-}
-
 std::span<const std::string> Binding::panel_titles(const BoundElement& element, size_t row) const {
   if (element.panel_of_row.empty() || element.panel_of(row) >= panels.size()) return {};
   return panels[element.panel_of(row)].titles;

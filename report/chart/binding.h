@@ -57,7 +57,4 @@ Binding bind(const Plan& plan,
              const output::Chart& chart,
              const output::Document& document);
 
-/// The pattern with "^1", "^2", ... replaced by the arguments, in one pass.
-std::string with_arguments(std::string_view pattern, const std::vector<std::string>& arguments);
-
 }  // namespace hierfit::report::chart

@@ -6,6 +6,7 @@
 
 #include "report/chart/axes.h"
 #include "report/chart/pieces.h"
+#include "report/wording.h"
 
 namespace hierfit::report::chart {
 namespace {
@@ -40,7 +41,7 @@ class Description {
 
   void say(std::string_view key, const std::vector<std::string>& arguments) {
     if (!text_.empty() && has_blanks()) text_ += ' ';
-    text_ += with_arguments(binding_.word(key), arguments);
+    text_ += filled(binding_.word(key), arguments);
   }
 
   /// Sentences of Chinese and Japanese end in a stop that has its own room.
@@ -252,7 +253,7 @@ class Description {
     for (size_t i = 0; i < first.size(); ++i)
       (list += i == 0 ? "" : ", ") += first[i];
     if (all > first.size()) {
-      (list += ", ") += with_arguments(binding_.word("and ^1 more"), {count(all - first.size())});
+      (list += ", ") += filled(binding_.word("and ^1 more"), count(all - first.size()));
     }
     return list;
   }

@@ -5,6 +5,7 @@
 
 #include "report/chart/circle.h"
 #include "report/chart/pieces.h"
+#include "report/wording.h"
 
 namespace hierfit::report::chart {
 namespace {
@@ -325,8 +326,8 @@ Piece draw_circles(const Binding& binding, double width) {
   if (nodes == 0) return {};
   Piece piece = Circles(binding, circles).draw(width);
   if (nodes > most) {
-    piece.notes.push_back(with_arguments(binding.word("The ^1 most significant of ^2 are shown."),
-                                         {std::to_string(most), std::to_string(nodes)}));
+    piece.notes.push_back(filled(binding.word("The ^1 most significant of ^2 are shown."),
+                                 std::to_string(most), std::to_string(nodes)));
   }
   return piece;
 }

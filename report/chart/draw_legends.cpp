@@ -6,6 +6,7 @@
 #include "report/chart/density.h"
 #include "report/chart/pieces.h"
 #include "report/chart/scale.h"
+#include "report/wording.h"
 
 namespace hierfit::report::chart {
 namespace {
@@ -270,7 +271,7 @@ Piece draw_legends(const Binding& binding, const LegendFacts& facts, double widt
     for (Entry& entry : entries)
       flow.entry(std::move(entry));
     if (left_out > 0) {
-      flow.entry({{}, 0, with_arguments(binding.word("and ^1 more"), {std::to_string(left_out)})});
+      flow.entry({{}, 0, filled(binding.word("and ^1 more"), std::to_string(left_out))});
     }
     flow.next_row();
   }

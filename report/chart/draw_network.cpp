@@ -6,6 +6,7 @@
 
 #include "report/chart/pieces.h"
 #include "report/chart/scale.h"
+#include "report/wording.h"
 
 namespace hierfit::report::chart {
 namespace {
@@ -109,9 +110,8 @@ class Network {
     }
     nodes_ = std::move(kept);
     plain_ = order.size();
-    piece_.notes.push_back(
-        with_arguments(binding_.word("The ^1 most significant of ^2 are shown."),
-                       {std::to_string(order.size()), std::to_string(plain.size())}));
+    piece_.notes.push_back(filled(binding_.word("The ^1 most significant of ^2 are shown."),
+                                  std::to_string(order.size()), std::to_string(plain.size())));
   }
 
   /// The strength of each node's edges.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <set>
 
+#include "report/wording.h"
+
 namespace hierfit::report::chart {
 namespace {
 
@@ -75,8 +77,7 @@ class SourceTable {
   Text caption(size_t most, size_t all) const {
     constexpr std::string_view kPattern =
         "The first ^1 of ^2 rows; the JSON form of the report holds all of them.";
-    return {.shown = with_arguments(binding_.word(kPattern),
-                                    {std::to_string(most), std::to_string(all)}),
+    return {.shown = filled(binding_.word(kPattern), std::to_string(most), std::to_string(all)),
             .numbers = {}};
   }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "report/chart/pieces.h"
+#include "report/wording.h"
 
 namespace hierfit::report::chart {
 namespace {
@@ -81,7 +82,7 @@ class Page {
     for (const std::string& note : notes)
       put_line(note);
     if (binding_.left_out > 0) {
-      put_line(with_arguments(binding_.word("Some panels are not shown: they are too many."), {}));
+      put_line(filled(binding_.word("Some panels are not shown: they are too many.")));
     }
   }
 

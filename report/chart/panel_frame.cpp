@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "report/wording.h"
+
 namespace hierfit::report::chart {
 namespace {
 
@@ -175,8 +177,8 @@ void note_limit(Limits& limits,
                 size_t shown,
                 size_t all) {
   if (shown >= all || variable == nullptr) return;
-  std::string note = with_arguments(binding.word("The first ^1 of ^2 are shown."),
-                                    {std::to_string(shown), std::to_string(all)});
+  std::string note = filled(binding.word("The first ^1 of ^2 are shown."), std::to_string(shown),
+                            std::to_string(all));
   if (!variable->label.empty()) note = variable->label + ": " + note;
   limits.notes.push_back(std::move(note));
 }

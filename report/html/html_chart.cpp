@@ -35,7 +35,7 @@ class HtmlChart {
         number_(number),
         id_("c" + std::to_string(number)),
         figure_(chart, document),
-        style_(figure_.binding().numbers) {}
+        texts_(document) {}
 
   void write() {
     out_ += "<figure class=\"chart\" id=\"" + id_ + "\">\n";
@@ -138,10 +138,10 @@ class HtmlChart {
       out_ += " data-value=\"";
       append_double(out_, number->value);
       out_ += "\">";
-      append_escaped(out_, output::shown(*number, style_));
+      append_escaped(out_, output::shown(*number, texts_.numbers()));
     } else {
       out_ += '>';
-      append_text(out_, table.texts[std::get<uint32_t>(*value)], style_);
+      append_text(out_, table.texts[std::get<uint32_t>(*value)], texts_);
     }
   }
 
@@ -150,7 +150,7 @@ class HtmlChart {
   uint32_t number_;
   std::string id_;
   chart::Figure figure_;
-  const output::NumberStyle& style_;
+  Texts texts_;
 };
 
 }  // namespace
