@@ -1,6 +1,7 @@
 // The text document form, for word processors.
 #include <algorithm>
 
+#include "report/append.h"
 #include "report/chart/figure.h"
 #include "report/docx/docx_table.h"
 #include "report/docx/markup.h"
@@ -67,7 +68,7 @@ class Report {
   }
 
   void open_paragraph(std::string_view style) {
-    ((out_ += "<w:p><w:pPr><w:pStyle w:val=\"") += style) += "\"/></w:pPr>";
+    append(out_, "<w:p><w:pPr><w:pStyle w:val=\"", style, "\"/></w:pPr>");
   }
   void close_paragraph() { out_ += "</w:p>\n"; }
 
@@ -250,10 +251,11 @@ class Report {
     std::string out(kXml);
     out += kRelationsHead;
     for (size_t i = 0; i < pictures_.size(); ++i) {
-      ((out += "<Relationship Id=\"") += picture_relation(static_cast<uint32_t>(i + 1))) +=
+      append(
+          out, "<Relationship Id=\"", picture_relation(static_cast<uint32_t>(i + 1)),
           "\" Type=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships/image\" "
-          "Target=\"";
-      (out += pictures_[i].name.substr(std::string_view("word/").size())) += "\"/>";
+          "Target=\"");
+      append(out, pictures_[i].name.substr(std::string_view("word/").size()), "\"/>");
     }
     return out += "</Relationships>";
   }

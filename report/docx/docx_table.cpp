@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "report/append.h"
 #include "report/chart/metrics.h"
 #include "report/docx/markup.h"
 #include "report/typeset/paper.h"
@@ -144,13 +145,13 @@ class DocxTable {
 
   void write_rules(const CellLook& look) {
     out_ += "<w:tcBorders>";
-    if (!look.above.empty()) ((out_ += "<w:top") += look.above) += "/>";
-    if (!look.below.empty()) ((out_ += "<w:bottom") += look.below) += "/>";
+    if (!look.above.empty()) append(out_, "<w:top", look.above, "/>");
+    if (!look.below.empty()) append(out_, "<w:bottom", look.below, "/>");
     out_ += "</w:tcBorders>";
   }
 
   void open_paragraph(const ParagraphLook& look) {
-    ((out_ += "<w:p><w:pPr><w:pStyle w:val=\"") += look.style) += "\"/>";
+    append(out_, "<w:p><w:pPr><w:pStyle w:val=\"", look.style, "\"/>");
     if (look.keeps) out_ += "<w:keepNext/>";
     if (look.span_rule) out_ += kSpanRule;
     if (look.indent > 0 || look.end_indent > 0) {
@@ -159,7 +160,7 @@ class DocxTable {
       if (look.end_indent > 0) append_attribute(out_, "w:right", twips(look.end_indent));
       out_ += "/>";
     }
-    if (!look.side.empty()) ((out_ += "<w:jc w:val=\"") += look.side) += "\"/>";
+    if (!look.side.empty()) append(out_, "<w:jc w:val=\"", look.side, "\"/>");
     out_ += "</w:pPr>";
   }
 

@@ -5,6 +5,7 @@
 #include <utf8proc.h>
 
 #include "output/utf8.h"
+#include "report/append.h"
 #include "report/typeset/texts.h"
 #include "report/xml_text.h"
 
@@ -29,12 +30,12 @@ void append_properties(std::string& out, std::string_view text, const RunLook& l
   if (look.quiet) properties += "<w:color w:val=\"555B63\"/>";
   if (look.raised) properties += "<w:vertAlign w:val=\"superscript\"/>";
   if (runs_leftward(text)) properties += "<w:rtl/>";
-  if (!properties.empty()) ((out += "<w:rPr>") += properties) += "</w:rPr>";
+  if (!properties.empty()) append(out, "<w:rPr>", properties, "</w:rPr>");
 }
 
 void open_link(std::string& out, std::string_view link) {
   if (link.empty()) return;
-  ((out += "<w:hyperlink w:anchor=\"") += link) += "\" w:history=\"1\">";
+  append(out, "<w:hyperlink w:anchor=\"", link, "\" w:history=\"1\">");
 }
 
 void close_link(std::string& out, std::string_view link) {
@@ -67,7 +68,7 @@ void append_field(std::string& out,
                   std::string_view instruction,
                   std::string_view value,
                   const RunLook& look) {
-  ((out += "<w:fldSimple w:instr=\" ") += instruction) += " \">";
+  append(out, "<w:fldSimple w:instr=\" ", instruction, " \">");
   append_run(out, value, look);
   out += "</w:fldSimple>";
 }
@@ -77,14 +78,13 @@ void append_bookmark(std::string& out,
                      uint32_t id,
                      std::string_view content) {
   const std::string number = std::to_string(id);
-  (out += "<w:bookmarkStart w:id=\"") += number;
-  ((out += "\" w:name=\"") += name) += "\"/>";
-  ((out += content) += "<w:bookmarkEnd w:id=\"") += number;
+  append(out, "<w:bookmarkStart w:id=\"", number, "\" w:name=\"", name, "\"/>", content,
+         "<w:bookmarkEnd w:id=\"", number);
   out += "\"/>";
 }
 
 void append_attribute(std::string& out, std::string_view name, int64_t value) {
-  (((out += ' ') += name) += "=\"") += std::to_string(value);
+  append(out, ' ', name, "=\"", std::to_string(value));
   out += '"';
 }
 
@@ -106,7 +106,7 @@ void append_caption(std::string& out,
   if (hole + 2 < pattern.size()) append_run(caption, pattern.substr(hole + 2), bold);
   out += "<w:p><w:pPr><w:pStyle w:val=\"Caption\"/></w:pPr>";
   append_bookmark(out, bookmark, ++bookmarks, caption);
-  ((out += "<w:r><w:br/></w:r>") += title) += "</w:p>\n";
+  append(out, "<w:r><w:br/></w:r>", title, "</w:p>\n");
 }
 
 }  // namespace hierfit::report::docx

@@ -1,4 +1,5 @@
 // The index of many reports, as a page that looks like one.
+#include "report/append.h"
 #include "report/html/markup.h"
 #include "report/html/page.h"
 #include "report/index.h"
@@ -18,7 +19,7 @@ std::string address_of(std::string_view path) {
       address += c;
     } else {
       const auto byte = static_cast<unsigned char>(c);
-      ((address += '%') += kHex[byte >> 4]) += kHex[byte & 15];
+      append(address, '%', kHex[byte >> 4], kHex[byte & 15]);
     }
   }
   return address;

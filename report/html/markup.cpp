@@ -4,6 +4,8 @@
 #include <array>
 #include <charconv>
 
+#include "report/append.h"
+
 namespace hierfit::report::html {
 
 void append_text(std::string& out, const output::Text& text, const Texts& texts) {
@@ -32,7 +34,7 @@ void append_double(std::string& out, double value) {
 
 void append_span(std::string& out, std::string_view attribute, uint32_t span) {
   if (span < 2) return;
-  (((out += ' ') += attribute) += "=\"");
+  append(out, ' ', attribute, "=\"");
   append_number(out, span);
   out += '"';
 }

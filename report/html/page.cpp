@@ -1,5 +1,6 @@
 #include "report/html/page.h"
 
+#include "report/append.h"
 #include "report/html/assets.h"
 #include "report/html/markup.h"
 
@@ -30,7 +31,7 @@ void append_head(std::string& out,
 }  // namespace
 
 void append_attribute(std::string& out, std::string_view name, std::string_view value) {
-  ((out += ' ') += name) += "=\"";
+  append(out, ' ', name, "=\"");
   append_escaped(out, value);
   out += '"';
 }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "report/append.h"
 #include "report/json/json_text.h"
 #include "report/report.h"
 #include "report/typeset/blocks.h"
@@ -44,7 +45,7 @@ class JsonReport {
 
  private:
   // Each of these opens with the comma of a further member.
-  void key(std::string_view name) { ((out_ += ",\"") += name) += "\":"; }
+  void key(std::string_view name) { append(out_, ",\"", name, "\":"); }
   void member(std::string_view name, std::string_view text) {
     key(name);
     json::append_string(out_, text);
@@ -102,7 +103,7 @@ class JsonReport {
       json::append_double(out_, number.value);
     }
     key("format");
-    ((out_ += '"') += output::format_name(number.format)) += '"';
+    append(out_, '"', output::format_name(number.format), '"');
     if (number.format == output::Format::Fixed) member("decimals", number.decimals);
   }
 

@@ -4,6 +4,8 @@
 #include <array>
 #include <charconv>
 
+#include "report/append.h"
+
 namespace hierfit::report::json {
 
 namespace {
@@ -15,14 +17,14 @@ void append_escaped(std::string& out, char character) {
   switch (character) {
     case '"':
     case '\\':
-      (out += '\\') += character;
+      append(out, '\\', character);
       break;
     case '\n':
       out += "\\n";
       break;
     default: {
       const auto byte = static_cast<unsigned char>(character);
-      ((out += "\\u00") += kHex[byte >> 4]) += kHex[byte & 15];
+      append(out, "\\u00", kHex[byte >> 4], kHex[byte & 15]);
     }
   }
 }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 
+#include "report/append.h"
 #include "report/chart/figure.h"
 #include "report/file_name.h"
 #include "report/latex/latex_table.h"
@@ -76,7 +77,7 @@ class LatexReport {
   }
 
   std::string write() {
-    ((out_ += "\\section*{\\Large ") += texts_.escaped(report_title(document_))) += "}\n";
+    append(out_, "\\section*{\\Large ", texts_.escaped(report_title(document_)), "}\n");
     for (const PaperBlock& paper : blocks_) {
       out_ += '\n';
       std::visit([&](const auto* content) { write(*content, paper); }, paper.block.content);
@@ -89,8 +90,7 @@ class LatexReport {
  private:
   void write(const output::Section& section, const PaperBlock& paper) {
     const size_t level = std::min<size_t>(paper.block.level, kHeadings.size()) - 1;
-    ((out_ += '\\') += kHeadings[level]) += '{';
-    (out_ += texts_.escaped(shown_.shown(section.title))) += "}\n";
+    append(out_, '\\', kHeadings[level], '{', texts_.escaped(shown_.shown(section.title)), "}\n");
   }
 
   void write(const output::Table&, const PaperBlock& paper) {
@@ -98,8 +98,8 @@ class LatexReport {
   }
 
   void write(const output::Message& message, const PaperBlock&) {
-    ((out_ += "\\textbf{") += texts_.escaped(severity_word(message.severity, document_))) += "} ";
-    (out_ += texts_.escaped(shown_.shown(message.text), "\\newline ")) += "\\par\n";
+    append(out_, "\\textbf{", texts_.escaped(severity_word(message.severity, document_)), "} ",
+           texts_.escaped(shown_.shown(message.text), "\\newline "), "\\par\n");
   }
 
   void write(const output::Chart& chart, const PaperBlock& paper) {

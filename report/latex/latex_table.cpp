@@ -99,14 +99,14 @@ class LatexTable {
   void write_nothing() {
     out_ += "\\begin{flushleft}\n";
     write_title();
-    ((out_ += "\\newline\n\\textit{") += texts_.escaped(document_.word("No entries"))) +=
-        "}\n\\end{flushleft}\n";
+    append(out_, "\\newline\n\\textit{", texts_.escaped(document_.word("No entries")),
+           "}\n\\end{flushleft}\n");
   }
 
   void write_title() {
-    ((out_ += "\\textbf{") += texts_.escaped(numbered(block_, document_))) += "}";
+    append(out_, "\\textbf{", texts_.escaped(numbered(block_, document_)), "}");
     if (view_.table.title.shown.empty()) return;
-    ((out_ += "\\newline\n\\textit{") += words(view_.table.title)) += '}';
+    append(out_, "\\newline\n\\textit{", words(view_.table.title), '}');
     out_ += raised(view_.marks(view_.layout.title_notes));
   }
 
@@ -128,13 +128,12 @@ class LatexTable {
   }
 
   void write_column(double width, std::string_view way) {
-    ((out_ += ">{\\") += way) += "\\arraybackslash}p{";
-    (out_ += points(room(width))) += '}';
+    append(out_, ">{\\", way, "\\arraybackslash}p{", points(room(width)), '}');
   }
 
   void write_continuation() {
     const std::string text = continued(block_, document_);
-    ((out_ += "\\textbf{") += texts_.escaped(text)) += "}";
+    append(out_, "\\textbf{", texts_.escaped(text), "}");
   }
 
   // The head. A label that reaches down stands in the last of its rows.
@@ -266,12 +265,12 @@ class LatexTable {
     if (!view_.captioned() && view_.layout.notes.empty()) return;
     out_ += "\\begin{tablenotes}\n";
     if (view_.captioned()) {
-      ((out_ += "\\textit{") += texts_.escaped(document_.word("Note."))) += "} ";
-      (out_ += words(*view_.table.caption, "\\newline ")) += "\\par\n";
+      append(out_, "\\textit{", texts_.escaped(document_.word("Note.")), "} ",
+             words(*view_.table.caption, "\\newline "), "\\par\n");
     }
     for (uint32_t mark = 0; mark < view_.layout.notes.size(); ++mark) {
-      (out_ += raised({mark})) += ' ';
-      (out_ += words(view_.table.notes[view_.layout.notes[mark]])) += "\\par\n";
+      append(out_, raised({mark}), ' ', words(view_.table.notes[view_.layout.notes[mark]]),
+             "\\par\n");
     }
     out_ += "\\end{tablenotes}\n";
   }

@@ -1,6 +1,7 @@
 // The Markdown form: pipe tables, as GitHub and pandoc read them, and charts in words and rows.
 #include <algorithm>
 
+#include "report/append.h"
 #include "report/chart/figure.h"
 #include "report/chart/figure_table.h"
 #include "report/markdown/markdown_table.h"
@@ -39,7 +40,7 @@ class MarkdownTable {
 
   void write() {
     if (view_.layout.empty()) {
-      ((out_ += '*') += escaped(document_.word("No entries"))) += "*\n";
+      append(out_, '*', escaped(document_.word("No entries")), "*\n");
     } else {
       write_body();
     }
@@ -106,12 +107,12 @@ class MarkdownTable {
 
   void write_notes() {
     if (view_.captioned()) {
-      ((out_ += "\n*") += escaped(document_.word("Note."))) += "* ";
-      (out_ += escaped_lines(view_.text(*view_.table.caption))) += '\n';
+      append(out_, "\n*", escaped(document_.word("Note.")), "* ",
+             escaped_lines(view_.text(*view_.table.caption)), '\n');
     }
     for (uint32_t mark = 0; mark < view_.layout.notes.size(); ++mark) {
-      ((out_ += '\n') += raised_letters(mark)) += ' ';
-      (out_ += escaped_lines(view_.text(view_.table.notes[view_.layout.notes[mark]]))) += '\n';
+      append(out_, '\n', raised_letters(mark), ' ',
+             escaped_lines(view_.text(view_.table.notes[view_.layout.notes[mark]])), '\n');
     }
   }
 
@@ -125,7 +126,7 @@ class MarkdownReport {
   explicit MarkdownReport(const Document& document) : document_(document), texts_(document) {}
 
   std::string write() {
-    ((out_ += "# ") += escaped(report_title(document_))) += '\n';
+    append(out_, "# ", escaped(report_title(document_)), '\n');
     for (const Block& block : blocks_of(document_)) {
       out_ += '\n';
       std::visit([&](const auto* content) { write(*content, block); }, block.content);
@@ -136,7 +137,7 @@ class MarkdownReport {
  private:
   void write(const output::Section& section, const Block& block) {
     out_.append(std::min(block.level + 1, kDeepestHeading), '#');
-    ((out_ += ' ') += escaped(texts_.shown(section.title))) += '\n';
+    append(out_, ' ', escaped(texts_.shown(section.title)), '\n');
   }
 
   void write(const Table& table, const Block& block) {
@@ -147,8 +148,8 @@ class MarkdownReport {
   }
 
   void write(const output::Message& message, const Block&) {
-    ((out_ += "**") += escaped(severity_word(message.severity, document_))) += "** ";
-    (out_ += escaped_lines(texts_.shown(message.text))) += '\n';
+    append(out_, "**", escaped(severity_word(message.severity, document_)), "** ",
+           escaped_lines(texts_.shown(message.text)), '\n');
   }
 
   void write(const Chart& chart, const Block& block) {
@@ -160,10 +161,10 @@ class MarkdownReport {
   }
 
   void write_title(const Block& block, const std::string& title, const std::string& marks) {
-    ((out_ += "**") += escaped(numbered(block, document_))) += "**\\\n";
+    append(out_, "**", escaped(numbered(block, document_)), "**\\\n");
     const std::string words = escaped_lines(title);
-    if (!words.empty()) ((out_ += '*') += words) += '*';
-    (out_ += marks) += "\n\n";
+    if (!words.empty()) append(out_, '*', words, '*');
+    append(out_, marks, "\n\n");
   }
 
   void write_data(const chart::FigureTable& data) {
