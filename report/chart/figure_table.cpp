@@ -16,11 +16,15 @@ constexpr std::array<std::string_view, kRoleNames.size()> kRoleWords = {
     "Category", "Value", "",     "",          "Node",   "From",
     "To",       "Kind",  "Kind", "Frequency", "Weight", "Name"};
 
+/// What a column shows of the two rows of an interval, or of any other row.
+enum class Bound : uint8_t { None, Lower, Upper };
+
 /// A column: a variable, and what it is called.
 struct Column {
   const ChartVariable* variable;
   std::string title;
   bool names;  ///< whether its values are keys of nodes, which begin with the values of the panel
+  Bound bound = Bound::None;
 };
 
 void add_leaf(output::Dimension& dimension, std::string label) {
@@ -87,10 +91,23 @@ class SourceTable {
     std::vector<Column> columns;
     for (const ChartVariable& variable : source_.variables) {
       if (variable.values.rows() == 0) continue;
+      if (is_interval(variable)) {
+        columns.push_back({&variable, std::string(binding_.word("Lower")), false, Bound::Lower});
+        columns.push_back({&variable, std::string(binding_.word("Upper")), false, Bound::Upper});
+        continue;
+      }
       std::string title = title_of(variable);
       if (!title.empty()) columns.push_back({&variable, std::move(title), names_nodes(variable)});
     }
     return columns;
+  }
+
+  /// Whether its rows are the ends of whiskers, in twos.
+  bool is_interval(const ChartVariable& variable) const {
+    return std::ranges::any_of(binding_.elements, [&](const BoundElement& element) {
+      return is_own(element) && element.element->whisker && element.element->rows == Rows::Pairs &&
+             element[RoleKind::Y] == &variable;
+    });
   }
 
   bool names_nodes(const ChartVariable& variable) const {
@@ -122,18 +139,17 @@ class SourceTable {
       if (element.roles.of[i].variable != role) continue;
       const auto kind = static_cast<RoleKind>(i);
       if (kind <= RoleKind::Y2 && placed_by_data) continue;
-      return word_for(element, kind);
+      return word_for(kind);
     }
     const bool in_tooltip = std::ranges::any_of(
         element.roles.tooltip, [&](const auto& entry) { return entry.variable == role; });
     return in_tooltip ? binding_.word("Details") : std::string_view();
   }
 
-  std::string_view word_for(const Element& element, RoleKind kind) const {
+  std::string_view word_for(RoleKind kind) const {
     for (const Legend& legend : binding_.graph.legends) {
       if (legend.role == kind && !legend.title.empty()) return legend.title;
     }
-    if (kind == RoleKind::Y && element.whisker) return binding_.word("Interval");
     return binding_.word(kRoleWords[static_cast<size_t>(kind)]);
   }
 
@@ -143,10 +159,12 @@ class SourceTable {
     const auto leaf = static_cast<uint32_t>(made_.table.dimensions[0].leaves.size());
     add_leaf(made_.table.dimensions[0], {});
     for (uint32_t column = 0; column < columns_.size(); ++column) {
-      const ChartVariable& variable = *columns_[column].variable;
-      if (!has_value(variable, row) && !has_value(variable, partner)) continue;
+      const auto& [variable, title, names, bound] = columns_[column];
+      const size_t first = bound == Bound::Upper ? partner : row;
+      const size_t second = bound == Bound::Lower ? row : partner;
+      if (!has_value(*variable, first) && !has_value(*variable, second)) continue;
       made_.table.cells.coordinates.insert(made_.table.cells.coordinates.end(), {leaf, column});
-      made_.table.cells.values.push_back(value_of(columns_[column], row, partner));
+      made_.table.cells.values.push_back(value_of(columns_[column], first, second));
     }
   }
 

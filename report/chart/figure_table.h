@@ -9,7 +9,7 @@
 namespace hierfit::report::chart {
 
 /// A table with a dimension of rows, without labels, and one of columns, the variables. A cell
-/// without a value is not there; the bounds of an interval are one cell.
+/// without a value is not there. The bounds of an interval are two columns.
 struct FigureTable {
   output::Table table;
   std::vector<bool> texts;  ///< by column: its values are counted off, not measured

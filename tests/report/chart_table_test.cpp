@@ -96,10 +96,11 @@ TEST_CASE("the data of a figure are one table in every form") {
   const Rows shown = html_rows(document, false);
   REQUIRE(shown.size() == 7);
   CHECK(shown[0] == std::vector<std::string>{"Level of the symptom", "Treatment",
-                                             "Satisfaction with the visit (points)",
-                                             "Satisfaction with the visit (points)"});
+                                             "Satisfaction with the visit (points)", "Lower",
+                                             "Upper"});
   CHECK(shown[1][2] == "39.93");
-  CHECK(shown[1][3] == "[34.10, 46.66]");
+  CHECK(shown[1][3] == "34.10");
+  CHECK(shown[1][4] == "46.66");
   CHECK(markdown_rows(document) == shown);
   CHECK(workbook_rows(document) == html_rows(document, true));
 }

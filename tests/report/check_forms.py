@@ -60,20 +60,13 @@ def read_xlsx(path):
 
 
 def lost_chart_data(path, reference):
-    """The numbers of labelled variables that are not on the sheet of their chart: in cells of their
-    own, or as a bound of an interval."""
+    """The numbers of labelled variables that are not on the sheet of their chart."""
     import openpyxl
     book = openpyxl.load_workbook(path)
     sheets = [sheet for sheet in book.worksheets[1:] if not CAPTION.match(str(sheet["A1"].value))]
     for sheet, chart in zip(sheets, charts_of(reference["content"]), strict=True):
-        cells = [cell.value for row in sheet.iter_rows() for cell in row if cell.value is not None]
-        whole = {value for value in cells if isinstance(value, (int, float))}
-        bounds = {bound for text in cells if re.match(r"\[.*, .*\]$", str(text))
-                  for bound in text.replace("\u2212", "-")[1:-1].split(", ")}
-        decimals = {len(bound.partition(".")[2]) for bound in bounds}
-        lost = [value for value in labelled_numbers(chart)
-                if float(f"{value:.16g}") not in whole
-                and not any(f"{value:.{digits}f}" in bounds for digits in decimals)]
+        have = {cell.value for row in sheet.iter_rows() for cell in row if cell.data_type == "n"}
+        lost = {float(f"{value:.16g}") for value in labelled_numbers(chart)} - have
         if lost:
             yield f"{path}, {sheet.title}: lost {lost}"
 
