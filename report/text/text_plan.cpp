@@ -18,7 +18,7 @@ constexpr size_t kWidestSpanner = 26;  // the same for a head over several colum
 constexpr size_t kWidestWord = 24;     // a longer word is broken
 constexpr size_t kWidestTextCell = 48;
 
-/// How close the parts of a table stand.
+/// How close what stands in a table is.
 struct Density {
   bool tight_heads = false;     ///< heads of one column wrap wherever they may
   bool tight_spanners = false;  ///< heads over several columns do

@@ -19,9 +19,9 @@ size_t limit_of(const Options& options) {
   return options.width == 0 ? kUnlimited : std::max<size_t>(options.width, 20);
 }
 
-void append_repeated(std::string& out, std::string_view piece, size_t times) {
+void append_repeated(std::string& out, std::string_view sign, size_t times) {
   for (; times > 0; --times)
-    out += piece;
+    out += sign;
 }
 
 /// One line of the table under construction; knows how far it has come.
@@ -122,8 +122,8 @@ class TextTable {
     rule_width_ = std::max(end, std::min<size_t>(limit_of(options_), kNarrowestStub * 2));
   }
 
-  void write_rule(std::string_view piece) {
-    append_repeated(out_, piece, rule_width_);
+  void write_rule(std::string_view sign) {
+    append_repeated(out_, sign, rule_width_);
     out_ += '\n';
   }
 

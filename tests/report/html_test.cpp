@@ -95,7 +95,7 @@ TEST_CASE("note marks link to their notes and back, once") {
   CHECK(occurrences(page, "id=\"t1n0\" href=\"#t1m0\" role=\"doc-backlink\"") == 1);
 }
 
-TEST_CASE("a long table is written in pieces, each with its heads") {
+TEST_CASE("a long table is written in slices, each with its heads") {
   TableBuilder builder("t");
   builder.rows("outer", 2).rows("inner").columns("c");
   for (int row = 0; row < 1200; ++row) {

@@ -56,7 +56,7 @@ TEST_CASE("text tables") {
           "━━━━━━━━━━━━━━━━━━━━━━━━\n"
           "ᵃ n\n");
   }
-  SUBCASE("that do not fit are folded by columns and repeat the row heads") {
+  SUBCASE("that do not fit are divided by columns and repeat the row heads") {
     for (int column = 0; column < 12; ++column) {
       builder.cell({{"row"}, {"G", "c" + std::to_string(column)}}, coefficient(column));
     }
@@ -69,7 +69,7 @@ TEST_CASE("text tables") {
       rows += line.starts_with("row") ? 1 : 0;
     CHECK(rows == 3);
   }
-  SUBCASE("are folded between the groups of their columns, with each head over its column") {
+  SUBCASE("are divided between the groups of their columns, with each head over its column") {
     for (const std::string group : {"First group", "Second group"}) {
       builder.cell({{"row"}, {group, "Lower"}}, coefficient(-1234.5));
       builder.cell({{"row"}, {group, "Upper"}}, coefficient(1234.5));
@@ -85,7 +85,7 @@ TEST_CASE("text tables") {
               "Row    Lower     Upper     group\n"));
     CHECK(has(text, "        Second group\n"));
   }
-  SUBCASE("wrap their heads before their labels, and their labels before they are folded") {
+  SUBCASE("wrap their heads before their labels, and their labels before they are divided") {
     builder.cell({{"a label"}, {"Std. error of x"}}, count(1));
     builder.cell({{"a label"}, {"Exp(coefficient)"}}, count(2));
     const std::vector<std::string> texts = texts_of(std::move(builder), {50, 30, 20});
