@@ -1,5 +1,7 @@
 #include "embedded/error.h"
 
+#include <new>
+
 namespace hierfit {
 
 std::string Location::text() const {
@@ -10,6 +12,11 @@ std::string Location::text() const {
     text += std::to_string(number);
   }
   return text;
+}
+
+void fail_for_memory() {
+  if (const std::new_handler handler = std::get_new_handler()) handler();
+  throw std::bad_alloc();
 }
 
 }  // namespace hierfit

@@ -47,4 +47,7 @@ class FileError : public Error {
   using Error::Error;
 };
 
+/// Fails as `new` does when there is no memory: for what a library was not given.
+[[noreturn]] void fail_for_memory();
+
 }  // namespace hierfit

@@ -25,7 +25,7 @@ class MarkupReader {
  public:
   MarkupReader(std::string_view text, const std::string& name)
       : text_(text), name_(name), parser_(XML_ParserCreate("UTF-8")) {
-    if (parser_ == nullptr) throw std::bad_alloc();
+    if (parser_ == nullptr) fail_for_memory();
     XML_SetUserData(parser_.get(), this);
     XML_SetElementHandler(parser_.get(), &on_start, &on_end);
     XML_SetCharacterDataHandler(parser_.get(), &on_text);
@@ -37,6 +37,7 @@ class MarkupReader {
     const auto length = static_cast<int>(text_.size());
     const XML_Status status = XML_Parse(parser_.get(), text_.data(), length, XML_TRUE);
     if (thrown_) std::rethrow_exception(thrown_);
+    if (XML_GetErrorCode(parser_.get()) == XML_ERROR_NO_MEMORY) fail_for_memory();
     if (status != XML_STATUS_OK) {
       fail(std::string("not well-formed: ") + XML_ErrorString(XML_GetErrorCode(parser_.get())));
     }

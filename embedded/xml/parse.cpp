@@ -5,6 +5,7 @@
 #include <exception>
 #include <expat.h>
 
+#include "embedded/error.h"
 #include "embedded/xml/tree.h"
 
 namespace hierfit::xml {
@@ -32,7 +33,6 @@ constexpr Sentence kSentences[] = {
     {XML_ERROR_UNKNOWN_ENCODING, "the encoding that the document names is not known"},
     {XML_ERROR_INCORRECT_ENCODING, "the document is not in the encoding that it names"},
     {XML_ERROR_UNCLOSED_CDATA_SECTION, "not well-formed: a CDATA section is left open"},
-    {XML_ERROR_NO_MEMORY, "there is not enough memory to read it"},
 };
 
 std::string sentence_of(XML_Error code) {
@@ -75,7 +75,7 @@ class TreeBuilder {
  public:
   TreeBuilder(Tree& tree, std::string_view text)
       : tree_(tree), text_(text), parser_(XML_ParserCreate(nullptr)) {
-    if (parser_ == nullptr) throw std::bad_alloc();
+    if (parser_ == nullptr) fail_for_memory();
     tree_.characters_ = std::make_unique_for_overwrite<char[]>(text.size() * 2 + 1);
     XML_SetUserData(parser_.get(), this);
     XML_SetElementHandler(parser_.get(), &on_start, &on_end);
@@ -89,6 +89,7 @@ class TreeBuilder {
     const XML_Status status =
         XML_Parse(parser_.get(), text_.data(), static_cast<int>(text_.size()), XML_TRUE);
     if (thrown_) std::rethrow_exception(thrown_);
+    if (XML_GetErrorCode(parser_.get()) == XML_ERROR_NO_MEMORY) fail_for_memory();
     if (status != XML_STATUS_OK) return failure();
     std::ranges::stable_sort(tree_.runs_, {}, &Tree::TextRun::node);
     return std::nullopt;

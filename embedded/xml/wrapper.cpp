@@ -92,8 +92,12 @@ SDOMXMLWrapper::SDOMXMLWrapper() : impl_(nullptr) {
 SDOMXMLWrapper::~SDOMXMLWrapper() {
   if (!impl_->owns_document) return;
   const std::unique_ptr<LoadedDocument> document(impl_->document);
-  hierfit::ReadFailure failure = document->trace.failure(document->tree);
-  if (!failure.sentence.empty()) report(failure);
+  try {
+    hierfit::ReadFailure failure = document->trace.failure(document->tree);
+    if (!failure.sentence.empty()) report(failure);
+  } catch (const std::bad_alloc&) {
+    // The failure goes unexplained.
+  }
 }
 
 SDOMXMLWrapper* SDOMXMLWrapper::LoadFromString(const std::string& text) {
