@@ -1,7 +1,9 @@
 #include "app/environment.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
+#include <fcntl.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -18,12 +20,20 @@ std::string variable(const char* name) {
 
 }  // namespace
 
+void occupy_closed_streams() noexcept {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    const bool closed = ::fcntl(stream, F_GETFD) < 0 && errno == EBADF;
+    // A path alone can be neither read nor written, and this one is always there.
+    if (closed) ::open("/", O_PATH);
+  }
+}
+
 std::string language_of_environment() {
   for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
     std::string locale = variable(name);
     if (locale.empty()) continue;
     locale.resize(std::min(locale.find_first_of(".@"), locale.size()));
-    if (locale == "C" || locale == "POSIX") return kEnglish;
+    if (locale == "C" || locale == "POSIX" || locale.size() > kLongestTag) return kEnglish;
     std::ranges::replace(locale, '_', '-');
     return locale;
   }

@@ -3,10 +3,12 @@
 #include <deque>
 #include <filesystem>
 #include <fstream>
+#include <new>
 #include <optional>
 #include <unistd.h>
 
 #include "app/environment.h"
+#include "app/memory.h"
 #include "app/new_file.h"
 #include "embedded/files/whole_file.h"
 #include "embedded/session.h"
@@ -43,6 +45,7 @@ SessionInput read_inputs(const Pair& pair) {
 /// The language asked for; one that only the environment asks for gives way to English when there
 /// is no catalogue for it.
 std::string language_of(const Options& options, const std::string& resources) {
+  if (options.language.size() > kLongestTag) throw UsageError("--language has no tag that long");
   if (!options.language.empty()) return canonical_tag(options.language);
   std::string language = canonical_tag(language_of_environment());
   const bool has_catalogue = StringTable(resources + "/locale", language).language() != "C";
@@ -82,8 +85,10 @@ class JournalFile {
 class Delivery {
  public:
   void add_file(const std::string& path, std::string_view text) {
-    files_.emplace_back(path).write(text);
-    files_.back().flush();
+    NewFile& file = files_.emplace_back(path);
+    file.write(text);
+    file.flush();
+    if (files_.size() > kMostOpen) file.set_aside();
   }
 
   void add_folder(const std::string& path, const std::vector<report::File>& files) {
@@ -98,14 +103,23 @@ class Delivery {
     for (const std::string& text : standard_output_) {
       if (write_standard_output(text) == Written::PipeClosed) break;
     }
+    const Undivided undivided;
     for (NewFile& file : files_)
       file.put_in_place();
   }
 
  private:
+  /// Files that stay open until the end; a folder may get any number of them, on several threads.
+  static constexpr size_t kMostOpen = 16;
+
   std::deque<NewFile> files_;
   std::vector<std::string> standard_output_;
 };
+
+/// The module makes do with what it gets, so a report may lack what there was no memory for.
+void refuse_if_memory_ran_out() {
+  if (memory_ran_out()) throw std::bad_alloc();
+}
 
 output::Document make_document(SessionInput input,
                                const Workshop& workshop,
@@ -116,6 +130,7 @@ output::Document make_document(SessionInput input,
                                      .words = report::kWords});
   const std::unique_ptr<CFProcCustom> procedure = workshop.module.make_procedure();
   session.run(*procedure);
+  refuse_if_memory_ran_out();
   output::Document document = session.take_document();
   report::apply(*report::preset_by_name(workshop.options.style), document);
   return document;
@@ -128,6 +143,7 @@ output::Document make_document(SessionInput input, const Workshop& workshop, Jou
     journal.finish();
     return document;
   } catch (const DocumentError&) {
+    refuse_if_memory_ran_out();
     journal.finish();
     journal.put_in_place();
     throw;
@@ -172,6 +188,7 @@ Workshop::Workshop(const Options& wanted)
       options(wanted) {}
 
 output::Document make(const Job& job, const Workshop& workshop) {
+  forget_memory();
   SessionInput input = read_inputs(job.pair);
   std::optional<JournalFile> journal;
   if (!job.journal.empty()) journal.emplace(job.journal);
@@ -185,6 +202,7 @@ output::Document make(const Job& job, const Workshop& workshop) {
     const report::Options look = look_of({}, workshop.options);
     delivery.add_folder(job.charts_folder, report::render_charts(document, *form, look));
   }
+  refuse_if_memory_ran_out();
   delivery.finish();
   if (journal) journal->put_in_place();
   document.content = {};

@@ -1,6 +1,4 @@
 // The command hierfit: what is thrown ends here, as one sentence and an exit status.
-#include <csignal>
-#include <iostream>
 #include <string>
 #include <unistd.h>
 
@@ -10,6 +8,7 @@
 #include "app/new_file.h"
 #include "app/options.h"
 #include "app/run.h"
+#include "app/signals.h"
 
 namespace {
 
@@ -37,16 +36,17 @@ int command(const app::Options& options) {
 }  // namespace
 
 int main(int argument_count, char** arguments) {
-  // A reader that leaves early shows as an error of the write.
-  std::signal(SIGPIPE, SIG_IGN);
-  bool colour = app::uses_colour("auto", STDERR_FILENO);
+  app::occupy_closed_streams();
+  app::watch_signals();
+  bool colour = false;
   try {
+    colour = app::uses_colour("auto", STDERR_FILENO);
     const app::Options options = app::parse_options(argument_count, arguments);
     colour = app::uses_colour(options.colour, STDERR_FILENO);
     return command(options);
   } catch (...) {
     const app::Complaint complaint = app::current_complaint();
-    std::cerr << app::complaint_line(complaint, colour);
+    app::say(complaint, colour);
     return complaint.status;
   }
 }

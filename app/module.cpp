@@ -12,9 +12,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// Parts of the program lie around it and nowhere else: code is never loaded from a path that the
+/// current folder has a say in.
 fs::path program_directory() {
+  constexpr const char* kProgram = "/proc/self/exe";
   std::error_code error;
-  return fs::read_symlink("/proc/self/exe", error).parent_path();
+  const fs::path program = fs::read_symlink(kProgram, error);
+  if (!program.is_absolute()) {
+    throw FileError({kProgram, 0, 0}, "does not tell where the program is");
+  }
+  return program.parent_path();
 }
 
 /// The first of the paths, each seen from `directory`, that exists; the first when none does.

@@ -15,7 +15,8 @@ struct ProgramPaths {
   std::string resources;  ///< the directory that holds `locale/` and `template/`
 };
 
-/// The places in use. They need not exist.
+/// The places in use. They need not exist. Throws `FileError` when the system does not tell where
+/// the command is.
 ProgramPaths find_program();
 
 /// The loaded module; it stays loaded as long as this object. What it makes goes first.

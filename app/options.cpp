@@ -184,8 +184,8 @@ double number_of(const OptionRow& row, const std::string& text, bool whole) {
   double number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   const bool is_number = error == std::errc() && end == text.data() + text.size();
-  if (!is_number || number < row.least || number > row.most ||
-      (whole && number != std::floor(number))) {
+  const bool in_range = number >= row.least && number <= row.most;  // not-a-number is in none
+  if (!is_number || !in_range || (whole && number != std::floor(number))) {
     const auto bound = [](double value) { return std::to_string(static_cast<long>(value)); };
     throw UsageError(std::string(row.long_name()) + " cannot be \"" + text + "\"; it is a " +
                      (whole ? "whole " : "") + "number from " + bound(row.least) + " to " +
@@ -255,6 +255,7 @@ void check(const Options& options) {
   if (options.inputs.empty()) {
     throw UsageError("a model document and a result document are needed");
   }
+  if (options.journal == "-") throw UsageError("--journal needs a file; \"-\" is none");
   const auto from_input = std::ranges::count(options.inputs, "-") + (options.dictionary == "-");
   if (from_input > 1) throw UsageError("only one input can be standard input");
 }

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <iostream>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -18,8 +19,12 @@ constexpr const char* kEraseLine = "\r\033[K";
 Progress::Progress(bool wanted, std::string line) : line_(std::move(line)) {
   // The line is taken away by an escape sequence, so the same terminals are fit for it as for
   // colour.
-  if (wanted && uses_colour("auto", STDERR_FILENO))
+  if (!wanted || !uses_colour("auto", STDERR_FILENO)) return;
+  try {
     thread_ = std::thread([this] { wait_and_show(); });
+  } catch (const std::system_error&) {
+    // No thread to be had: the report is made without a sign of life.
+  }
 }
 
 Progress::~Progress() {

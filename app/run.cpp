@@ -1,7 +1,6 @@
 #include "app/run.h"
 
 #include <filesystem>
-#include <iostream>
 #include <unistd.h>
 
 #include "app/complaint.h"
@@ -57,11 +56,11 @@ std::vector<Output> outputs_of(const Options& options) {
 void warn_of_language(const Workshop& workshop, bool colour) {
   const StringTable table(workshop.program.resources + "/locale", workshop.language);
   if (workshop.language == "C" || table.language() != "C") return;
-  std::cerr << complaint_line({{},
-                               "there is no string table for the language \"" + workshop.language +
-                                   "\"; texts show as their keys",
-                               kWritten},
-                              colour);
+  say({{},
+       "there is no string table for the language \"" + workshop.language +
+           "\"; texts show as their keys",
+       kWritten},
+      colour);
 }
 
 }  // namespace

@@ -3,14 +3,15 @@
 #include <algorithm>
 #include <atomic>
 #include <filesystem>
-#include <iostream>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <thread>
 #include <unistd.h>
 
 #include "app/complaint.h"
 #include "app/environment.h"
+#include "app/memory.h"
 #include "app/new_file.h"
 #include "app/progress.h"
 #include "report/index.h"
@@ -63,9 +64,7 @@ class Makers {
     size_t count = workshop_.options.jobs;
     if (count == 0) count = std::max(1U, std::thread::hardware_concurrency());
     std::vector<std::jthread> threads;
-    for (size_t i = 1; i < std::min(count, several_.jobs.size()); ++i) {
-      threads.emplace_back([this] { work(); });
-    }
+    start(threads, std::min(count, several_.jobs.size()) - 1);
     work();
   }
 
@@ -74,17 +73,33 @@ class Makers {
   const output::Document& words() const { return words_; }
 
  private:
+  /// As many threads as the system has for us: those that are there do the work of the others.
+  void start(std::vector<std::jthread>& threads, size_t count) {
+    try {
+      while (threads.size() < count)
+        threads.emplace_back([this] { work(); });
+    } catch (const std::exception&) {
+      forget_memory();
+    }
+  }
+
   /// Takes jobs until none is left.
-  void work() {
+  void work() noexcept {
     for (size_t job; (job = next_++) < several_.jobs.size();) {
       try {
         make_one(several_.jobs[job]);
       } catch (...) {
-        failures_[job] = current_complaint();
-        Location& where = failures_[job]->where;
-        if (where.file.empty()) where.file = several_.jobs[job].pair.model;
+        failures_[job] = current_complaint(several_.jobs[job].pair.model);
       }
+      say_done();
+    }
+  }
+
+  void say_done() noexcept {
+    try {
       progress_->say(progress_line(++done_));
+    } catch (const std::bad_alloc&) {
+      // The line stays as it was.
     }
   }
 
@@ -116,7 +131,7 @@ report::IndexEntry entry_of(const Job& job,
                             const std::string& folder) {
   report::IndexEntry entry = {job.pair.name, {}, {}};
   if (failure) {
-    entry.failure = failure->sentence;
+    entry.failure = failure->text();
     return entry;
   }
   for (const Output& output : job.outputs) {
@@ -146,12 +161,12 @@ int complain(const SeveralJobs& several, const Makers& makers, bool colour) {
     if (!failure) continue;
     ++count;
     status = std::max(status, failure->status);
-    std::cerr << complaint_line(*failure, colour);
+    say(*failure, colour);
   }
   if (count > 0) {
     const std::string sentence = std::to_string(count) + " of " +
                                  std::to_string(several.jobs.size()) + " reports are not made";
-    std::cerr << complaint_line({{}, sentence, status}, colour);
+    say({{}, sentence, status}, colour);
   }
   return status;
 }
@@ -180,8 +195,10 @@ int make_several(const SeveralJobs& several, const Workshop& workshop) {
   make_folder(several.folder);
   Makers makers(several, workshop);
   makers.make_all();
+  forget_memory();
+  const int status = complain(several, makers, uses_colour(workshop.options.colour, STDERR_FILENO));
   write_index(several, makers);
-  return complain(several, makers, uses_colour(workshop.options.colour, STDERR_FILENO));
+  return status;
 }
 
 }  // namespace hierfit::app
