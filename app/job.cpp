@@ -7,6 +7,7 @@
 #include <optional>
 #include <unistd.h>
 
+#include "app/complaint.h"
 #include "app/environment.h"
 #include "app/memory.h"
 #include "app/new_file.h"
@@ -121,6 +122,18 @@ void refuse_if_memory_ran_out() {
   if (memory_ran_out()) throw std::bad_alloc();
 }
 
+/// A part of the program that is missing or damaged is no run; a chart that cannot be made is told.
+void tell_of(const std::vector<Shortfall>& shortfalls, const Workshop& workshop) {
+  for (const Shortfall& shortfall : shortfalls) {
+    if (shortfall.of == Shortfall::Of::ProgramFile) {
+      throw FileError(shortfall.where, shortfall.sentence);
+    }
+  }
+  const bool colour = uses_colour(workshop.options.colour, STDERR_FILENO);
+  for (const Shortfall& shortfall : shortfalls)
+    say({shortfall.where, "a chart cannot be made whole: " + shortfall.sentence, kWritten}, colour);
+}
+
 output::Document make_document(SessionInput input,
                                const Workshop& workshop,
                                std::ostream* journal) {
@@ -131,6 +144,7 @@ output::Document make_document(SessionInput input,
   const std::unique_ptr<CFProcCustom> procedure = workshop.module.make_procedure();
   session.run(*procedure);
   refuse_if_memory_ran_out();
+  tell_of(session.shortfalls(), workshop);
   output::Document document = session.take_document();
   report::apply(*report::preset_by_name(workshop.options.style), document);
   return document;

@@ -111,6 +111,8 @@ void Session::run(CFProcCustom& procedure) {
   throw explain(input_.statxml_name, failure);
 }
 
+const std::vector<Shortfall>& Session::shortfalls() const { return state_->outputs.shortfalls; }
+
 output::Document Session::take_document() {
   return std::exchange(state_->outputs.document, empty_document(state_->inputs));
 }

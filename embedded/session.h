@@ -13,6 +13,7 @@
 #include "host/pivot.h"
 
 #include "embedded/error.h"
+#include "embedded/shortfall.h"
 #include "output/document.h"
 
 namespace hierfit {
@@ -55,6 +56,9 @@ class Session {
 
   /// What the run left; the session has an empty one then.
   output::Document take_document();
+
+  /// What the run went on without, in its order.
+  const std::vector<Shortfall>& shortfalls() const;
 
   struct State;
   /// For the host's own parts.

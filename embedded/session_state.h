@@ -34,6 +34,7 @@ struct Outputs {
   output::Document document;
   OpenSections open_sections;
   ReadFailure failure;  ///< the last one; an empty sentence when nothing went wrong
+  std::vector<Shortfall> shortfalls;
 
   /// Where a message or a chart goes: under the heading that was opened last and is still open.
   output::Section& open_section() {

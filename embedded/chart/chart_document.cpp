@@ -74,13 +74,23 @@ std::optional<Element> tree_of(const std::string& xml, const StringTable& string
   return root;
 }
 
+/// The same, with a note of what throws: the module goes on without the chart.
+std::optional<Element> noted_tree_of(const std::string& xml, const StringTable& strings) {
+  try {
+    return tree_of(xml, strings);
+  } catch (const DocumentError& error) {
+    note_shortfall(Shortfall::Of::Chart, error);
+    throw;
+  }
+}
+
 }  // namespace
 
 struct XDocument::Impl : journal::Receiver {
   Impl(const std::string& xml, Session::State& state)
       : Receiver(state.journal.get()),
         outputs(state.outputs),
-        root(tree_of(xml, state.inputs.strings)),
+        root(noted_tree_of(xml, state.inputs.strings)),
         variables(variables_of(root ? &*root : nullptr, journal())),
         graph(variables, journal()) {}
 

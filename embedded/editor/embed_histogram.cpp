@@ -7,6 +7,7 @@
 #include "embedded/chart/parse_markup.h"
 #include "embedded/error.h"
 #include "embedded/framework/number_text.h"
+#include "embedded/shortfall.h"
 
 namespace hierfit::editor {
 
@@ -95,7 +96,8 @@ std::string embed_histogram(std::string_view graph,
     if (place == 0 || data == nullptr) return {};
     fill(*data, sources);
     text.insert(place, embedded_text(inner, field_type));
-  } catch (const DocumentError&) {
+  } catch (const DocumentError& error) {
+    note_shortfall(Shortfall::Of::Chart, error);
     return {};
   }
   return text;

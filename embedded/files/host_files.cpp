@@ -4,6 +4,7 @@
 #include "host/files.h"
 #include "host/string_table.h"
 
+#include "embedded/chart/markup.h"
 #include "embedded/error.h"
 #include "embedded/files/paths.h"
 #include "embedded/files/whole_file.h"
@@ -37,10 +38,14 @@ class SessionPaths final : public PathFinder {
   std::string table_;
 };
 
+/// The text of a chart template; nothing when the file is of no use.
 std::string text_or_nothing(const std::string& path) {
   try {
-    return hierfit::read_whole_file(path);
-  } catch (const hierfit::FileError&) {
+    std::string text = hierfit::read_whole_file(path);
+    hierfit::chart::parse_markup(text, path);
+    return text;
+  } catch (const hierfit::Error& error) {
+    hierfit::note_shortfall(hierfit::Shortfall::Of::ProgramFile, error);
     return {};
   }
 }

@@ -32,8 +32,9 @@ TEST_CASE("messages leave the terminal alone and end") {
   const Outcome odd =
       shell("hierfit \"$(printf 'a\\033[31mb\\302\\233c\\233d\\342\\200\\256e\\tf')\" x");
   CHECK(odd.status == 2);
-  CHECK(odd.errors == "hierfit: a\uFFFD[31mb\uFFFDc\uFFFDde f: cannot be read: No such file or "
-                      "directory\n");
+  CHECK(odd.errors ==
+        "hierfit: a\uFFFD[31mb\uFFFDc\uFFFDde f: cannot be read: No such file or "
+        "directory\n");
   CHECK(std::ranges::count(shell("hierfit \"$(printf 'a\\nb')\" x").errors, '\n') == 1);
 
   const std::string many = "$(head -c 100000 /dev/zero | tr '\\0' x)";
@@ -68,8 +69,8 @@ TEST_CASE("options refuse what is no number and no file") {
 
 TEST_CASE("an output that does not wait is waited for") {
   const Outcome slow =
-      shell("{ python3 -c 'import os; os.set_blocking(1, False)'; hierfit -o - -f html " + kDocuments +
-            "; } | { sleep 0.2; cat; }");
+      shell("{ python3 -c 'import os; os.set_blocking(1, False)'; hierfit -o - -f html " +
+            kDocuments + "; } | { sleep 0.2; cat; }");
   CHECK(slow.status == 0);
   CHECK(slow.errors.empty());
   CHECK(slow.output.ends_with("</html>\n"));
@@ -83,4 +84,105 @@ TEST_CASE("a run of many outputs needs few descriptors") {
   CHECK(outcome.status == 0);
   CHECK(text_of(directory / "r200.txt") == text_of(directory / "r1.txt"));
   CHECK(std::ranges::count(directory.listing(), ' ') == 200);
+}
+
+TEST_CASE("a chart template that is of no use is told, and so is a chart that cannot be made") {
+  const Directory directory;
+  const std::string share = HIERFIT_BINARY_DIR "/share/hierfit/";
+  const std::string templates = directory / "share/hierfit/template";
+  for (const char* folder : {"bin", "lib", "share/hierfit"})
+    fs::create_directories(directory / folder);
+  fs::copy_file(kCommand, directory / "bin/hierfit");
+  fs::copy_file(HIERFIT_BINARY_DIR "/lib/hierfit.so", directory / "lib/hierfit.so");
+  fs::create_directory_symlink(share + "locale", directory / "share/hierfit/locale");
+  fs::copy(share + "template", templates);
+  const std::string run =
+      (directory / "bin/hierfit") + " -o " + (directory / "r.txt") + " " + kDocuments;
+  const std::string diagram = templates + "/GLMMFixedCoefficients.glyphtemplate";
+  const std::string network = templates + "/GLMMPairwiseContrasts.glyphtemplate";
+  CHECK(shell(run).errors.empty());
+  fs::remove(directory / "r.txt");
+
+  SUBCASE("a template that is missing or is no chart is the program's fault") {
+    fs::remove(diagram);
+    CHECK(shell(run).errors ==
+          "hierfit: " + diagram + ": cannot be read: No such file or directory\n");
+    for (const char* text : {"", "no markup", "<chart>\n<graph></chart>"}) {
+      CAPTURE(text);
+      write(diagram, text);
+      const Outcome outcome = shell(run);
+      CHECK(outcome.status == 2);
+      CHECK(outcome.errors.starts_with(diagram + ":"));
+      CHECK_FALSE(fs::exists(directory / "r.txt"));
+    }
+  }
+  SUBCASE("a chart that is no document any more is left out with a sentence") {
+    // The title takes the place of the element's name.
+    std::string text = text_of(network);
+    write(network, text.replace(text.find("<graph"), 0, "<TitleText/>"));
+    const Outcome outcome = shell(run);
+    CHECK(outcome.status == 0);
+    CHECK(outcome.errors.starts_with("chart document:3:"));
+    CHECK(outcome.errors.find(": a chart cannot be made whole: not well-formed") !=
+          std::string::npos);
+    CHECK(fs::exists(directory / "r.txt"));
+  }
+}
+
+namespace {
+
+/// Runs a line as a user who owns nothing here; nothing when that is not to be had.
+std::string as_stranger(const std::string& line) {
+  if (::geteuid() != 0) return line;
+  const std::string stranger = "setpriv --reuid 65534 --regid 65534 --clear-groups ";
+  return shell(stranger + "test -x " + kCommand).status == 0 ? stranger + line : "";
+}
+
+}  // namespace
+
+TEST_CASE("a folder that cannot be read holds up no other report") {
+  const Directory directory;
+  fs::permissions(directory / "", fs::perms::all);
+  for (const char* folder : {"in/a", "in/closed", "in/b", "shut"}) {
+    fs::create_directories(directory / folder);
+    fs::copy_file(kExample + "model.pmml", directory / (std::string(folder) + "/model.pmml"));
+    fs::copy_file(kExample + "result.xml", directory / (std::string(folder) + "/result.xml"));
+  }
+  fs::permissions(directory / "in/closed", fs::perms::none);
+  fs::permissions(directory / "shut", fs::perms::none);
+  const std::string run = as_stranger(kCommand + " -q -f txt -o " + (directory / "out") + " ");
+  if (run.empty()) return;
+
+  const Outcome tree = shell(run + (directory / "in"));
+  CHECK(tree.status == 2);
+  CHECK(tree.errors ==
+        "hierfit: " + (directory / "in/closed") + ": cannot be read: Permission denied\n");
+  CHECK(fs::exists(directory / "out/a.txt"));
+  CHECK(fs::exists(directory / "out/b.txt"));
+  CHECK(fs::exists(directory / "out/index.html"));
+  const Outcome shut = shell(run + (directory / "shut"));
+  CHECK(shut.status == 2);
+  CHECK(shut.errors ==
+        "hierfit: " + (directory / "shut") + ": cannot be read: Permission denied\n");
+  fs::permissions(directory / "in/closed", fs::perms::all);
+  fs::permissions(directory / "shut", fs::perms::all);
+}
+
+TEST_CASE("the name of a document leads nowhere else") {
+  const Directory directory;
+  fs::create_directories(directory / "in");
+  for (const char* name : {"..", "...", "."}) {
+    const std::string stem = (directory / "in/") + name;
+    fs::copy_file(kExample + "model.pmml", stem + ".pmml");
+    fs::copy_file(kExample + "result.xml", stem + ".xml");
+  }
+  const Outcome outcome =
+      shell("cd " + (directory / "in") + "; hierfit -f txt -o ../out --charts " +
+            "../charts/deep . ...pmml ...xml");
+  CHECK(outcome.status == 0);
+  CHECK(directory.listing() == "charts in out ");
+  CHECK(std::ranges::count_if(fs::directory_iterator(directory / "charts"),
+                              [](const auto&) { return true; }) == 1);
+  CHECK(std::ranges::count_if(fs::directory_iterator(directory / "charts/deep"),
+                              [](const auto& entry) { return !entry.is_directory(); }) == 0);
 }
