@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
+#include <iterator>
 #include <map>
 #include <unordered_map>
 
@@ -30,27 +31,45 @@ struct Neighbours {
   bool dictionary = false;
 };
 
-/// All documents below a folder, by the folder they are in.
-std::map<fs::path, Neighbours> documents_below(const fs::path& folder) {
-  std::map<fs::path, Neighbours> found;
-  std::error_code error;
-  fs::recursive_directory_iterator entry(folder, error);
-  for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
-    const fs::path& path = entry->path();
+/// All documents below a folder, by the folder they are in, and the folders that cannot be read.
+struct Tree {
+  std::map<fs::path, Neighbours> documents;
+  std::vector<FileError> unreadable;
+};
+
+void add_document(const fs::path& path, Neighbours& here) {
+  const std::string ending = lower_case(path.extension().string());
+  if (ending == ".pmml") here.models.push_back(path);
+  if (ending == ".xml") here.results.push_back(path);
+  if (path.filename() == kDictionary) here.dictionary = true;
+}
+
+Tree tree_below(const fs::path& folder) {
+  Tree tree;
+  std::vector<fs::path> folders = {folder};
+  while (!folders.empty()) {
+    const fs::path here = std::move(folders.back());
+    folders.pop_back();
+    std::error_code error;
     std::error_code unknown;
-    if (!entry->is_regular_file(unknown)) continue;
-    const std::string ending = lower_case(path.extension().string());
-    Neighbours& here = found[path.parent_path()];
-    if (ending == ".pmml") here.models.push_back(path);
-    if (ending == ".xml") here.results.push_back(path);
-    if (path.filename() == kDictionary) here.dictionary = true;
+    fs::directory_iterator entry(here, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+      if (entry->is_directory(unknown) && !entry->is_symlink(unknown)) {
+        folders.push_back(entry->path());
+      } else if (entry->is_regular_file(unknown)) {
+        add_document(entry->path(), tree.documents[here]);
+      }
+    }
+    if (error) {
+      tree.unreadable.push_back({{here.string(), 0, 0}, "cannot be read: " + error.message()});
+    }
   }
-  if (error) throw FileError({folder.string(), 0, 0}, "cannot be read: " + error.message());
-  for (auto& [path, here] : found) {
+  for (auto& [path, here] : tree.documents) {
     std::ranges::sort(here.models);
     std::ranges::sort(here.results);
   }
-  return found;
+  std::ranges::sort(tree.unreadable, {}, [](const FileError& error) { return error.where().file; });
+  return tree;
 }
 
 /// The result document of a model document, or nothing.
@@ -61,12 +80,18 @@ fs::path result_of(const fs::path& model, const Neighbours& here) {
   return {};
 }
 
+/// The name of a document without its ending, never one that stands for a folder, as of "...pmml".
+std::string stem_of(const fs::path& document) {
+  const std::string stem = document.stem().string();
+  return stem.find_first_not_of('.') == std::string::npos ? "_" + stem : stem;
+}
+
 /// A model document that is alone in its folder is called as the folder.
 std::string name_of(const fs::path& model, const fs::path& folder, const Neighbours& here) {
   const fs::path inside = model.lexically_relative(folder);
   const fs::path parent = inside.parent_path();
   if (here.models.size() == 1 && !parent.empty()) return parent.generic_string();
-  return (parent / inside.stem()).generic_string();
+  return (parent / stem_of(inside)).generic_string();
 }
 
 /// Collects pairs and keeps their names apart.
@@ -77,14 +102,17 @@ class Collector {
   void add_folder(const std::string& input) {
     const fs::path folder = fs::path(input).lexically_normal();
     const size_t before = found_.pairs.size();
-    for (const auto& [path, here] : documents_below(folder)) {
+    const Tree tree = tree_below(folder);
+    for (const auto& [path, here] : tree.documents) {
       for (const fs::path& model : here.models) {
         const bool own = dictionary_.empty() && here.dictionary;
         add({model.string(), result_of(model, here).string(),
              own ? (path / kDictionary).string() : dictionary_, name_of(model, folder, here)});
       }
     }
+    std::ranges::copy(tree.unreadable, std::back_inserter(found_.unreadable));
     if (found_.pairs.size() == before) {
+      if (!tree.unreadable.empty()) throw tree.unreadable.front();
       throw UsageError("the folder \"" + input + "\" holds no model document (.pmml)");
     }
     found_.several = true;
@@ -92,7 +120,7 @@ class Collector {
 
   void add_documents(const std::string& model, const std::string& result) {
     const fs::path path = fs::absolute(model).lexically_normal();
-    std::string name = model == "-" ? "standard-input" : path.stem().string();
+    std::string name = model == "-" ? "standard-input" : stem_of(path);
     const std::string longer = path.parent_path().filename().string() + "-" + name;
     if (uses_.contains(lower_case(name))) name = longer;
     add({model, result, dictionary_, name});

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "embedded/error.h"
+
 namespace hierfit::app {
 
 /// A model document and its result document.
@@ -20,13 +22,15 @@ struct Pair {
 struct Pairs {
   std::vector<Pair> pairs;  ///< in the order of the inputs, within a folder by path
   bool several = false;     ///< whether more than one pair, or a folder, was asked for
+  /// The folders within those that were searched that cannot be read.
+  std::vector<FileError> unreadable;
 };
 
 /// Takes documents in twos and searches folders, with all that are in them but not through links.
 /// In a folder "x.pmml" belongs to "x.xml", and a model document that is alone with a single result
 /// document to that; "dictionary.json" beside them lays over the model's dictionary, unless
 /// `dictionary` names another. Throws `UsageError` when a document is left over or a folder holds
-/// no model document, `FileError` for a folder that cannot be read.
+/// no model document, `FileError` when that is because it cannot be read.
 Pairs find_pairs(const std::vector<std::string>& inputs, const std::string& dictionary);
 
 }  // namespace hierfit::app

@@ -76,7 +76,7 @@ int run(const Options& options) {
     if (chart_forms.empty()) chart_forms.push_back(&report::kChartForms[0]);
   }
   if (pairs.several) {
-    const SeveralJobs several = several_jobs(pairs.pairs, chart_forms, options);
+    const SeveralJobs several = several_jobs(pairs, chart_forms, options);
     warn_of_language(workshop, colour);
     return make_several(several, workshop);
   }

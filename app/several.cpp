@@ -163,6 +163,10 @@ int complain(const SeveralJobs& several, const Makers& makers, bool colour) {
     status = std::max(status, failure->status);
     say(*failure, colour);
   }
+  for (const FileError& folder : several.unreadable) {
+    status = std::max(status, kNotPossible);
+    say({folder.where(), folder.what()}, colour);
+  }
   if (count > 0) {
     const std::string sentence = std::to_string(count) + " of " +
                                  std::to_string(several.jobs.size()) + " reports are not made";
@@ -173,13 +177,13 @@ int complain(const SeveralJobs& several, const Makers& makers, bool colour) {
 
 }  // namespace
 
-SeveralJobs several_jobs(const std::vector<Pair>& pairs,
+SeveralJobs several_jobs(const Pairs& pairs,
                          const std::vector<const report::ChartForm*>& chart_forms,
                          const Options& options) {
-  SeveralJobs several = {folder_of(options), {}};
+  SeveralJobs several = {folder_of(options), {}, pairs.unreadable};
   const std::vector<const report::Form*> forms = forms_of(options);
   const fs::path folder = several.folder;
-  for (const Pair& pair : pairs) {
+  for (const Pair& pair : pairs.pairs) {
     Job& job = several.jobs.emplace_back(Job{pair, {}, {}, chart_forms, {}});
     for (const report::Form* form : forms) {
       job.outputs.push_back({(folder / (pair.name + usual_ending(*form))).string(), form});

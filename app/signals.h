@@ -5,9 +5,9 @@
 
 namespace hierfit::app {
 
-/// From here on a reader that leaves early and a file that may not grow show as errors of the write,
-/// and SIGINT, SIGTERM and SIGHUP take away the files named by `PartName` before they end the
-/// process. A signal that is ignored stays so.
+/// From here on a reader that leaves early and a file that may not grow show as errors of the
+/// write, and SIGINT, SIGTERM and SIGHUP take away the files named by `PartName` before they end
+/// the process. A signal that is ignored stays so.
 void watch_signals() noexcept;
 
 /// What is done while one lives is done to its end before a signal ends the process.
@@ -19,8 +19,8 @@ class Undivided {
   Undivided& operator=(const Undivided&) = delete;
 };
 
-/// The name of a file that is not whole yet or not in its place: the file goes with this object, and
-/// with the process when a signal ends it.
+/// The name of a file that is not whole yet or not in its place: the file goes with this object,
+/// and with the process when a signal ends it.
 class PartName {
  public:
   PartName() = default;
