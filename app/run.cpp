@@ -1,8 +1,10 @@
 #include "app/run.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <unistd.h>
 
+#include "app/collisions.h"
 #include "app/complaint.h"
 #include "app/environment.h"
 #include "app/job.h"
@@ -71,8 +73,10 @@ int run(const Options& options) {
   const bool colour = uses_colour(options.colour, STDERR_FILENO);
   std::vector<const report::ChartForm*> chart_forms;
   if (!options.charts.empty()) {
-    for (const std::string& name : options.chart_forms)
-      chart_forms.push_back(report::chart_form_by_name(name));
+    for (const std::string& name : options.chart_forms) {
+      const report::ChartForm* form = report::chart_form_by_name(name);
+      if (std::ranges::find(chart_forms, form) == chart_forms.end()) chart_forms.push_back(form);
+    }
     if (chart_forms.empty()) chart_forms.push_back(&report::kChartForms[0]);
   }
   if (pairs.several) {
@@ -82,6 +86,7 @@ int run(const Options& options) {
   }
   const Job job = {pairs.pairs[0], outputs_of(options), options.charts, chart_forms,
                    options.journal};
+  refuse_collisions({&job, 1});
   warn_of_language(workshop, colour);
   const Progress progress(!options.quiet, "hierfit: making the report \u2026");
   make(job, workshop);

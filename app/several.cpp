@@ -9,6 +9,7 @@
 #include <thread>
 #include <unistd.h>
 
+#include "app/collisions.h"
 #include "app/complaint.h"
 #include "app/environment.h"
 #include "app/memory.h"
@@ -141,12 +142,16 @@ report::IndexEntry entry_of(const Job& job,
   return entry;
 }
 
+std::string index_of(const SeveralJobs& several) {
+  return (fs::path(several.folder) / kIndexFile).string();
+}
+
 void write_index(const SeveralJobs& several, const Makers& makers) {
   std::vector<report::IndexEntry> entries;
   for (size_t job = 0; job < several.jobs.size(); ++job) {
     entries.push_back(entry_of(several.jobs[job], makers.failures()[job], several.folder));
   }
-  NewFile file((fs::path(several.folder) / kIndexFile).string());
+  NewFile file(index_of(several));
   file.write(report::render_index(makers.words(), entries));
   file.flush();
   file.put_in_place();
@@ -196,6 +201,7 @@ SeveralJobs several_jobs(const Pairs& pairs,
 }
 
 int make_several(const SeveralJobs& several, const Workshop& workshop) {
+  refuse_collisions(several.jobs, index_of(several));
   make_folder(several.folder);
   Makers makers(several, workshop);
   makers.make_all();

@@ -22,10 +22,10 @@ SeveralJobs several_jobs(const Pairs& pairs,
                          const std::vector<const report::ChartForm*>& chart_forms,
                          const Options& options);
 
-/// Makes them on all cores, each whole or not at all, and then the index of all, "index.html". A
-/// report that cannot be made does not hold up the others: in the end standard error says which, in
-/// the order of the pairs, and which folders could not be read. Gives the highest exit status of
-/// all.
+/// Refuses collisions, then makes the reports on all cores, each whole or not at all, and then the
+/// index of all, "index.html". A report that cannot be made does not hold up the others: in the end
+/// standard error says which, in the order of the pairs, and which folders could not be read. Gives
+/// the highest exit status of all.
 int make_several(const SeveralJobs& several, const Workshop& workshop);
 
 }  // namespace hierfit::app

@@ -57,10 +57,10 @@ TEST_CASE("a language tag has a bound") {
 }
 
 TEST_CASE("options refuse what is no number and no file") {
-  for (const char* option : {"--resolution nan", "--chart-width nan", "--chart-width -nan",
-                             "--resolution inf", "--journal -"}) {
+  for (const std::string option : {"--resolution nan", "--chart-width nan", "--chart-width -nan",
+                                   "--resolution inf", "--journal -"}) {
     CAPTURE(option);
-    const Outcome outcome = shell("hierfit " + std::string(option) + " " + kDocuments);
+    const Outcome outcome = shell("hierfit " + option + " " + kDocuments);
     CHECK(outcome.status == 2);
     CHECK(outcome.output.empty());
   }
@@ -107,7 +107,7 @@ TEST_CASE("a chart template that is of no use is told, and so is a chart that ca
     fs::remove(diagram);
     CHECK(shell(run).errors ==
           "hierfit: " + diagram + ": cannot be read: No such file or directory\n");
-    for (const char* text : {"", "no markup", "<chart>\n<graph></chart>"}) {
+    for (const std::string text : {"", "no markup", "<chart>\n<graph></chart>"}) {
       CAPTURE(text);
       write(diagram, text);
       const Outcome outcome = shell(run);
@@ -185,4 +185,38 @@ TEST_CASE("the name of a document leads nowhere else") {
                               [](const auto&) { return true; }) == 1);
   CHECK(std::ranges::count_if(fs::directory_iterator(directory / "charts/deep"),
                               [](const auto& entry) { return !entry.is_directory(); }) == 0);
+}
+
+TEST_CASE("no output replaces an input or another output") {
+  const Directory directory;
+  for (const char* file : {"model.pmml", "result.xml", "dictionary.json"})
+    fs::copy_file(kExample + file, directory / file);
+  fs::create_directory(directory / "sub");
+  fs::create_symlink("../dictionary.json", directory / "sub/to-dictionary.json");
+  fs::create_symlink("sub", directory / "sub-too");
+  fs::create_hard_link(directory / "result.xml", directory / "same.html");
+  const std::string in = "cd " + (directory / "") + "; ";
+  const std::string pair = " -q model.pmml result.xml ";
+
+  for (const std::string options :
+       {"-d dictionary.json -o dictionary.json", "-d dictionary.json -o sub/to-dictionary.json",
+        "-o ./sub/../model.pmml -f txt", "-o same.html", "--journal result.xml",
+        "-o r.txt -o sub/../r.txt", "-o sub/r.txt -o sub-too/r.txt", "-o - -o -",
+        "-o r.html --journal r.html", "--charts sub -o sub-too/ -f svg", ">>model.pmml",
+        "-f json -o . model.pmml result.xml -d dictionary.json dictionary.pmml result.xml"}) {
+    CAPTURE(options);
+    const Outcome outcome = shell(in + "cp model.pmml dictionary.pmml; hierfit" + pair + options);
+    CHECK(outcome.status == 2);
+    CHECK(outcome.errors.ends_with("Try 'hierfit --help'\n"));
+    CHECK(directory.listing() ==
+          "dictionary.json dictionary.pmml model.pmml result.xml same.html sub sub-too ");
+    CHECK(text_of(directory / "model.pmml") == text_of(kExample + "model.pmml"));
+    CHECK(text_of(directory / "dictionary.json") == text_of(kExample + "dictionary.json"));
+  }
+  for (const std::string options :
+       {"-o r.html -o r.txt --journal j.jsonl", "-o /dev/null -f txt -o /dev/null",
+        "--charts sub --chart-format svg --chart-format png --chart-format svg -o sub/ -f csv"}) {
+    CAPTURE(options);
+    CHECK(shell(in + "hierfit" + pair + options).status == 0);
+  }
 }
