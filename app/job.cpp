@@ -1,5 +1,6 @@
 #include "app/job.h"
 
+#include <algorithm>
 #include <deque>
 #include <filesystem>
 #include <fstream>
@@ -85,6 +86,8 @@ class JournalFile {
 /// place.
 class Delivery {
  public:
+  explicit Delivery(NewFolders& folders) : new_folders_(folders) {}
+
   void add_file(const std::string& path, std::string_view text) {
     NewFile& file = files_.emplace_back(path);
     file.write(text);
@@ -92,28 +95,48 @@ class Delivery {
     if (files_.size() > kMostOpen) file.set_aside();
   }
 
-  void add_folder(const std::string& path, const std::vector<report::File>& files) {
-    make_folder(path);
-    for (const report::File& file : files)
+  void add_folder(const std::string& path,
+                  std::string_view form,
+                  const std::vector<report::File>& files) {
+    new_folders_.make(path);
+    ReportFiles& folder = report_files_of(path);
+    for (const report::File& file : files) {
       add_file((fs::path(path) / file.name).string(), file.text);
+      folder.add(form, file.name);
+    }
   }
 
   void add_standard_output(const std::string& text) { standard_output_.push_back(text); }
 
   void finish() {
+    for (ReportFiles& folder : folders_)
+      folder.write_list();
     for (const std::string& text : standard_output_) {
       if (write_standard_output(text) == Written::PipeClosed) break;
     }
     const Undivided undivided;
     for (NewFile& file : files_)
       file.put_in_place();
+    for (ReportFiles& folder : folders_)
+      folder.replace_old();
   }
 
  private:
+  /// Two outputs may be files of one folder.
+  ReportFiles& report_files_of(const std::string& path) {
+    const auto known = std::ranges::find_if(folders_, [&](const ReportFiles& folder) {
+      std::error_code unknown;
+      return fs::equivalent(folder.folder(), path, unknown);
+    });
+    return known != folders_.end() ? *known : folders_.emplace_back(path);
+  }
+
   /// Files that stay open until the end; a folder may get any number of them, on several threads.
   static constexpr size_t kMostOpen = 16;
 
+  NewFolders& new_folders_;
   std::deque<NewFile> files_;
+  std::deque<ReportFiles> folders_;
   std::vector<std::string> standard_output_;
 };
 
@@ -185,7 +208,7 @@ void render(const Output& output,
             Delivery& delivery) {
   const report::Options look = look_of(output, options);
   if (output.folder) {
-    delivery.add_folder(output.path, output.form->render_folder(document, look));
+    delivery.add_folder(output.path, output.form->name, output.form->render_folder(document, look));
   } else if (output.to_standard_output()) {
     delivery.add_standard_output(output.form->render(document, look));
   } else {
@@ -209,12 +232,13 @@ output::Document make(const Job& job, const Workshop& workshop) {
   output::Document document = journal ? make_document(std::move(input), workshop, *journal)
                                       : make_document(std::move(input), workshop, nullptr);
 
-  Delivery delivery;
+  Delivery delivery(workshop.folders);
   for (const Output& output : job.outputs)
     render(output, document, workshop.options, delivery);
   for (const report::ChartForm* form : job.chart_forms) {
     const report::Options look = look_of({}, workshop.options);
-    delivery.add_folder(job.charts_folder, report::render_charts(document, *form, look));
+    delivery.add_folder(job.charts_folder, form->name,
+                        report::render_charts(document, *form, look));
   }
   refuse_if_memory_ran_out();
   delivery.finish();

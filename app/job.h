@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/folders.h"
 #include "app/module.h"
 #include "app/options.h"
 #include "app/pairs.h"
@@ -40,6 +41,7 @@ struct Workshop {
   Module module;
   std::string language;
   const Options& options;
+  mutable NewFolders folders;
 
   /// Finds and loads the module.
   explicit Workshop(const Options& wanted);

@@ -179,12 +179,6 @@ void NewFile::put_in_place() {
 
 void NewFile::fail(int error) const { fail_to_write(path_, error); }
 
-void make_folder(const std::string& path) {
-  std::error_code error;
-  fs::create_directories(path, error);
-  if (error) throw FileError({path, 0, 0}, "cannot be made: " + error.message());
-}
-
 Written write_standard_output(std::string_view text) {
   const int error = write_all(STDOUT_FILENO, text);
   if (error == EPIPE) return Written::PipeClosed;

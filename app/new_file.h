@@ -48,9 +48,6 @@ class NewFile {
   int descriptor_ = -1;
 };
 
-/// Makes a folder and those around it, where they are not there yet. Throws `FileError`.
-void make_folder(const std::string& path);
-
 /// How a write to standard output went.
 enum class Written { Whole, PipeClosed };
 

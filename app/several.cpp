@@ -106,7 +106,7 @@ class Makers {
 
   void make_one(const Job& job) {
     for (const Output& output : job.outputs)
-      make_folder(fs::path(output.path).parent_path().string());
+      workshop_.folders.make(fs::path(output.path).parent_path().string());
     output::Document words = make(job, workshop_);
     const std::lock_guard lock(words_mutex_);
     if (words_.words.empty()) words_ = std::move(words);
@@ -202,7 +202,7 @@ SeveralJobs several_jobs(const Pairs& pairs,
 
 int make_several(const SeveralJobs& several, const Workshop& workshop) {
   refuse_collisions(several.jobs, index_of(several));
-  make_folder(several.folder);
+  workshop.folders.make(several.folder);
   Makers makers(several, workshop);
   makers.make_all();
   forget_memory();

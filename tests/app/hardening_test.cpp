@@ -220,3 +220,97 @@ TEST_CASE("no output replaces an input or another output") {
     CHECK(shell(in + "hierfit" + pair + options).status == 0);
   }
 }
+
+TEST_CASE("a folder keeps no file of an older report, and every other") {
+  const Directory directory;
+  const std::string folder = directory / "charts";
+  const std::string other = HIERFIT_SOURCE_DIR "/examples/sleepstudy/";
+  const auto run = [&](const std::string& options) {
+    return shell("hierfit -o /dev/null -f csv --charts " + folder + " " + options).status;
+  };
+  const auto names = [&](const std::string& ending) {
+    return shell("cd " + folder + "; ls *" + ending).output;
+  };
+  CHECK(run(other + "model.pmml " + other + "result.xml") == 0);
+  const std::string good = names(".svg");
+  fs::remove_all(folder);
+
+  CHECK(run("--chart-format svg --chart-format vl.json " + kDocuments) == 0);
+  const std::string others = names(".vl.json");
+  CHECK(names(".svg") != good);
+  write(folder + "/notes.svg", "mine");
+  CHECK(run(other + "model.pmml " + other + "result.xml") == 0);
+  fs::rename(folder + "/notes.svg", directory / "notes.svg");
+  CHECK(names(".svg") == good);
+  CHECK(names(".vl.json") == others);
+  CHECK(shell("hierfit -o " + folder + "/ -f csv " + kDocuments).status == 0);
+  CHECK(names(".svg") == good);
+
+  // A list that others wrote reaches no other folder.
+  write(folder + "/.hierfit", "svg ../notes.svg\nsvg mine.svg\nsvg .\nsvg\n\n\xFF\n");
+  write(folder + "/mine.svg", "listed");
+  CHECK(run(kDocuments) == 0);
+  CHECK(fs::exists(directory / "notes.svg"));
+  CHECK_FALSE(fs::exists(folder + "/mine.svg"));
+}
+
+TEST_CASE("a failure leaves no empty folder") {
+  const Directory directory;
+  fs::create_directory(directory / "there");
+  for (const std::string options :
+       {"--charts deep/in/charts -o nowhere/r.txt", "--charts there/charts -o - >/dev/full"}) {
+    CAPTURE(options);
+    CHECK(shell("cd " + (directory / "") + "; hierfit " + kDocuments + " " + options).status == 2);
+    CHECK(directory.listing() == "there ");
+    CHECK(fs::is_empty(directory / "there"));
+  }
+  write(directory / "bad.xml", "");
+  CHECK(shell("hierfit -o " + (directory / "out") + " --charts " + (directory / "out/c") + " " +
+              kExample + "model.pmml " + (directory / "bad.xml") + " " + kDocuments)
+            .status == 1);
+  CHECK(fs::exists(directory / "out/index.html"));
+  CHECK(std::ranges::count_if(fs::directory_iterator(directory / "out/c"),
+                              [](const auto&) { return true; }) == 1);
+}
+
+TEST_CASE("a new file takes no power from an old one, nor another user's direction") {
+  const Directory directory;
+  const auto mode_of = [](const std::string& file) {
+    struct stat facts {};
+    ::stat(file.c_str(), &facts);
+    return facts.st_mode & 07777;
+  };
+  const std::string report = directory / "r.txt";
+  write(report, "old");
+  ::chmod(report.c_str(), 06755);
+  CHECK(shell("hierfit -o " + report + " " + kDocuments).status == 0);
+  CHECK(mode_of(report) == 0755);
+  if (::geteuid() != 0) return;
+
+  constexpr uid_t kOther = 65534;
+  ::chmod(report.c_str(), 0666);
+  CHECK(::chown(report.c_str(), kOther, kOther) == 0);
+  CHECK(shell("hierfit -o " + report + " " + kDocuments).status == 0);
+  CHECK(mode_of(report) == 0664);
+
+  // In a folder like that for temporary files, a link of another user leads nowhere.
+  fs::create_directory(directory / "shared");
+  ::chmod((directory / "shared").c_str(), 01777);
+  for (const char* target : {"r.txt", "new.txt"}) {
+    CAPTURE(target);
+    const std::string link = directory / "shared/report.txt";
+    write(report, "old");
+    fs::create_symlink(directory / target, link);
+    CHECK(::lchown(link.c_str(), kOther, kOther) == 0);
+    const Outcome outcome = shell("hierfit -o " + link + " " + kDocuments);
+    CHECK(outcome.status == 2);
+    CHECK(outcome.errors == "hierfit: " + link +
+                                ": cannot be written: it is a link of another user in a folder "
+                                "that all can write to\n");
+    CHECK(text_of(report) == "old");
+    CHECK_FALSE(fs::exists(directory / "new.txt"));
+    CHECK(::lchown(link.c_str(), 0, 0) == 0);
+    CHECK(shell("hierfit -o " + link + " " + kDocuments).status == 0);
+    fs::remove(link);
+  }
+}
