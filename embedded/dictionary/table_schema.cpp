@@ -198,6 +198,10 @@ Location location_of(std::string_view text, size_t byte, const std::string& file
 }
 
 Json parse(std::string_view text, const std::string& file) {
+  const size_t nul = text.find('\0');  // the library would take it for the end
+  if (nul != std::string_view::npos) {
+    throw FileError(location_of(text, nul + 1, file), "not well-formed JSON");
+  }
   try {
     return Json::parse(text);
   } catch (const Json::parse_error& error) {

@@ -3,6 +3,7 @@
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -47,7 +48,12 @@ std::string read_whole_file(const std::string& path) {
   for (;;) {
     const ssize_t count = ::read(file.descriptor(), buffer.data(), buffer.size());
     if (count == 0) return text;
-    if (count < 0 && errno != EINTR) fail(path, errno);
+    if (count < 0 && errno == EAGAIN) {
+      pollfd ready = {file.descriptor(), POLLIN, 0};  // a pipe that does not wait by itself
+      ::poll(&ready, 1, -1);
+    } else if (count < 0 && errno != EINTR) {
+      fail(path, errno);
+    }
     if (count > 0) text.append(buffer.data(), static_cast<size_t>(count));
   }
 }
