@@ -28,6 +28,12 @@ void occupy_closed_streams() noexcept {
   }
 }
 
+void choose_temporary_folder() {
+  constexpr const char* kVariable = "TMPDIR";
+  const auto usable = [](const char* folder) { return ::access(folder, W_OK | X_OK) == 0; };
+  if (!usable(variable(kVariable).c_str()) && !usable("/tmp")) ::setenv(kVariable, "/dev/shm", 1);
+}
+
 std::string language_of_environment() {
   for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
     std::string locale = variable(name);

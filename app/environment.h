@@ -12,6 +12,9 @@ namespace hierfit::app {
 /// writes the stream still fails.
 void occupy_closed_streams() noexcept;
 
+/// Has libraries make their temporary files in memory when the usual folder takes none.
+void choose_temporary_folder();
+
 /// The language tag of LC_ALL, LC_MESSAGES or LANG, whichever is set first: "de_DE.UTF-8" is
 /// "de-DE". English when none is set or they ask for no language ("C", "POSIX") or for one with a
 /// tag beyond all measure.

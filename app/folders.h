@@ -29,8 +29,8 @@ class NewFolders {
 };
 
 /// The files of reports in a folder. A list in the folder, ".hierfit", has the names of those that
-/// were written there, by form, so that the next report takes away those of its forms that it has no
-/// more. Other files in the folder stay.
+/// were written there, by form, so that the next report takes away those of its forms that it has
+/// no more. Other files in the folder stay.
 class ReportFiles {
  public:
   /// Reads the list. Throws `FileError`, as all operations do.

@@ -41,6 +41,7 @@ int main(int argument_count, char** arguments) {
   bool colour = false;
   try {
     colour = app::uses_colour("auto", STDERR_FILENO);
+    app::choose_temporary_folder();
     const app::Options options = app::parse_options(argument_count, arguments);
     colour = app::uses_colour(options.colour, STDERR_FILENO);
     return command(options);

@@ -76,6 +76,30 @@ TEST_CASE("an output that does not wait is waited for") {
   CHECK(slow.output.ends_with("</html>\n"));
 }
 
+TEST_CASE("an input that does not wait is waited for") {
+  const Outcome slow =
+      shell("{ sleep 0.7; cat " + kExample + "result.xml; } | { python3 -c 'import " +
+            "os; os.set_blocking(0, False)'; hierfit " + kExample + "model.pmml -; }");
+  CHECK(slow.errors.empty());
+  CHECK(slow.output == shell("hierfit " + kDocuments).output);
+}
+
+TEST_CASE("a dictionary ends at its end") {
+  const Directory directory;
+  write(directory / "d.json", "{\n\"fields\": []}" + std::string(1, '\0') + "junk");
+  const Outcome outcome = shell("hierfit -d " + (directory / "d.json") + " " + kDocuments);
+  CHECK(outcome.status == 2);
+  CHECK(outcome.errors == (directory / "d.json") + ":2:14: not well-formed JSON\n");
+}
+
+TEST_CASE("a workbook needs no folder for temporary files") {
+  const std::string alone = "unshare -rm sh -c 'mount -t tmpfs -o ro none /tmp && cd /tmp && exec ";
+  if (shell(alone + "test -x " + kCommand + "'").status != 0) return;
+  const Outcome outcome = shell(alone + kCommand + " -f xlsx -o - " + kDocuments + "' | head -c 2");
+  CHECK(outcome.errors.empty());
+  CHECK(outcome.output == "PK");
+}
+
 TEST_CASE("a run of many outputs needs few descriptors") {
   const Directory directory;
   const Outcome outcome = shell("ulimit -n 40; cd " + (directory / "") +
