@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "app/complaint.h"
+#include "app/drawing.h"
 #include "app/environment.h"
 #include "app/memory.h"
 #include "app/new_file.h"
@@ -202,17 +203,28 @@ report::Options look_of(const Output& output, const Options& options) {
   return look;
 }
 
+/// What `make` makes of a form; writing it takes its own time.
+template <class Make>
+auto guarded(std::string_view form, Make make) {
+  const Drawing drawing(form);
+  return make();
+}
+
 void render(const Output& output,
             const output::Document& document,
             const Options& options,
             Delivery& delivery) {
   const report::Options look = look_of(output, options);
+  const report::Form& form = *output.form;
   if (output.folder) {
-    delivery.add_folder(output.path, output.form->name, output.form->render_folder(document, look));
-  } else if (output.to_standard_output()) {
-    delivery.add_standard_output(output.form->render(document, look));
+    const auto files = guarded(form.name, [&] { return form.render_folder(document, look); });
+    return delivery.add_folder(output.path, form.name, files);
+  }
+  const std::string text = guarded(form.name, [&] { return form.render(document, look); });
+  if (output.to_standard_output()) {
+    delivery.add_standard_output(text);
   } else {
-    delivery.add_file(output.path, output.form->render(document, look));
+    delivery.add_file(output.path, text);
   }
 }
 
@@ -237,8 +249,9 @@ output::Document make(const Job& job, const Workshop& workshop) {
     render(output, document, workshop.options, delivery);
   for (const report::ChartForm* form : job.chart_forms) {
     const report::Options look = look_of({}, workshop.options);
-    delivery.add_folder(job.charts_folder, form->name,
-                        report::render_charts(document, *form, look));
+    const auto files =
+        guarded(form->name, [&] { return report::render_charts(document, *form, look); });
+    delivery.add_folder(job.charts_folder, form->name, files);
   }
   refuse_if_memory_ran_out();
   delivery.finish();

@@ -156,12 +156,16 @@ def surroundings():
 
 
 def little_memory():
-    """Libraries for pages and pictures may crash where there is no memory, but not hang."""
+    """The libraries for pages and pictures neither crash nor hang in a small address space."""
     for form in OFFICE_FORMS:
-        for megabytes in range(40, 400, 40):
-            run = Run(outputs(["r." + form]), ["r." + form], shimmed=False, limit=megabytes << 20)
-            expect(run.status != "hangs" and len(run.files) == 1, f"{form} in {megabytes} MB", run)
-            expect(run.status == 0 or set(run.files.values()) == {OLD}, f"{form}: a torn file", run)
+        name = "r." + form
+        good = Run(outputs([name]), [name], shimmed=False)
+        for megabytes in range(120, 340, 20):
+            run = Run(outputs([name]), [name], shimmed=False, limit=megabytes << 20)
+            judge(f"{form} in {megabytes} MB", run, good)
+    for error in (11, -1):
+        run = Run(outputs(["r.pdf"]), ["r.pdf"], FAULT="thread:1", FAULT_ERROR=error)
+        expect(run.status == FAILED and is_sentence(run.errors), f"a lost thread ({error})", run)
 
 
 for part in (memory, files, interruptions, signals, surroundings, little_memory):

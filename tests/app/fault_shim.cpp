@@ -2,7 +2,9 @@
 //
 //   FAULT=CALL:N     the N-th call fails, counted from 1
 //   FAULT=CALL:N+    and all behind it
-//   FAULT_ERROR=E    the error number that it fails with, else ENOMEM, EAGAIN, ENOENT or EIO
+//   FAULT_ERROR=E    the error number that it fails with, else ENOMEM, EAGAIN, ENOENT or EIO; -1
+//   for
+//                    a thread that seems to start and does nothing
 //   FAULT_SIGNAL=S   the process gets this signal first, and the call does not fail
 //   FAULT_COUNT=FILE says how many calls there were, when the process exits
 //   NO_TMPFILE=1     the file system knows no files without a name
@@ -135,7 +137,7 @@ int pthread_create(pthread_t* thread,
                    const pthread_attr_t* attributes,
                    void* (*run)(void*),
                    void* with) noexcept {
-  if (fails("thread", EAGAIN)) return EAGAIN;
+  if (fails("thread", EAGAIN)) return errno < 0 ? 0 : errno;
   const auto create =
       reinterpret_cast<decltype(&::pthread_create)>(::dlsym(RTLD_NEXT, "pthread_create"));
   return create(thread, attributes, run, with);
