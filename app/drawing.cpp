@@ -54,8 +54,7 @@ void on_stretch(int) {
   if (idle_stretches < kMostIdle) return;
   remove_parts();
   // A message that cannot be written has no other way out.
-  [[maybe_unused]] const ssize_t written =
-      ::write(STDERR_FILENO, kStopped.data(), kStopped.size());
+  [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, kStopped.data(), kStopped.size());
   ::_exit(kNotPossible);
 }
 
@@ -81,7 +80,8 @@ GLogWriterOutput on_library_message(GLogLevelFlags level,
   try {
     std::string sentence = "the report cannot be made: ";
     for (const GLogField& field : std::span(fields, count)) {
-      if (std::string_view(field.key) == "MESSAGE") sentence += static_cast<const char*>(field.value);
+      if (std::string_view(field.key) == "MESSAGE")
+        sentence += static_cast<const char*>(field.value);
     }
     say({{}, sentence}, false);
   } catch (const std::bad_alloc&) {
@@ -105,8 +105,7 @@ void spare_address_space() {
 
 /// Whether the system would give this much memory. It is not touched.
 bool can_get(size_t bytes) {
-  void* memory =
-      ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  void* memory = ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (memory == MAP_FAILED) return false;
   ::munmap(memory, bytes);
   return true;

@@ -1,5 +1,5 @@
-// Guards the libraries that draw pages and pictures. They take a lack of memory badly: they crash, or
-// wait for ever for a thread of theirs that has gone.
+// Guards the libraries that draw pages and pictures. They take a lack of memory badly: they crash,
+// or wait for ever for a thread of theirs that has gone.
 #pragma once
 
 #include <string_view>

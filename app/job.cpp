@@ -1,6 +1,7 @@
 #include "app/job.h"
 
 #include <algorithm>
+#include <cmath>
 #include <deque>
 #include <filesystem>
 #include <fstream>
@@ -17,6 +18,7 @@
 #include "embedded/session.h"
 #include "embedded/strings/language.h"
 #include "embedded/strings/string_table.h"
+#include "report/picture/png.h"
 #include "report/preset.h"
 #include "report/words.h"
 
@@ -109,13 +111,15 @@ class Delivery {
 
   void add_standard_output(const std::string& text) { standard_output_.push_back(text); }
 
-  void finish() {
+  void write_out() {
     for (ReportFiles& folder : folders_)
       folder.write_list();
     for (const std::string& text : standard_output_) {
       if (write_standard_output(text) == Written::PipeClosed) break;
     }
-    const Undivided undivided;
+  }
+
+  void put_in_place() {
     for (NewFile& file : files_)
       file.put_in_place();
     for (ReportFiles& folder : folders_)
@@ -210,6 +214,18 @@ auto guarded(std::string_view form, Make make) {
   return make();
 }
 
+/// Says so when charts share a picture that has fewer points than they need to be read.
+void warn_of_small_picture(const Output& output, double resolution, const Options& options) {
+  constexpr double kReadable = 72;
+  if (resolution == 0 || resolution >= std::min(kReadable, std::floor(options.resolution))) return;
+  const std::string points = std::to_string(std::lround(resolution));
+  say({{output.path, 0, 0},
+       "the charts are too large for one picture and have only " + points +
+           " points an inch; as files of a folder each has its own",
+       kWritten},
+      uses_colour(options.colour, STDERR_FILENO));
+}
+
 void render(const Output& output,
             const output::Document& document,
             const Options& options,
@@ -221,6 +237,7 @@ void render(const Output& output,
     return delivery.add_folder(output.path, form.name, files);
   }
   const std::string text = guarded(form.name, [&] { return form.render(document, look); });
+  if (form.name == "png") warn_of_small_picture(output, report::resolution_of(text), options);
   if (output.to_standard_output()) {
     delivery.add_standard_output(text);
   } else {
@@ -254,7 +271,9 @@ output::Document make(const Job& job, const Workshop& workshop) {
     delivery.add_folder(job.charts_folder, form->name, files);
   }
   refuse_if_memory_ran_out();
-  delivery.finish();
+  delivery.write_out();
+  const Undivided undivided;
+  delivery.put_in_place();
   if (journal) journal->put_in_place();
   document.content = {};
   return document;

@@ -111,8 +111,7 @@ class Collector {
       }
     }
     std::ranges::copy(tree.unreadable, std::back_inserter(found_.unreadable));
-    if (found_.pairs.size() == before) {
-      if (!tree.unreadable.empty()) throw tree.unreadable.front();
+    if (found_.pairs.size() == before && tree.unreadable.empty()) {
       throw UsageError("the folder \"" + input + "\" holds no model document (.pmml)");
     }
     found_.several = true;
@@ -127,6 +126,7 @@ class Collector {
   }
 
   Pairs take() {
+    if (found_.pairs.empty()) throw found_.unreadable.front();
     found_.several = found_.several || found_.pairs.size() > 1;
     return std::move(found_);
   }

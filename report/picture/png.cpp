@@ -1,5 +1,6 @@
 #include "report/picture/png.h"
 
+#include <algorithm>
 #include <cmath>
 #include <csetjmp>
 #include <png.h>
@@ -97,6 +98,16 @@ std::string png_of(const Points& points, double points_per_inch) {
   png_destroy_write_struct(&png, &info);
   if (!done) throw std::runtime_error("a picture cannot be written");
   return file;
+}
+
+double resolution_of(std::string_view png) {
+  constexpr size_t kBytes = 4;  // of a number, and of a type
+  const std::string_view chunk = png.substr(std::min(kHeaderEnd, png.size()));
+  if (chunk.size() < 3 * kBytes || chunk.substr(kBytes, kBytes) != "pHYs") return 0;
+  double points = 0;
+  for (const char byte : chunk.substr(2 * kBytes, kBytes))
+    points = points * 256 + static_cast<unsigned char>(byte);
+  return points / kInchesPerMetre;
 }
 
 }  // namespace hierfit::report

@@ -26,4 +26,7 @@ struct Points {
 /// `std::runtime_error` when the library fails.
 std::string png_of(const Points& points, double points_per_inch = 0);
 
+/// What a PNG says of that; 0 when it says nothing.
+double resolution_of(std::string_view png);
+
 }  // namespace hierfit::report

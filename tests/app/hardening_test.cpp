@@ -100,6 +100,17 @@ TEST_CASE("a workbook needs no folder for temporary files") {
   CHECK(outcome.output == "PK");
 }
 
+TEST_CASE("a picture that is too small for its charts says so") {
+  const Directory directory;
+  const std::string run = "hierfit -o " + (directory / "r.png") + " " + kDocuments;
+  const Outcome small = shell(run + " --chart-width 10000");
+  CHECK(small.status == 0);
+  CHECK(
+      small.errors.starts_with("hierfit: " + (directory / "r.png") + ": the charts are too large"));
+  CHECK(shell(run).errors.empty());
+  CHECK(shell(run + " --resolution 24").errors.empty());
+}
+
 TEST_CASE("a run of many outputs needs few descriptors") {
   const Directory directory;
   const Outcome outcome = shell("ulimit -n 40; cd " + (directory / "") +
@@ -188,6 +199,9 @@ TEST_CASE("a folder that cannot be read holds up no other report") {
   CHECK(shut.status == 2);
   CHECK(shut.errors ==
         "hierfit: " + (directory / "shut") + ": cannot be read: Permission denied\n");
+  const Outcome both = shell(run + (directory / "shut") + " " + (directory / "in/a"));
+  CHECK(both.errors == shut.errors);
+  CHECK(fs::exists(directory / "out/model.txt"));
   fs::permissions(directory / "in/closed", fs::perms::all);
   fs::permissions(directory / "shut", fs::perms::all);
 }
