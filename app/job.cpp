@@ -2,18 +2,15 @@
 
 #include <algorithm>
 #include <cmath>
-#include <deque>
-#include <filesystem>
-#include <fstream>
 #include <new>
 #include <optional>
 #include <unistd.h>
 
 #include "app/complaint.h"
+#include "app/delivery.h"
 #include "app/drawing.h"
 #include "app/environment.h"
 #include "app/memory.h"
-#include "app/new_file.h"
 #include "embedded/files/whole_file.h"
 #include "embedded/session.h"
 #include "embedded/strings/language.h"
@@ -24,8 +21,6 @@
 
 namespace hierfit::app {
 namespace {
-
-namespace fs = std::filesystem;
 
 std::string name_of(const std::string& path) {
   return path == kStandardStream ? "standard input" : path;
@@ -56,94 +51,6 @@ std::string language_of(const Options& options, const std::string& resources) {
   const bool has_catalogue = StringTable(resources + "/locale", language).language() != "C";
   return has_catalogue ? language : "en";
 }
-
-/// The journal on its way to a file.
-class JournalFile {
- public:
-  explicit JournalFile(const std::string& path)
-      : path_(path), file_(path), stream_(file_.writable_path(), std::ios::binary) {
-    check();
-  }
-
-  std::ostream& stream() { return stream_; }
-
-  void finish() {
-    stream_.close();
-    check();
-    file_.flush();
-  }
-
-  void put_in_place() { file_.put_in_place(); }
-
- private:
-  void check() const {
-    if (!stream_) throw FileError({path_, 0, 0}, "the journal cannot be written");
-  }
-
-  std::string path_;
-  NewFile file_;
-  std::ofstream stream_;
-};
-
-/// Everything that a job writes: first beside its place, then standard output, and only then into
-/// place.
-class Delivery {
- public:
-  explicit Delivery(NewFolders& folders) : new_folders_(folders) {}
-
-  void add_file(const std::string& path, std::string_view text) {
-    NewFile& file = files_.emplace_back(path);
-    file.write(text);
-    file.flush();
-    if (files_.size() > kMostOpen) file.set_aside();
-  }
-
-  void add_folder(const std::string& path,
-                  std::string_view form,
-                  const std::vector<report::File>& files) {
-    new_folders_.make(path);
-    ReportFiles& folder = report_files_of(path);
-    for (const report::File& file : files) {
-      add_file((fs::path(path) / file.name).string(), file.text);
-      folder.add(form, file.name);
-    }
-  }
-
-  void add_standard_output(const std::string& text) { standard_output_.push_back(text); }
-
-  void write_out() {
-    for (ReportFiles& folder : folders_)
-      folder.write_list();
-    for (const std::string& text : standard_output_) {
-      if (write_standard_output(text) == Written::PipeClosed) break;
-    }
-  }
-
-  void put_in_place() {
-    for (NewFile& file : files_)
-      file.put_in_place();
-    for (ReportFiles& folder : folders_)
-      folder.replace_old();
-  }
-
- private:
-  /// Two outputs may be files of one folder.
-  ReportFiles& report_files_of(const std::string& path) {
-    const auto known = std::ranges::find_if(folders_, [&](const ReportFiles& folder) {
-      std::error_code unknown;
-      return fs::equivalent(folder.folder(), path, unknown);
-    });
-    return known != folders_.end() ? *known : folders_.emplace_back(path);
-  }
-
-  /// Files that stay open until the end; a folder may get any number of them, on several threads.
-  static constexpr size_t kMostOpen = 16;
-
-  NewFolders& new_folders_;
-  std::deque<NewFile> files_;
-  std::deque<ReportFiles> folders_;
-  std::vector<std::string> standard_output_;
-};
 
 /// The module makes do with what it gets, so a report may lack what there was no memory for.
 void refuse_if_memory_ran_out() {

@@ -44,25 +44,29 @@ void add_document(const fs::path& path, Neighbours& here) {
   if (path.filename() == kDictionary) here.dictionary = true;
 }
 
+/// Adds what is in one folder to the tree, and the folders in it to those that are left to read.
+void read_folder(const fs::path& here, Tree& tree, std::vector<fs::path>& left) {
+  std::error_code error;
+  std::error_code unknown;
+  fs::directory_iterator entry(here, error);
+  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+    if (entry->is_directory(unknown) && !entry->is_symlink(unknown)) {
+      left.push_back(entry->path());
+    } else if (entry->is_regular_file(unknown)) {
+      add_document(entry->path(), tree.documents[here]);
+    }
+  }
+  if (error) {
+    tree.unreadable.push_back({{here.string(), 0, 0}, "cannot be read: " + error.message()});
+  }
+}
+
 Tree tree_below(const fs::path& folder) {
   Tree tree;
-  std::vector<fs::path> folders = {folder};
-  while (!folders.empty()) {
-    const fs::path here = std::move(folders.back());
-    folders.pop_back();
-    std::error_code error;
-    std::error_code unknown;
-    fs::directory_iterator entry(here, error);
-    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-      if (entry->is_directory(unknown) && !entry->is_symlink(unknown)) {
-        folders.push_back(entry->path());
-      } else if (entry->is_regular_file(unknown)) {
-        add_document(entry->path(), tree.documents[here]);
-      }
-    }
-    if (error) {
-      tree.unreadable.push_back({{here.string(), 0, 0}, "cannot be read: " + error.message()});
-    }
+  for (std::vector<fs::path> left = {folder}; !left.empty();) {
+    const fs::path here = std::move(left.back());
+    left.pop_back();
+    read_folder(here, tree, left);
   }
   for (auto& [path, here] : tree.documents) {
     std::ranges::sort(here.models);

@@ -8,7 +8,6 @@ at (default 24, "all" for every one).
 import concurrent.futures
 import os
 import pathlib
-import resource
 import signal
 import subprocess
 import sys
@@ -46,15 +45,10 @@ class Run:
                           for file in self.folder.rglob("*") if file.is_file()}
 
     def start(self, arguments, environment, limit):
-        def bound():
-            if limit:
-                resource.setrlimit(resource.RLIMIT_AS, (limit, limit))
-                resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
-
+        bound = ["prlimit", f"--as={limit}", "--core=0"] if limit else []
         try:
-            done = subprocess.run([hierfit, *arguments], cwd=self.folder, env=environment,
-                                  stdin=subprocess.DEVNULL, capture_output=True, timeout=SECONDS,
-                                  preexec_fn=bound)
+            done = subprocess.run([*bound, hierfit, *arguments], cwd=self.folder, env=environment,
+                                  stdin=subprocess.DEVNULL, capture_output=True, timeout=SECONDS)
             self.status, self.output, self.errors = done.returncode, done.stdout, done.stderr
         except subprocess.TimeoutExpired:
             self.status, self.output, self.errors = "hangs", b"", b""
