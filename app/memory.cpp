@@ -1,5 +1,6 @@
 #include "app/memory.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <new>
@@ -21,17 +22,30 @@ thread_local bool ran_out = false;
   throw std::bad_alloc();
 }
 
+[[noreturn]] void end_for_memory() {
+  remove_parts();
+  ::_exit(complain_of_memory());
+}
+
 /// Any other exception that nothing catches is a fault of ours, and ends as one.
 [[noreturn]] void on_terminate() {
   if (!ran_out) std::abort();
-  remove_parts();
-  ::_exit(complain_of_memory());
+  end_for_memory();
+}
+
+/// Objects of libraries that were given no memory for what they should hold may not bear to go.
+void on_bad_access(int signal) {
+  if (ran_out) end_for_memory();
+  std::signal(signal, SIG_DFL);  // and again
 }
 
 /// Ahead of static objects, which ask for memory, too.
 [[gnu::constructor(101)]] void watch_memory() {
   std::set_new_handler(&on_no_memory);
   std::set_terminate(&on_terminate);
+  struct sigaction bad_access {};
+  ::sigaction(SIGSEGV, nullptr, &bad_access);
+  if (bad_access.sa_handler == SIG_DFL) std::signal(SIGSEGV, &on_bad_access);
 }
 
 }  // namespace

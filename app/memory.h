@@ -1,6 +1,6 @@
 // Memory that runs out ends in a sentence: from the start of the process on, each thread remembers
-// that it asked for memory in vain, and where no exception may pass, as in a destructor, that ends
-// the process with `complain_of_memory` instead of an abort.
+// that it asked for memory in vain, and where that ends in no exception, since none may pass or
+// since a library cannot cope, the process ends with `complain_of_memory` instead of a signal.
 #pragma once
 
 #include <string_view>
