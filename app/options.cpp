@@ -5,7 +5,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "app/nearest.h"
+#include "import/nearest.h"
 #include "report/chart_files.h"
 #include "report/preset.h"
 #include "report/report.h"
@@ -152,7 +152,7 @@ void add_option(std::string& text, const OptionRow& row) {
 
 /// What the name or word may have been meant for.
 std::string suggestion(std::string_view word, std::span<const std::string_view> known) {
-  const std::string_view found = nearest(word, known);
+  const std::string_view found = fit::nearest(word, known);
   return found.empty() ? "" : "; did you mean " + std::string(found) + "?";
 }
 

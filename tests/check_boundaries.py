@@ -15,7 +15,8 @@ RULES = [
     ("output", ("output/",), False),
     ("embedded", ("host/", "output/", "embedded/"), False),
     ("report", ("output/", "report/"), False),
-    ("app", ("host/", "output/", "embedded/", "report/", "app/"), False),
+    ("import", ("import/",), False),
+    ("app", ("host/", "output/", "embedded/", "report/", "import/", "app/"), False),
     ("tests/tiny_host", ("host/", "tests/tiny_host/"), False),
 ]
 STANDARD = re.compile(r"^[a-z_0-9]+$")

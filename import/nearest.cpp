@@ -1,10 +1,10 @@
-#include "app/nearest.h"
+#include "import/nearest.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <vector>
 
-namespace hierfit::app {
+namespace hierfit::fit {
 namespace {
 
 /// The optimal string alignment distance, row by row.
@@ -40,4 +40,4 @@ std::string_view nearest(std::string_view word, std::span<const std::string_view
   return best;
 }
 
-}  // namespace hierfit::app
+}  // namespace hierfit::fit
