@@ -1,0 +1,32 @@
+#include "import/prepared.h"
+
+#include "import/check_fit.h"
+#include "import/reckon.h"
+
+namespace hierfit::fit {
+namespace {
+
+constexpr const char* kUsualName = "model";
+
+void state_defaults(Fit& fit, std::vector<std::string>& reckoned) {
+  if (fit.name.empty()) fit.name = kUsualName;
+  if (fit.adjust.empty()) fit.adjust = "none";
+  if (exists(fit.conf_level)) return;
+  fit.conf_level = kUsualLevel;
+  reckoned.push_back("conf.level taken as 0.95");
+}
+
+}  // namespace
+
+Prepared::Prepared(Fit read, Problems& problems) : fit(std::move(read)), variables(fit) {
+  check_fit(fit, variables, problems);
+  if (problems.has_errors()) return;
+  state_defaults(fit, reckoned);
+  for (std::string& sentence : reckon(fit))
+    reckoned.push_back(std::move(sentence));
+  fixed = design_of(fit, variables, problems);
+  for (const Random& block : fit.random)
+    random.push_back(columns_of(block, variables));
+}
+
+}  // namespace hierfit::fit

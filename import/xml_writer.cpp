@@ -1,0 +1,136 @@
+#include "import/xml_writer.h"
+
+#include <cmath>
+
+#include "import/number_text.h"
+
+namespace hierfit::fit {
+namespace {
+
+constexpr std::string_view kMissingItem = "__MISSING__";
+
+/// How many bytes of U+FFFE and U+FFFF, which XML cannot hold, begin here: three or none.
+size_t noncharacter_bytes(std::string_view text) {
+  return text.starts_with("\xEF\xBF\xBE") || text.starts_with("\xEF\xBF\xBF") ? 3 : 0;
+}
+
+void append_escaped(std::string& out, std::string_view text) {
+  for (size_t at = 0; at < text.size(); ++at) {
+    const char c = text[at];
+    switch (c) {
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      case '\t':
+        out += "&#9;";
+        break;
+      case '\n':
+        out += "&#10;";
+        break;
+      case '\r':
+        out += "&#13;";
+        break;
+      default:
+        if (const size_t bytes = noncharacter_bytes(text.substr(at)); bytes > 0) {
+          at += bytes - 1;
+        } else if (static_cast<unsigned char>(c) >= 0x20) {
+          out += c;
+        }
+    }
+  }
+}
+
+void append_item(std::string& out, std::string_view text) {
+  if (!text.empty() && text.find_first_of(" \t\r\n\"\\") == std::string_view::npos) {
+    out += text;
+    return;
+  }
+  out += '"';
+  for (const char c : text) {
+    if (c == '"' || c == '\\') out += '\\';
+    out += c;
+  }
+  out += '"';
+}
+
+}  // namespace
+
+XmlWriter::XmlWriter() : out_("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n") {}
+
+void XmlWriter::open(std::string_view name, Attributes attributes) {
+  if (is_empty_) out_ += ">\n";
+  is_empty_ = false;
+  out_.append(2 * open_.size(), ' ');
+  (out_ += '<') += name;
+  for (const auto& [attribute, value] : attributes) {
+    ((out_ += ' ') += attribute) += "=\"";
+    append_escaped(out_, value);
+    out_ += '"';
+  }
+}
+
+XmlWriter::Element XmlWriter::element(std::string_view name, Attributes attributes) {
+  open(name, attributes);
+  open_.push_back(name);
+  is_empty_ = true;
+  return Element(*this);
+}
+
+void XmlWriter::close() {
+  const std::string_view name = open_.back();
+  open_.pop_back();
+  if (is_empty_) {
+    out_ += "/>\n";
+  } else {
+    out_.append(2 * open_.size(), ' ');
+    ((out_ += "</") += name) += ">\n";
+  }
+  is_empty_ = false;
+}
+
+void XmlWriter::leaf(std::string_view name, Attributes attributes) {
+  open(name, attributes);
+  out_ += "/>\n";
+}
+
+void XmlWriter::text(std::string_view name, Attributes attributes, std::string_view text) {
+  open(name, attributes);
+  out_ += '>';
+  append_escaped(out_, text);
+  ((out_ += "</") += name) += ">\n";
+}
+
+void XmlWriter::array(size_t count, const char* type, std::string_view items) {
+  text("Array", {{"n", std::to_string(count)}, {"type", type}}, items);
+}
+
+void XmlWriter::numbers(const std::vector<double>& items) {
+  std::string list;
+  for (const double item : items) {
+    if (!list.empty()) list += ' ';
+    std::isfinite(item) ? append_number(list, item) : void(list += kMissingItem);
+  }
+  array(items.size(), "real", list);
+}
+
+void XmlWriter::texts(const std::vector<std::string_view>& items) {
+  std::string list;
+  for (const std::string_view item : items) {
+    if (!list.empty()) list += ' ';
+    append_item(list, item);
+  }
+  array(items.size(), "string", list);
+}
+
+std::string XmlWriter::take() { return std::move(out_); }
+
+}  // namespace hierfit::fit
