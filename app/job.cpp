@@ -11,7 +11,6 @@
 #include "app/drawing.h"
 #include "app/environment.h"
 #include "app/memory.h"
-#include "embedded/files/whole_file.h"
 #include "embedded/session.h"
 #include "embedded/strings/language.h"
 #include "embedded/strings/string_table.h"
@@ -22,25 +21,6 @@
 namespace hierfit::app {
 namespace {
 
-std::string name_of(const std::string& path) {
-  return path == kStandardStream ? "standard input" : path;
-}
-
-SessionInput read_inputs(const Pair& pair) {
-  SessionInput input;
-  input.pmml_name = name_of(pair.model);
-  input.pmml = read_whole_file(pair.model);
-  if (pair.result.empty()) {
-    throw FileError({pair.model, 0, 0}, "has no result document (.xml) beside it");
-  }
-  input.statxml_name = name_of(pair.result);
-  input.statxml = read_whole_file(pair.result);
-  if (!pair.dictionary.empty()) {
-    input.dictionary_name = name_of(pair.dictionary);
-    input.dictionary = read_whole_file(pair.dictionary);
-  }
-  return input;
-}
 
 /// The language asked for; one that only the environment asks for gives way to English when there
 /// is no catalogue for it.
@@ -160,9 +140,9 @@ Workshop::Workshop(const Options& wanted)
       language(language_of(wanted, program.resources)),
       options(wanted) {}
 
-output::Document make(const Job& job, const Workshop& workshop) {
+output::Document make(const Job& job, const Workshop& workshop, Remarks& remarks) {
   forget_memory();
-  SessionInput input = read_inputs(job.pair);
+  SessionInput input = read_inputs(job.pair, remarks);
   std::optional<JournalFile> journal;
   if (!job.journal.empty()) journal.emplace(job.journal);
   output::Document document = journal ? make_document(std::move(input), workshop, *journal)

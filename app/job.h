@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/folders.h"
+#include "app/inputs.h"
 #include "app/module.h"
 #include "app/options.h"
 #include "app/pairs.h"
@@ -48,8 +49,8 @@ struct Workshop {
 };
 
 /// Makes the report. No file is replaced before every form is made and safe on the disk. Gives the
-/// language, the words and the title of its document, without content. Throws `Error` and what the
-/// forms throw.
-output::Document make(const Job& job, const Workshop& workshop);
+/// language, the words and the title of its document, without content. What is odd about the
+/// documents goes to `remarks`. Throws `Error` and what the forms throw.
+output::Document make(const Job& job, const Workshop& workshop, Remarks& remarks);
 
 }  // namespace hierfit::app

@@ -21,13 +21,16 @@ makes a report from the two documents that a fitting engine leaves: the model
 document in PMML and the result document in StatXML.
 The report holds the tables of the procedure, from the model summary to
 estimated means and contrasts, and the charts of the model.
+It also takes
+.Ar FIT.json ,
+one document that any program can write, and makes the two documents from it.
 As a file,
 .Sq -
 is standard input or standard output.
 A report is written whole or not at all.
 .Pp
 .Ar PAIRS
-are documents in twos, or folders.
+are documents in twos, fits, or folders.
 In a folder and all that are in it,
 .Pa x.pmml
 belongs to
@@ -42,6 +45,19 @@ folder;
 .Pa index.html
 leads to all of them.
 A report that cannot be made does not hold up the others.
+Where a folder holds no model document,
+.Pa fit.json
+and
+.Pa x.fit.json
+are fits.
+.Pp
+.Cm import
+writes the documents of a fit,
+.Pa model.pmml , result.xml
+and, where formats need one,
+.Pa dictionary.json .
+.Cm check
+writes nothing but messages: what is wrong with fits and pairs, and what is odd.
 )";
 
 constexpr const char* kEnvironment = R"(.Sh ENVIRONMENT
@@ -275,6 +291,8 @@ std::string manual_page() {
       const std::string_view word = line.substr(0, line.find(' '));
       if (word == "[options]") {
         page += ".Op Ar options\n";
+      } else if (word == kImport || word == kCheck) {
+        page += ".Cm " + std::string(word) + "\n";
       } else if (word.starts_with('-')) {
         page += ".Fl " + std::string(word.substr(1)) + "\n";
       } else {

@@ -89,8 +89,8 @@ constexpr OptionRow kRows[] = {
 };
 
 constexpr std::string_view kUsage[] = {
-    "[options] MODEL.pmml RESULT.xml",
-    "[options] -o FOLDER PAIRS",
+    "[options] MODEL.pmml RESULT.xml", "[options] FIT.json", "[options] -o FOLDER PAIRS",
+    "import -o FOLDER FIT.json",       "check PAIRS",
 };
 
 constexpr std::string_view kStatuses[] = {
@@ -102,9 +102,10 @@ constexpr std::string_view kStatuses[] = {
 constexpr const char* kHead =
     "\n"
     "Makes a report from the model document and the result document of a generalized\n"
-    "linear mixed model. \"-\" as a file is standard input or standard output. PAIRS are\n"
-    "such documents in twos, or folders that hold them: each makes a report in FOLDER,\n"
-    "beside an index of all.\n";
+    "linear mixed model, or from a fit document that any program can write. \"-\" as a\n"
+    "file is standard input or standard output. PAIRS are such documents in twos, fits,\n"
+    "or folders that hold them: each makes a report in FOLDER, beside an index of all.\n"
+    "import writes the two documents of a fit; check says what is wrong with documents.\n";
 
 constexpr std::string_view kEndOfOptions = "--";
 
@@ -250,10 +251,19 @@ void refuse_empty_values(std::span<const char* const> arguments) {
   }
 }
 
+/// Takes the first word for a command when it is one.
+void take_command(Options& options) {
+  if (options.inputs.empty()) return;
+  const std::string word = options.inputs[0];
+  if (word != kImport && word != kCheck) return;
+  options.command = word;
+  options.inputs.erase(options.inputs.begin());
+}
+
 void check(const Options& options) {
   if (options.help || options.version || options.manual || !options.completion.empty()) return;
   if (options.inputs.empty()) {
-    throw UsageError("a model document and a result document are needed");
+    throw UsageError("a model document and a result document are needed, or a fit");
   }
   if (options.journal == "-") throw UsageError("--journal needs a file; \"-\" is none");
   const auto from_input = std::ranges::count(options.inputs, "-") + (options.dictionary == "-");
@@ -309,6 +319,7 @@ Options parse_options(int argument_count, const char* const* arguments) {
   for (const std::string& extra : parser.remaining()) {
     if (extra != kEndOfOptions) refuse_option(extra);
   }
+  take_command(options);
   check(options);
   return options;
 }

@@ -13,9 +13,14 @@
 
 namespace hierfit::app {
 
+/// Commands, as the first word of the command line. Without one a report is made.
+inline constexpr std::string_view kImport = "import";
+inline constexpr std::string_view kCheck = "check";
+
 /// What the command line asks for.
 struct Options {
-  std::vector<std::string> inputs;       ///< documents in twos, and folders; "-" is standard input
+  std::string command;              ///< empty: make a report
+  std::vector<std::string> inputs;  ///< documents in twos, fits, and folders; "-" is standard input
   std::vector<std::string> outputs;      ///< in the order given; "-" is standard output
   std::vector<std::string> forms;        ///< names of forms; empty: the endings tell
   std::string dictionary;                ///< empty: none

@@ -16,6 +16,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kDictionary = "dictionary.json";
+constexpr const char* kFit = "fit.json";
+constexpr std::string_view kFitEnding = ".json";
 /// The index of the reports has this name.
 constexpr const char* kIndex = "index";
 
@@ -24,10 +26,17 @@ std::string lower_case(std::string text) {
   return text;
 }
 
+/// Other files in a folder end in .json, too.
+bool is_fit_of_folder(const fs::path& path) {
+  const std::string name = lower_case(path.filename().string());
+  return name == kFit || name.ends_with(std::string(".") + kFit);
+}
+
 /// The documents that lie side by side.
 struct Neighbours {
   std::vector<fs::path> models;
   std::vector<fs::path> results;
+  std::vector<fs::path> fits;
   bool dictionary = false;
 };
 
@@ -42,6 +51,7 @@ void add_document(const fs::path& path, Neighbours& here) {
   if (ending == ".pmml") here.models.push_back(path);
   if (ending == ".xml") here.results.push_back(path);
   if (path.filename() == kDictionary) here.dictionary = true;
+  if (is_fit_of_folder(path)) here.fits.push_back(path);
 }
 
 /// Adds what is in one folder to the tree, and the folders in it to those that are left to read.
@@ -71,6 +81,7 @@ Tree tree_below(const fs::path& folder) {
   for (auto& [path, here] : tree.documents) {
     std::ranges::sort(here.models);
     std::ranges::sort(here.results);
+    std::ranges::sort(here.fits);
   }
   std::ranges::sort(tree.unreadable, {}, [](const FileError& error) { return error.where().file; });
   return tree;
@@ -98,6 +109,22 @@ std::string name_of(const fs::path& model, const fs::path& folder, const Neighbo
   return (parent / stem_of(inside)).generic_string();
 }
 
+/// "a/fit.json" is called "a", "a/x.fit.json" and "a/x.json" are called "a/x".
+std::string name_of_fit(const fs::path& inside) {
+  const fs::path parent = inside.parent_path();
+  fs::path name = inside.stem();
+  if (lower_case(inside.filename().string()) == kFit)
+    return parent.empty() ? "fit" : parent.generic_string();
+  if (lower_case(name.extension().string()) == ".fit") name = name.stem();
+  return (parent / name).generic_string();
+}
+
+/// Whether an input is a fit and needs no other beside it.
+bool is_fit(const std::vector<std::string>& inputs, size_t at) {
+  if (inputs[at] == "-" && inputs.size() == 1) return true;
+  return lower_case(inputs[at]).ends_with(kFitEnding);
+}
+
 /// Collects pairs and keeps their names apart.
 class Collector {
  public:
@@ -110,13 +137,20 @@ class Collector {
     for (const auto& [path, here] : tree.documents) {
       for (const fs::path& model : here.models) {
         const bool own = dictionary_.empty() && here.dictionary;
-        add({model.string(), result_of(model, here).string(),
-             own ? (path / kDictionary).string() : dictionary_, name_of(model, folder, here)});
+        add({{},
+             model.string(),
+             result_of(model, here).string(),
+             own ? (path / kDictionary).string() : dictionary_,
+             name_of(model, folder, here)});
       }
+      if (!here.models.empty()) continue;
+      for (const fs::path& fit : here.fits)
+        add_pair_of_fit(fit.string(), name_of_fit(fit.lexically_relative(folder)));
     }
     std::ranges::copy(tree.unreadable, std::back_inserter(found_.unreadable));
     if (found_.pairs.size() == before && tree.unreadable.empty()) {
-      throw UsageError("the folder \"" + input + "\" holds no model document (.pmml)");
+      throw UsageError("the folder \"" + input +
+                       "\" holds no model document (.pmml) and no fit (fit.json)");
     }
     found_.several = true;
   }
@@ -126,7 +160,15 @@ class Collector {
     std::string name = model == "-" ? "standard-input" : stem_of(path);
     const std::string longer = path.parent_path().filename().string() + "-" + name;
     if (uses_.contains(lower_case(name))) name = longer;
-    add({model, result, dictionary_, name});
+    add({{}, model, result, dictionary_, name});
+  }
+
+  void add_fit(const std::string& fit) {
+    const fs::path path = fs::absolute(fit).lexically_normal();
+    const bool is_of_folder = lower_case(path.filename().string()) == kFit;
+    const fs::path inside =
+        is_of_folder ? path.parent_path().filename() / path.filename() : path.filename();
+    add_pair_of_fit(fit, fit == "-" ? "standard-input" : name_of_fit(inside));
   }
 
   Pairs take() {
@@ -136,6 +178,10 @@ class Collector {
   }
 
  private:
+  void add_pair_of_fit(const std::string& fit, const std::string& name) {
+    add({fit, {}, {}, dictionary_, name});
+  }
+
   void add(Pair pair) {
     const std::string wanted = pair.name;
     while (uses_[lower_case(pair.name)]++ > 0) {
@@ -157,6 +203,8 @@ Pairs find_pairs(const std::vector<std::string>& inputs, const std::string& dict
   for (size_t at = 0; at < inputs.size(); ++at) {
     if (fs::is_directory(inputs[at], unknown)) {
       collector.add_folder(inputs[at]);
+    } else if (is_fit(inputs, at)) {
+      collector.add_fit(inputs[at]);
     } else if (at + 1 == inputs.size() || fs::is_directory(inputs[at + 1], unknown)) {
       throw UsageError("\"" + inputs[at] + "\" needs a result document behind it");
     } else {

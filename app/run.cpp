@@ -7,6 +7,7 @@
 #include "app/collisions.h"
 #include "app/complaint.h"
 #include "app/environment.h"
+#include "app/import_fits.h"
 #include "app/job.h"
 #include "app/progress.h"
 #include "app/several.h"
@@ -65,9 +66,29 @@ void warn_of_language(const Workshop& workshop, bool colour) {
       colour);
 }
 
+/// What is odd about the documents is said whether the report comes to be or not.
+int make_one(const Job& job, const Workshop& workshop, bool colour) {
+  Remarks remarks;
+  const auto say = [&] {
+    for (const Complaint& remark : remarks)
+      std::cerr << complaint_line(remark, colour);
+  };
+  try {
+    const Progress progress(!workshop.options.quiet, "hierfit: making the report \u2026");
+    make(job, workshop, remarks);
+  } catch (...) {
+    say();
+    throw;
+  }
+  say();
+  return kWritten;
+}
+
 }  // namespace
 
 int run(const Options& options) {
+  if (options.command == kImport) return import_fits(options);
+  if (options.command == kCheck) return check_documents(options);
   const Pairs pairs = find_pairs(options.inputs, options.dictionary);
   const Workshop workshop(options);
   const bool colour = uses_colour(options.colour, STDERR_FILENO);
@@ -88,9 +109,7 @@ int run(const Options& options) {
                    options.journal};
   refuse_collisions({&job, 1});
   warn_of_language(workshop, colour);
-  const Progress progress(!options.quiet, "hierfit: making the report \u2026");
-  make(job, workshop);
-  return kWritten;
+  return make_one(job, workshop, colour);
 }
 
 }  // namespace hierfit::app

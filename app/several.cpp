@@ -56,7 +56,10 @@ std::string usual_ending(const report::Form& form) {
 class Makers {
  public:
   Makers(const SeveralJobs& several, const Workshop& workshop)
-      : several_(several), workshop_(workshop), failures_(several.jobs.size()) {}
+      : several_(several),
+        workshop_(workshop),
+        failures_(several.jobs.size()),
+        remarks_(several.jobs.size()) {}
 
   /// Gives when every report is made or has failed; the progress has gone then.
   void make_all() {
@@ -70,6 +73,7 @@ class Makers {
   }
 
   const std::vector<std::optional<Complaint>>& failures() const { return failures_; }
+  const std::vector<Remarks>& remarks() const { return remarks_; }
   /// The language and words of the reports; plain English when none was made.
   const output::Document& words() const { return words_; }
 
@@ -88,9 +92,9 @@ class Makers {
   void work() noexcept {
     for (size_t job; (job = next_++) < several_.jobs.size();) {
       try {
-        make_one(several_.jobs[job]);
+        make_one(several_.jobs[job], remarks_[job]);
       } catch (...) {
-        failures_[job] = current_complaint(several_.jobs[job].pair.model);
+        failures_[job] = current_complaint(first_document(several_.jobs[job].pair));
       }
       say_done();
     }
@@ -104,10 +108,14 @@ class Makers {
     }
   }
 
-  void make_one(const Job& job) {
+  static const std::string& first_document(const Pair& pair) {
+    return pair.fit.empty() ? pair.model : pair.fit;
+  }
+
+  void make_one(const Job& job, Remarks& remarks) {
     for (const Output& output : job.outputs)
       workshop_.folders.make(fs::path(output.path).parent_path().string());
-    output::Document words = make(job, workshop_);
+    output::Document words = make(job, workshop_, remarks);
     const std::lock_guard lock(words_mutex_);
     if (words_.words.empty()) words_ = std::move(words);
   }
@@ -122,6 +130,7 @@ class Makers {
   std::atomic<size_t> next_ = 0;
   std::atomic<size_t> done_ = 0;
   std::vector<std::optional<Complaint>> failures_;  ///< by job; each written by one thread
+  std::vector<Remarks> remarks_;                    ///< likewise
   std::mutex words_mutex_;
   output::Document words_;
   Progress* progress_ = nullptr;
@@ -157,11 +166,13 @@ void write_index(const SeveralJobs& several, const Makers& makers) {
   file.put_in_place();
 }
 
-/// Says which reports are not made; gives the exit status.
+/// Says what is odd and which reports are not made; gives the exit status.
 int complain(const SeveralJobs& several, const Makers& makers, bool colour) {
   int status = kWritten;
   size_t count = 0;
   for (size_t job = 0; job < several.jobs.size(); ++job) {
+    for (const Complaint& remark : makers.remarks()[job])
+      std::cerr << complaint_line(remark, colour);
     const std::optional<Complaint>& failure = makers.failures()[job];
     if (!failure) continue;
     ++count;

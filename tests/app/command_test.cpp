@@ -89,7 +89,9 @@ TEST_CASE("a failure is one sentence with its file, and a status") {
        "hierfit: " + at + "no/r.html: cannot be written: No such file or directory"},
       {"-o " + at + " --format html " + model + result, 2,
        "hierfit: \"" + at + "\" is a folder, and the form html is one file. Try "},
-      {"", 2, "hierfit: a model document and a result document are needed. Try 'hierfit --help'"},
+      {"", 2,
+       "hierfit: a model document and a result document are needed, or a fit. Try 'hierfit "
+       "--help'"},
       {model + result + " third", 2,
        "hierfit: \"third\" needs a result document behind it. Try 'hierfit --help'"},
       {"--formt html " + model + result, 2,
