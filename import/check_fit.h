@@ -8,8 +8,8 @@
 namespace hierfit::fit {
 
 /// Fails what the documents could not be made from: a field or a value that no variable has, an
-/// effect without a field, a matrix that is not as large as what it belongs to, columns of different
-/// lengths. Warns of what is odd.
+/// effect without a field, a matrix that is not as large as what it belongs to, columns of
+/// different lengths. Warns of what is odd.
 void check_fit(const Fit& fit, const Variables& variables, Problems& problems);
 
 /// The two halves of it.

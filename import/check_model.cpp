@@ -93,7 +93,8 @@ class ModelCheck {
   }
 
   void check_effect(const std::string& path, const Effect& effect) {
-    if (effect.fields.empty()) refer_.fail(path + ".fields is empty; an effect has a field or more");
+    if (effect.fields.empty())
+      refer_.fail(path + ".fields is empty; an effect has a field or more");
     refer_.fields(path + ".fields", effect.fields);
     check_length(path + ".powers", effect.powers.size(), effect.fields.size());
     check_length(path + ".nesting", effect.nesting.size(), effect.fields.size());
@@ -158,7 +159,8 @@ class ModelCheck {
     const Variable* target = variables_.find(fit_.target.variable);
     const std::string_view distribution = written(kDistributions, fit_.distribution);
     if (row.category.has_value() != (distribution == "NOMINAL")) {
-      refer_.fail(path + (row.category ? ".y.level stands with" : " lacks y.level, the category, with") +
+      refer_.fail(path +
+                  (row.category ? ".y.level stands with" : " lacks y.level, the category, with") +
                   " the distribution " + in_quotes(fit_.distribution));
     } else if (row.category && target != nullptr) {
       refer_.value(path + ".y.level", *target, *row.category);
@@ -208,7 +210,8 @@ class ModelCheck {
 
   /// A group is told by the group fields; of a nominal target by its category, too.
   void check_group(const std::string& path, const Levels& levels, std::vector<std::string> groups) {
-    if (written(kDistributions, fit_.distribution) == "NOMINAL") groups.push_back(fit_.target.variable);
+    if (written(kDistributions, fit_.distribution) == "NOMINAL")
+      groups.push_back(fit_.target.variable);
     refer_.levels(path, levels, groups);
   }
 

@@ -44,8 +44,7 @@ class ResultCheck {
                     const Levels& levels) {
     refer_.levels(path, levels, fields);
     for (const std::string& field : fields) {
-      const bool has =
-          std::ranges::find(levels, field, &Levels::value_type::first) != levels.end();
+      const bool has = std::ranges::find(levels, field, &Levels::value_type::first) != levels.end();
       if (!has) refer_.fail(path + " lacks the level of " + field);
     }
   }
@@ -116,8 +115,8 @@ class ResultCheck {
 
   void check_length(const std::string& path, size_t length, const Column& first) {
     if (length == first.size()) return;
-    refer_.fail(path + " has " + std::to_string(length) + " values, and data.columns." + first.name +
-                " has " + std::to_string(first.size()));
+    refer_.fail(path + " has " + std::to_string(length) + " values, and data.columns." +
+                first.name + " has " + std::to_string(first.size()));
   }
 
   void check_summaries() {

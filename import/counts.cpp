@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "import/common_subjects.h"
 #include "import/words.h"
 
 namespace hierfit::fit {
@@ -15,10 +16,12 @@ int64_t count_estimated(const std::vector<CovarianceParameter>& parameters) {
 /// How many parameters a structure has for so many columns; -1: it depends on more.
 int64_t parameters_of(std::string_view structure, int64_t columns, int64_t effects) {
   const std::pair<std::string_view, int64_t> counts[] = {
-      {"VC", effects},   {"AR1", 2},        {"ARMA11", 3},
-      {"CS", 2},         {"DIAG", columns}, {"ID", 1},
+      {"VC", effects},   {"AR1", 2},
+      {"ARMA11", 3},     {"CS", 2},
+      {"DIAG", columns}, {"ID", 1},
       {"TP", columns},   {"UNSTRUCTURED", columns * (columns + 1) / 2}};
-  const auto found = std::ranges::find(counts, structure, &std::pair<std::string_view, int64_t>::first);
+  const auto found =
+      std::ranges::find(counts, structure, &std::pair<std::string_view, int64_t>::first);
   return found == std::end(counts) ? -1 : found->second;
 }
 
@@ -28,7 +31,8 @@ std::optional<int64_t> count_random_parameters(const Prepared& prepared) {
   for (size_t at = 0; at < prepared.fit.random.size(); ++at) {
     const Random& block = prepared.fit.random[at];
     const auto columns = static_cast<int64_t>(prepared.random[at].size());
-    const auto effects = static_cast<int64_t>(block.effects.size()) + block.intercept.value_or(true);
+    const auto effects =
+        static_cast<int64_t>(block.effects.size()) + block.intercept.value_or(true);
     const int64_t listed = count_estimated(block.parameters);
     const int64_t own = block.parameters.empty()
                             ? parameters_of(structure_or(block.structure, "VC"), columns, effects)
@@ -100,21 +104,6 @@ const std::vector<Value>& categories_of(const Prepared& prepared) {
   const Target& target = prepared.fit.target;
   if (!target.order.empty()) return target.order;
   return prepared.variables.find(target.variable)->values;
-}
-
-std::vector<std::string> common_subjects(const Fit& fit) {
-  std::vector<std::vector<std::string>> lists;
-  for (const Random& block : fit.random)
-    lists.push_back(block.subjects);
-  if (!fit.residual.subjects.empty()) lists.push_back(fit.residual.subjects);
-  if (lists.empty()) return {};
-  std::vector<std::string> common = lists[0];
-  for (const std::vector<std::string>& list : lists) {
-    std::erase_if(common, [&](const std::string& field) {
-      return std::ranges::find(list, field) == list.end();
-    });
-  }
-  return common;
 }
 
 }  // namespace hierfit::fit

@@ -20,8 +20,8 @@ struct CoefficientSet {
 /// The fixed part. Coefficients are those of the fit, which outlives it.
 struct FixedDesign {
   std::vector<DesignTerm> terms;
-  std::vector<CoefficientSet> sets;              ///< in order of appearance; empty: no estimates
-  std::vector<const Coefficient*> thresholds;    ///< of an ordinal target
+  std::vector<CoefficientSet> sets;            ///< in order of appearance; empty: no estimates
+  std::vector<const Coefficient*> thresholds;  ///< of an ordinal target
 };
 
 /// Finds the term of each coefficient. A term without a coefficient is redundant, except in an

@@ -40,9 +40,9 @@ using Matrix = std::vector<std::vector<double>>;
 /// The values of a variable in all records. A text is its index in `texts`.
 struct Column {
   std::string name;
-  std::vector<double> numbers;       ///< missing where a text stands or nothing
-  std::vector<int32_t> codes;        ///< -1 where a number stands or nothing; empty: no texts
-  std::vector<std::string> texts;    ///< each once, in order of appearance
+  std::vector<double> numbers;     ///< missing where a text stands or nothing
+  std::vector<int32_t> codes;      ///< -1 where a number stands or nothing; empty: no texts
+  std::vector<std::string> texts;  ///< each once, in order of appearance
   std::unordered_map<std::string, int32_t> code_of;
 
   size_t size() const { return numbers.size(); }
@@ -66,19 +66,19 @@ struct Format {
 struct Variable {
   std::string name;
   std::string label;
-  std::string level;            ///< a word of `kLevels`; empty: told by the values
-  std::string type;             ///< a word of `kTypes`; empty: told by the values
-  std::vector<Value> values;    ///< the levels, in their order
-  Levels labels;                ///< labels by value
+  std::string level;          ///< a word of `kLevels`; empty: told by the values
+  std::string type;           ///< a word of `kTypes`; empty: told by the values
+  std::vector<Value> values;  ///< the levels, in their order
+  Levels labels;              ///< labels by value
   std::optional<Format> format;
 };
 
 struct Target {
   std::string variable;
-  std::string trials;                        ///< a variable; empty: none
+  std::string trials;  ///< a variable; empty: none
   std::optional<int64_t> trials_constant;
   std::optional<Value> reference;
-  std::vector<Value> order;                  ///< the categories; empty: the variable's values
+  std::vector<Value> order;  ///< the categories; empty: the variable's values
 };
 
 /// A product of fields.
@@ -104,7 +104,7 @@ struct Term {
   std::string name;               ///< what the engine calls it
   std::optional<int64_t> effect;  ///< position in the effects; none: the intercept
   Levels levels;
-  Levels columns;                 ///< columns of codings by the name of their factor
+  Levels columns;  ///< columns of codings by the name of their factor
 };
 
 struct Coefficient : Estimate, Term {
@@ -149,7 +149,7 @@ struct Random {
   std::optional<int64_t> band;
   std::optional<bool> intercept;  ///< none: there is one
   std::vector<Effect> effects;
-  std::vector<Term> terms;        ///< the columns; empty: all combinations of levels
+  std::vector<Term> terms;  ///< the columns; empty: all combinations of levels
   std::vector<CovarianceParameter> parameters;
   std::vector<GroupMatrix> covariances;
 };
@@ -201,7 +201,7 @@ struct Mean : Estimate {
 };
 
 struct Contrast : Estimate {
-  Levels levels;                 ///< of the other factors
+  Levels levels;  ///< of the other factors
   std::optional<Value> level;
   std::optional<Value> against;  ///< none: the mean of all
   double adjusted_p_value = kMissing;

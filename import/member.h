@@ -19,18 +19,18 @@ namespace hierfit::fit {
 enum class Kind : uint8_t {
   Text,
   Number,
-  Count,    ///< a whole number
-  Flag,     ///< true or false
-  Value,    ///< a text or a number
-  Texts,    ///< lists of these
+  Count,  ///< a whole number
+  Flag,   ///< true or false
+  Value,  ///< a text or a number
+  Texts,  ///< lists of these
   Numbers,
   Counts,
   Values,
   MatrixRows,  ///< a list of lists of numbers
-  LevelMap,  ///< an object of values by variable
-  ColumnMap,  ///< an object of lists of values by variable
-  Column,   ///< a list of values
-  ListMap,  ///< the same, as texts
+  LevelMap,    ///< an object of values by variable
+  ColumnMap,   ///< an object of lists of values by variable
+  Column,      ///< a list of values
+  ListMap,     ///< the same, as texts
   Object,
   Objects,
 };
@@ -67,8 +67,8 @@ struct Member {
   Kind kind;
   /// The field in its record; the record of an object, which it makes if need be.
   void* (*place)(void* record);
-  void* (*append)(void* list) = nullptr;   ///< of `Objects`: a new record
-  const Shape& (*shape)() = nullptr;       ///< of `Object` and `Objects`
+  void* (*append)(void* list) = nullptr;  ///< of `Objects`: a new record
+  const Shape& (*shape)() = nullptr;      ///< of `Object` and `Objects`
   Range range = kAny;
   std::span<const Word> words = {};  ///< of `Text` and `Texts`: all that may stand there
   Need need = Need::Optional;

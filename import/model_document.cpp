@@ -50,8 +50,8 @@ void write_variable(const Variable& variable, XmlWriter& xml) {
 }
 
 void write_dictionary(const Fit& fit, XmlWriter& xml) {
-  const auto dictionary = xml.element(
-      "DataDictionary", {{"numberOfFields", std::to_string(fit.variables.size())}});
+  const auto dictionary =
+      xml.element("DataDictionary", {{"numberOfFields", std::to_string(fit.variables.size())}});
   for (const Variable& variable : fit.variables)
     write_variable(variable, xml);
 }
@@ -79,10 +79,9 @@ void write_parameters(const Prepared& prepared, XmlWriter& xml) {
 void write_predictors(const Prepared& prepared, bool factors, XmlWriter& xml) {
   const auto list = xml.element(factors ? "FactorList" : "CovariateList");
   for (const Variable& variable : prepared.fit.variables) {
-    const bool is_used =
-        std::ranges::any_of(prepared.fit.fixed.effects, [&](const Effect& effect) {
-          return std::ranges::find(effect.fields, variable.name) != effect.fields.end();
-        });
+    const bool is_used = std::ranges::any_of(prepared.fit.fixed.effects, [&](const Effect& effect) {
+      return std::ranges::find(effect.fields, variable.name) != effect.fields.end();
+    });
     if (is_used && is_factor(variable) == factors) xml.leaf("Predictor", {{"name", variable.name}});
   }
 }
@@ -100,9 +99,8 @@ void write_cells(const Prepared& prepared, XmlWriter& xml) {
                           {"parameterName", name}});
     }
     for (const TermFactor& factor : fields.factors) {
-      xml.leaf("PPCell", {{"value", factor.value},
-                          {"predictorName", factor.field},
-                          {"parameterName", name}});
+      xml.leaf("PPCell",
+               {{"value", factor.value}, {"predictorName", factor.field}, {"parameterName", name}});
     }
   }
 }
@@ -114,10 +112,9 @@ void write_coefficient(const Coefficient* row,
   const std::string beta = row == nullptr ? "0" : number_text(row->estimate);
   const char* df = row == nullptr ? "0" : "1";
   if (category) {
-    xml.leaf("PCell", {{"targetCategory", category->text},
-                       {"parameterName", name},
-                       {"beta", beta},
-                       {"df", df}});
+    xml.leaf(
+        "PCell",
+        {{"targetCategory", category->text}, {"parameterName", name}, {"beta", beta}, {"df", df}});
   } else {
     xml.leaf("PCell", {{"parameterName", name}, {"beta", beta}, {"df", df}});
   }
@@ -141,13 +138,14 @@ std::string model_document(const Prepared& prepared) {
         xml.element("PMML", {{"version", "4.4"}, {"xmlns", "http://www.dmg.org/PMML-4_4"}});
     write_header(fit, xml);
     write_dictionary(fit, xml);
-    const auto model = xml.element("GeneralRegressionModel",
-                                   {{"targetVariableName", fit.target.variable},
-                                    {"modelType", "generalizedLinear"},
-                                    {"functionName", "regression"},
-                                    {"algorithmName", "GLMM"},
-                                    {"distribution", small(written(kDistributions, fit.distribution))},
-                                    {"linkFunction", small(written(kLinks, fit.link))}});
+    const auto model =
+        xml.element("GeneralRegressionModel",
+                    {{"targetVariableName", fit.target.variable},
+                     {"modelType", "generalizedLinear"},
+                     {"functionName", "regression"},
+                     {"algorithmName", "GLMM"},
+                     {"distribution", small(written(kDistributions, fit.distribution))},
+                     {"linkFunction", small(written(kLinks, fit.link))}});
     write_schema(fit, xml);
     write_parameters(prepared, xml);
     write_predictors(prepared, true, xml);

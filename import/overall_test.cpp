@@ -42,7 +42,10 @@ struct System {
 
 /// Takes the estimate that has the most variance left out of the others; gives its share of the
 /// Wald statistic, or nothing when none has any left.
-bool eliminate(System& system, std::vector<bool>& is_used, const std::vector<double>& scale, double& wald) {
+bool eliminate(System& system,
+               std::vector<bool>& is_used,
+               const std::vector<double>& scale,
+               double& wald) {
   const size_t size = system.estimates.size();
   size_t pivot = size;
   double most = kNothingLeft;

@@ -2,6 +2,7 @@
 
 #include "import/check_fit.h"
 #include "import/reckon.h"
+#include "import/summaries.h"
 
 namespace hierfit::fit {
 namespace {
@@ -16,12 +17,19 @@ void state_defaults(Fit& fit, std::vector<std::string>& reckoned) {
   reckoned.push_back("conf.level taken as 0.95");
 }
 
+Fit with_values(Fit fit) {
+  state_values(fit);
+  return fit;
+}
+
 }  // namespace
 
-Prepared::Prepared(Fit read, Problems& problems) : fit(std::move(read)), variables(fit) {
+Prepared::Prepared(Fit read, Problems& problems)
+    : fit(with_values(std::move(read))), variables(fit) {
   check_fit(fit, variables, problems);
   if (problems.has_errors()) return;
   state_defaults(fit, reckoned);
+  summarise(fit);
   for (std::string& sentence : reckon(fit))
     reckoned.push_back(std::move(sentence));
   fixed = design_of(fit, variables, problems);

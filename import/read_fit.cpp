@@ -17,11 +17,22 @@ constexpr size_t kDeepest = 64;
 constexpr size_t kMostUnknown = 100;
 
 /// What the kinds are called in a message, in the order of `Kind`.
-constexpr std::string_view kKindNames[] = {
-    "text",          "number",           "whole number",    "true or false",
-    "text or number", "list of texts",    "list of numbers", "list of whole numbers",
-    "list of values", "list of lists of numbers", "object of values", "object of lists",
-    "list of values", "object of lists",  "object",          "list of objects"};
+constexpr std::string_view kKindNames[] = {"text",
+                                           "number",
+                                           "whole number",
+                                           "true or false",
+                                           "text or number",
+                                           "list of texts",
+                                           "list of numbers",
+                                           "list of whole numbers",
+                                           "list of values",
+                                           "list of lists of numbers",
+                                           "object of values",
+                                           "object of lists",
+                                           "list of values",
+                                           "object of lists",
+                                           "object",
+                                           "list of objects"};
 static_assert(std::size(kKindNames) == static_cast<size_t>(Kind::Objects) + 1);
 
 std::string name_of(Kind kind) {
@@ -67,13 +78,14 @@ T& as(void* target) {
 /// What an open bracket or brace holds.
 struct Frame {
   enum class Type : uint8_t { Object, List, Map, Unknown } type;
-  void* target = nullptr;          ///< a record, a list or a map
-  const Shape* shape = nullptr;    ///< of `Object`
-  const Member* member = nullptr;  ///< of `Object`: the one whose value comes; else whose value it is
-  Kind kind = Kind::Object;        ///< of `List` and `Map`
-  uint64_t seen = 0;               ///< of `Object`: the members that were there
-  size_t index = 0;                ///< of `List`: the items so far
-  std::string key = {};            ///< the last one
+  void* target = nullptr;        ///< a record, a list or a map
+  const Shape* shape = nullptr;  ///< of `Object`
+  const Member* member =
+      nullptr;               ///< of `Object`: the one whose value comes; else whose value it is
+  Kind kind = Kind::Object;  ///< of `List` and `Map`
+  uint64_t seen = 0;         ///< of `Object`: the members that were there
+  size_t index = 0;          ///< of `List`: the items so far
+  std::string key = {};      ///< the last one
 };
 
 /// Takes the events of the parser and fills records by their binding tables.
@@ -106,7 +118,9 @@ class Filler : public nlohmann::json_sax<nlohmann::json> {
     frames_.pop_back();
     return after_value();
   }
-  bool parse_error(size_t byte, const std::string&, const nlohmann::detail::exception& what) override;
+  bool parse_error(size_t byte,
+                   const std::string&,
+                   const nlohmann::detail::exception& what) override;
 
  private:
   bool take_number(double number, std::string text) {
@@ -243,9 +257,8 @@ bool Filler::start_object(size_t) {
 bool Filler::start_item_object(const Frame& frame) {
   if (frame.kind != Kind::Objects) return refuse("an object", Kind::Value);
   const Shape& shape = frame.member->shape();
-  return push({.type = Frame::Type::Object,
-               .target = frame.member->append(frame.target),
-               .shape = &shape});
+  return push(
+      {.type = Frame::Type::Object, .target = frame.member->append(frame.target), .shape = &shape});
 }
 
 bool Filler::end_object() {
@@ -319,7 +332,8 @@ bool Filler::start_item_array(const Frame& frame) {
     inner.target = &column;
   } else if (frame.kind == Kind::ListMap) {
     inner.kind = Kind::Values;
-    inner.target = &as<ValueLists>(frame.target).emplace_back(frame.key, std::vector<Value>()).second;
+    inner.target =
+        &as<ValueLists>(frame.target).emplace_back(frame.key, std::vector<Value>()).second;
   } else {
     return refuse("a list", frame.kind == Kind::Objects ? Kind::Object : Kind::Value);
   }
@@ -391,7 +405,8 @@ void Filler::store_item(const Frame& frame, const Scalar& scalar) {
   const Range range = frame.member->range;
   switch (frame.kind) {
     case Kind::Texts:
-      return store_text(*frame.member, scalar, as<std::vector<std::string>>(frame.target).emplace_back());
+      return store_text(*frame.member, scalar,
+                        as<std::vector<std::string>>(frame.target).emplace_back());
     case Kind::Values:
       return store_value(scalar, as<std::vector<Value>>(frame.target).emplace_back());
     case Kind::Counts:
@@ -431,10 +446,11 @@ void Filler::store_text(const Member& member, const Scalar& scalar, std::string&
 }
 
 std::string range_text(Range range) {
-  const std::string ends = range.most > 1e300
-                               ? " of " + number_text(range.least) + " or more"
-                               : " from " + number_text(range.least) + " to " + number_text(range.most);
-  return range.open ? " between " + number_text(range.least) + " and " + number_text(range.most) : ends;
+  const std::string ends =
+      range.most > 1e300 ? " of " + number_text(range.least) + " or more"
+                         : " from " + number_text(range.least) + " to " + number_text(range.most);
+  return range.open ? " between " + number_text(range.least) + " and " + number_text(range.most)
+                    : ends;
 }
 
 void Filler::store_number(Range range, const Scalar& scalar, double& target) {
@@ -472,10 +488,13 @@ std::string reason_of(std::string_view what) {
   return std::string(reason.substr(0, 200));
 }
 
-bool Filler::parse_error(size_t byte, const std::string& token, const nlohmann::detail::exception& what) {
+bool Filler::parse_error(size_t byte,
+                         const std::string& token,
+                         const nlohmann::detail::exception& what) {
   constexpr int kOutOfRange = 406;
   if (what.id == kOutOfRange) {
-    problems_.fail(path() + " is " + in_quotes(token) + ", which is beyond the numbers of a double");
+    problems_.fail(path() + " is " + in_quotes(token) +
+                   ", which is beyond the numbers of a double");
     return false;
   }
   const std::string_view before = text_.substr(0, byte > 0 ? byte - 1 : 0);

@@ -75,7 +75,8 @@ class Reckoner {
 
  private:
   void reckon_test(Estimate& row, const char* of) {
-    if (row.std_error > 0) tally_.fill(row.statistic, row.estimate / row.std_error, "statistic", of);
+    if (row.std_error > 0)
+      tally_.fill(row.statistic, row.estimate / row.std_error, "statistic", of);
     if (exists(row.statistic)) {
       tally_.fill(row.p_value, two_sided_p(row.statistic, row.df), "p.value", of);
     }
@@ -150,7 +151,8 @@ class Reckoner {
     means.tests = overall_tests(*means.contrasts);
     for (OverallTest& test : means.tests) {
       double p = kMissing;
-      tally_.fill(p, upper_p(test.statistic, test.num_df, test.den_df), "overall tests", "contrasts");
+      tally_.fill(p, upper_p(test.statistic, test.num_df, test.den_df), "overall tests",
+                  "contrasts");
       test.p_value = p;
     }
   }

@@ -23,8 +23,8 @@ double upper_p(double statistic, double num_df, double den_df);
 std::vector<double> adjusted(const std::vector<double>& p_values, std::string_view method);
 
 /// Fills in what a fit does not give: t or z, p, bounds and exponentials of the coefficients, of
-/// covariance parameters, of means and of contrasts, adjusted p, overall tests. Gives a sentence for
-/// each kind of number that was reckoned.
+/// covariance parameters, of means and of contrasts, adjusted p, overall tests. Gives a sentence
+/// for each kind of number that was reckoned.
 std::vector<std::string> reckon(Fit& fit);
 
 }  // namespace hierfit::fit

@@ -15,7 +15,9 @@ std::string values_text(const Variable& variable) {
   return text;
 }
 
-std::string count_of(size_t count, const char* things) { return std::to_string(count) + " " + things; }
+std::string count_of(size_t count, const char* things) {
+  return std::to_string(count) + " " + things;
+}
 
 }  // namespace
 
@@ -44,7 +46,9 @@ const Variable* References::factor(const std::string& path, std::string_view nam
   return nullptr;
 }
 
-void References::value(const std::string& path, const Variable& variable, const Value& value) const {
+void References::value(const std::string& path,
+                       const Variable& variable,
+                       const Value& value) const {
   if (variable.values.empty() || variables_.position(variable, value.text)) return;
   fail(path + " is " + in_quotes(value.text) + ", which is no value of " + variable.name +
        "; it has " + values_text(variable));

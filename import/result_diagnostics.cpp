@@ -44,12 +44,13 @@ void write_records(const std::optional<int64_t>& records, XmlWriter& xml) {
 void write_distribution(const Fit& fit, XmlWriter& xml) {
   if (!fit.summaries.target) return;
   const Distribution& target = *fit.summaries.target;
-  const auto data = xml.element("UnivariateData", {{"field", fit.target.variable},
-                                                   {"description", "TargetDistribution"}});
+  const auto data = xml.element(
+      "UnivariateData", {{"field", fit.target.variable}, {"description", "TargetDistribution"}});
   write_records(fit.summaries.records, xml);
   const std::pair<std::string_view, double> statistics[] = {
-      {"mean", target.mean}, {"stdDeviation", target.deviation}, {"shape", target.shape},
-      {"rate", target.rate}, {"r", target.r},                    {"p", target.p}};
+      {"mean", target.mean},   {"stdDeviation", target.deviation},
+      {"shape", target.shape}, {"rate", target.rate},
+      {"r", target.r},         {"p", target.p}};
   write_statistic("mean", target.mean, xml);
   for (const auto& [name, value] : statistics)
     if (name != "mean" && exists(value)) write_statistic(name, value, xml);
@@ -150,9 +151,9 @@ void write_matrix_labels(size_t block, size_t terms, XmlWriter& xml) {
   const auto labels = xml.element("RowColLabels");
   for (size_t term = 0; term < terms; ++term) {
     const auto label = xml.element("Label");
-    xml.leaf("PrintableList", {{"pattern", random_name(term)},
-                               {"isKey", "false"},
-                               {"mapId", std::to_string(block + 1)}});
+    xml.leaf(
+        "PrintableList",
+        {{"pattern", random_name(term)}, {"isKey", "false"}, {"mapId", std::to_string(block + 1)}});
   }
 }
 

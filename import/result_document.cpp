@@ -62,8 +62,7 @@ void write_term(const DesignTerm& term,
       "RegressionParameter", {{"isIntercept", is_intercept ? "true" : "false"}, {"name", name}});
   const TermFields fields = fields_of(term, effects, variables);
   for (const TermCovariate& covariate : fields.covariates) {
-    xml.leaf("Covariate",
-             {{"field", covariate.field}, {"power", std::to_string(covariate.power)}});
+    xml.leaf("Covariate", {{"field", covariate.field}, {"power", std::to_string(covariate.power)}});
   }
   for (const TermFactor& factor : fields.factors) {
     if (factor.is_nested) {

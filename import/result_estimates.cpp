@@ -23,22 +23,21 @@ struct ParameterStats {
 [[nodiscard]] XmlWriter::Element parameter_element(const ParameterStats& row, XmlWriter& xml) {
   const Estimate& estimate = row.estimate;
   const std::string statistic = number_text(estimate.statistic);
-  return xml.element("ParameterStats",
-                     {{"paramName", row.name},
-                      {"paramLabel", row.label},
-                      {"estimate", number_text(estimate.estimate)},
-                      {"stdError", number_text(estimate.std_error)},
-                      {"df", number_text(estimate.df)},
-                      {"confIntervalLower", number_text(estimate.conf_low)},
-                      {"confIntervalUpper", number_text(estimate.conf_high)},
-                      {"tTest", row.is_t ? statistic : ""},
-                      {"zTest", row.is_t ? "" : statistic},
-                      {"sig", number_text(estimate.p_value)},
-                      {"chiSquare", ""},
-                      {"expEstimate", number_text(row.exp)},
-                      {"expCILower", number_text(row.exp_low)},
-                      {"expCIUpper", number_text(row.exp_high)},
-                      {"isRedundant", row.is_redundant ? "true" : "false"}});
+  return xml.element("ParameterStats", {{"paramName", row.name},
+                                        {"paramLabel", row.label},
+                                        {"estimate", number_text(estimate.estimate)},
+                                        {"stdError", number_text(estimate.std_error)},
+                                        {"df", number_text(estimate.df)},
+                                        {"confIntervalLower", number_text(estimate.conf_low)},
+                                        {"confIntervalUpper", number_text(estimate.conf_high)},
+                                        {"tTest", row.is_t ? statistic : ""},
+                                        {"zTest", row.is_t ? "" : statistic},
+                                        {"sig", number_text(estimate.p_value)},
+                                        {"chiSquare", ""},
+                                        {"expEstimate", number_text(row.exp)},
+                                        {"expCILower", number_text(row.exp_low)},
+                                        {"expCIUpper", number_text(row.exp_high)},
+                                        {"isRedundant", row.is_redundant ? "true" : "false"}});
 }
 
 /// The fixed coefficients have a column for t alone; a z goes there, too.
@@ -100,13 +99,15 @@ class FixedWriter {
 };
 
 void write_map_reference(size_t map, size_t term, XmlWriter& xml) {
-  xml.leaf("PrintableList", {{"pattern", random_name(term)},
-                             {"isKey", "false"},
-                             {"mapId", std::to_string(map)}});
+  xml.leaf("PrintableList",
+           {{"pattern", random_name(term)}, {"isKey", "false"}, {"mapId", std::to_string(map)}});
 }
 
 /// The name of a parameter of a block: a known one of its effect or its terms, else its own.
-void write_random_name(const CovarianceParameter& row, const Random& block, size_t map, XmlWriter& xml) {
+void write_random_name(const CovarianceParameter& row,
+                       const Random& block,
+                       size_t map,
+                       XmlWriter& xml) {
   const Word* word = find_word(kRandomParameters, row.parameter);
   const bool is_of_effect = row.parameter == kVariance.name && row.terms.empty();
   if (is_of_effect) {
@@ -116,7 +117,8 @@ void write_random_name(const CovarianceParameter& row, const Random& block, size
     xml.leaf("PrintableList", {{"pattern", std::to_string(effect)}, {"isKey", "false"}});
     return;
   }
-  const std::string_view pattern = word == nullptr ? std::string_view(row.parameter) : word->written;
+  const std::string_view pattern =
+      word == nullptr ? std::string_view(row.parameter) : word->written;
   const auto list = xml.element("PrintableList", {{"pattern", pattern}, {"isKey", "true"}});
   for (const int64_t term : row.terms)
     write_map_reference(map, static_cast<size_t>(term), xml);
@@ -172,8 +174,8 @@ void write_random(const Prepared& prepared, size_t block, XmlWriter& xml) {
         "ParameterEstimates", {{"parameterType", "random"}, {"block", std::to_string(block)}});
     if (!levels.empty()) write_segment(levels, xml);
     for (size_t at = 0; at < rows.size(); ++at) {
-      const std::string label = label_of_parameter(*rows[at], prepared.random[block],
-                                                   random.effects, prepared.variables);
+      const std::string label =
+          label_of_parameter(*rows[at], prepared.random[block], random.effects, prepared.variables);
       const auto element = parameter_element({"G" + std::to_string(at), label, *rows[at]}, xml);
       write_random_name(*rows[at], random, block + 1, xml);
     }

@@ -28,7 +28,8 @@ void write_map(size_t map,
 
 void write_string_maps(const Prepared& prepared, XmlWriter& xml) {
   const Fit& fit = prepared.fit;
-  write_map(kFixedMap, prepared.fixed.terms, &fixed_name, fit.fixed.effects, prepared.variables, xml);
+  write_map(kFixedMap, prepared.fixed.terms, &fixed_name, fit.fixed.effects, prepared.variables,
+            xml);
   for (size_t block = 0; block < fit.random.size(); ++block) {
     write_map(block + 1, prepared.random[block], &random_name, fit.random[block].effects,
               prepared.variables, xml);

@@ -105,8 +105,8 @@ void write_contrasts(const Means& means, const Fit& fit, XmlWriter& xml) {
   const double level = contrasts.significance_level;
   write_statistic("adjustedSigLevel", exists(level) ? level : 1 - fit.conf_level, xml);
   {
-    const auto group = xml.element(
-        "CoordinatesGroup", {{"description", written(kContrastKinds, contrasts.type)}});
+    const auto group =
+        xml.element("CoordinatesGroup", {{"description", written(kContrastKinds, contrasts.type)}});
     std::vector<std::string> others = means.fields;
     std::erase(others, contrasts.compare);
     write_fields(contrasts.rows, others, xml);
