@@ -2,6 +2,7 @@
 
 #include "app/job.h"
 #include "embedded/files/whole_file.h"
+#include "import/pair_check.h"
 
 namespace hierfit::app {
 namespace {
@@ -30,6 +31,15 @@ SessionInput inputs_of_pair(const Pair& pair) {
   input.statxml_name = name_of(pair.result);
   input.statxml = read_whole_file(pair.result);
   return input;
+}
+
+/// A pair of documents is never refused here; what cannot be read, its reader tells.
+void check_pair(const Pair& pair, const SessionInput& input, Remarks& remarks) {
+  fit::Problems of_model;
+  fit::Problems of_result;
+  fit::check_pair(input.pmml, input.statxml, input.dictionary.value_or(""), of_model, of_result);
+  take_problems(of_model, pair.model, remarks);
+  take_problems(of_result, pair.result, remarks);
 }
 
 }  // namespace
@@ -68,6 +78,7 @@ SessionInput read_inputs(const Pair& pair, Remarks& remarks) {
     input.dictionary_name = name_of(pair.dictionary);
     input.dictionary = read_whole_file(pair.dictionary);
   }
+  if (pair.fit.empty()) check_pair(pair, input, remarks);
   return input;
 }
 

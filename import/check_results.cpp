@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "import/check_fit.h"
+#include "import/column.h"
 #include "import/references.h"
 #include "import/words.h"
 
@@ -109,8 +110,29 @@ class ResultCheck {
                     suggestion(column.name, variables_.names()));
       }
       check_length("data.columns." + column.name, column.size(), first);
+      check_values(column);
     }
     if (data.predicted.size() > 0) check_length("data.predicted", data.predicted.size(), first);
+  }
+
+  /// A factor has values of its own, any other variable has numbers. Finds the first that is
+  /// neither.
+  void check_values(const Column& column) {
+    const Variable* variable = variables_.find(column.name);
+    if (variable == nullptr) return;
+    const std::string path = "data.columns." + column.name;
+    const bool has_values = is_factor(*variable) && !variable->values.empty();
+    if (!has_values && type_of(*variable) == "string") return;
+    const std::vector<int32_t> positions = positions_in(variable->values, column);
+    for (size_t record = 0; record < column.size(); ++record) {
+      const bool is_text = !column.codes.empty() && column.codes[record] >= 0;
+      const bool is_missing = !is_text && !exists(column.numbers[record]);
+      if (is_missing || (has_values ? positions[record] >= 0 : !is_text)) continue;
+      const Value value = {text_at(column, record)};
+      if (has_values) return refer_.value(item(path, record), *variable, value);
+      return refer_.fail(item(path, record) + " is " + in_quotes(value.text) +
+                         ", which is no number");
+    }
   }
 
   void check_length(const std::string& path, size_t length, const Column& first) {

@@ -39,6 +39,10 @@ void add_text(Column& column, const std::string& text) {
   column.codes.push_back(entry->second);
 }
 
+bool holds_texts_only(const Column& column) {
+  return !column.texts.empty() && std::ranges::none_of(column.numbers, exists);
+}
+
 const Column* find_column(const Data& data, std::string_view name) {
   const auto column = std::ranges::find(data.columns, name, &Column::name);
   return column == data.columns.end() ? nullptr : &*column;

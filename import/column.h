@@ -14,6 +14,9 @@ void add_number(Column& column, double number);
 /// Each text is kept once.
 void add_text(Column& column, const std::string& text);
 
+/// Whether every value is a text; none at all is none.
+bool holds_texts_only(const Column& column);
+
 /// The column of that name, or null.
 const Column* find_column(const Data& data, std::string_view name);
 

@@ -11,8 +11,8 @@ constexpr double kMostCounted = 1000;
 /// How far beyond an edge, as a share of a bin, a number still counts as on it.
 constexpr double kEdge = 1e-7;
 
-/// A width of 1, 2 or 5 times a power of ten, such that the range has about so many bins. Wider ones
-/// are taken a little too early, as statisticians like fewer bins.
+/// A width of 1, 2 or 5 times a power of ten, such that the range has about so many bins. Wider
+/// ones are taken a little too early, as statisticians like fewer bins.
 double round_width(double range, double bins) {
   constexpr double kWiden = 1.5;
   constexpr double kWidenMore = 0.5 + 1.5 * kWiden;

@@ -49,11 +49,29 @@ void write_variable(const Variable& variable, XmlWriter& xml) {
     xml.leaf("Value", {{"value", value}, {"displayValue", label.text}});
 }
 
-void write_dictionary(const Fit& fit, XmlWriter& xml) {
-  const auto dictionary =
-      xml.element("DataDictionary", {{"numberOfFields", std::to_string(fit.variables.size())}});
-  for (const Variable& variable : fit.variables)
+/// The columns that coefficients stand for as fitted; they are no variables of the model.
+std::vector<std::string_view> columns_as_fitted(const Prepared& prepared) {
+  std::vector<std::string_view> columns;
+  for (const DesignTerm& term : prepared.fixed.terms) {
+    const bool is_new =
+        !term.as_fitted.empty() && prepared.variables.find(term.as_fitted) == nullptr;
+    if (is_new) columns.push_back(term.as_fitted);
+  }
+  std::ranges::sort(columns);
+  const auto [first, last] = std::ranges::unique(columns);
+  columns.erase(first, last);
+  return columns;
+}
+
+void write_dictionary(const Prepared& prepared, XmlWriter& xml) {
+  const std::vector<Variable>& variables = prepared.fit.variables;
+  const std::vector<std::string_view> columns = columns_as_fitted(prepared);
+  const std::string count = std::to_string(variables.size() + columns.size());
+  const auto dictionary = xml.element("DataDictionary", {{"numberOfFields", count}});
+  for (const Variable& variable : variables)
     write_variable(variable, xml);
+  for (const std::string_view column : columns)
+    xml.leaf("DataField", {{"name", column}, {"optype", "continuous"}, {"dataType", "double"}});
 }
 
 void write_schema(const Fit& fit, XmlWriter& xml) {
@@ -137,7 +155,7 @@ std::string model_document(const Prepared& prepared) {
     const auto root =
         xml.element("PMML", {{"version", "4.4"}, {"xmlns", "http://www.dmg.org/PMML-4_4"}});
     write_header(fit, xml);
-    write_dictionary(fit, xml);
+    write_dictionary(prepared, xml);
     const auto model =
         xml.element("GeneralRegressionModel",
                     {{"targetVariableName", fit.target.variable},

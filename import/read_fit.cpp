@@ -6,6 +6,7 @@
 #include <set>
 
 #include "import/column.h"
+#include "import/kind_of_file.h"
 #include "import/member.h"
 #include "import/number_text.h"
 
@@ -438,8 +439,9 @@ void Filler::store_text(const Member& member, const Scalar& scalar, std::string&
   }
   if (!member.words.empty() && find_word(member.words, scalar.text) == nullptr) {
     const auto names = names_of(member.words);
-    fail("is " + scalar.shown() + ", which is none of " + listed(names) +
-         suggestion(scalar.text, names));
+    const std::string wanted =
+        names.size() == 1 ? "not " + std::string(names[0]) : "none of " + listed(names);
+    fail("is " + scalar.shown() + ", which is " + wanted + suggestion(scalar.text, names));
     return;
   }
   target = scalar.text;
@@ -509,6 +511,11 @@ bool Filler::parse_error(size_t byte,
 
 Fit read_fit(std::string_view text, Problems& problems) {
   Fit fit;
+  const std::string_view kind = kind_of_file(text);
+  if (!kind.empty() && kind != kJsonDocument) {
+    problems.fail("this is " + std::string(kind) + ", and no fit document");
+    return fit;
+  }
   Filler filler(text, fit, problems);
   nlohmann::json::sax_parse(text.begin(), text.end(), &filler);
   return fit;

@@ -192,22 +192,40 @@ class Summariser {
     fit_.counts.common_subjects = static_cast<int64_t>(subjects.size());
   }
 
+  /// The columns that the first subject shows.
+  std::vector<const Column*> shown_columns(std::vector<const Column*> subjects) const {
+    if (trials_ != nullptr) subjects.push_back(trials_);
+    for (const std::string& name : fit_.residual.repeated) {
+      const Column* column = find_column(fit_.data, name);
+      if (column != nullptr) subjects.push_back(column);
+    }
+    return subjects;
+  }
+
+  /// The records that have all that is shown.
+  std::vector<size_t> whole_records(const std::vector<const Column*>& columns) const {
+    std::vector<size_t> records;
+    for (size_t record = 0; record < numbers_.size(); ++record) {
+      const bool is_whole =
+          exists(numbers_[record]) && std::ranges::none_of(columns, [&](const Column* column) {
+            return text_at(*column, record).empty();
+          });
+      if (is_whole) records.push_back(record);
+    }
+    return records;
+  }
+
   void take_first_subject(const std::vector<const Column*>& fields) {
-    const auto start = std::ranges::find_if(numbers_, exists) - numbers_.begin();
-    const auto first_record = static_cast<size_t>(start);
-    if (first_record == numbers_.size()) return;
+    std::vector<size_t> records = whole_records(shown_columns(fields));
+    if (records.empty()) return;
+    const std::string key = key_of(fields, records[0]);
+    std::erase_if(records, [&](size_t record) { return key_of(fields, record) != key; });
+
     FirstSubject& first = summaries_.first_subject.emplace();
     for (const Column* field : fields)
-      first.subject.emplace_back(field->name, Value{text_at(*field, first_record)});
-    std::vector<size_t> records;
-    int64_t count = 0;
-    const std::string key = key_of(fields, first_record);
-    for (size_t record = first_record; record < numbers_.size(); ++record) {
-      if (!exists(numbers_[record]) || key_of(fields, record) != key) continue;
-      ++count;
-      if (records.size() < kShownRecords) records.push_back(record);
-    }
-    first.records = count;
+      first.subject.emplace_back(field->name, Value{text_at(*field, records[0])});
+    first.records = static_cast<int64_t>(records.size());
+    records.resize(std::min(records.size(), kShownRecords));
     first.target = values_at(*target_, records);
     if (trials_ != nullptr) first.trials = values_at(*trials_, records);
     for (const std::string& name : fit_.residual.repeated) {
@@ -240,8 +258,9 @@ void state_values(Fit& fit) {
     if (!variable.values.empty()) continue;
     const Column* column = find_column(fit.data, variable.name);
     if (column == nullptr || variable.level == "scale" || variable.level == "continuous") continue;
-    const bool has_level = !variable.level.empty();
-    if (has_level || !column->texts.empty()) variable.values = distinct_values(*column);
+    if (!variable.level.empty() || holds_texts_only(*column)) {
+      variable.values = distinct_values(*column);
+    }
   }
 }
 

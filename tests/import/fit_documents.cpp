@@ -82,6 +82,49 @@ nlohmann::ordered_json small_fit() {
   })json");
 }
 
+nlohmann::ordered_json nominal_fit() {
+  nlohmann::ordered_json fit = small_fit();
+  fit["variables"][0]["values"] = {"low", "mid", "high"};
+  fit["distribution"] = "nominal";
+  fit["link"] = "logit";
+  fit["target"]["reference"] = "low";
+  fit.erase("means");
+  fit["random"][0]["parameters"][0]["levels"] = {{"y", "mid"}};
+  fit["random"][0]["covariances"][0]["levels"] = {{"y", "mid"}};
+  const nlohmann::ordered_json rows = fit["coefficients"];
+  fit["coefficients"] = nlohmann::ordered_json::array();
+  for (const char* category : {"mid", "high"}) {
+    for (nlohmann::ordered_json row : rows) {
+      row["y.level"] = category;
+      fit["coefficients"].push_back(row);
+    }
+  }
+  fit["data"]["columns"]["y"] = {"low", "mid", "high", "low", "mid", "high"};
+  fit["data"]["predicted"] = {"low", "low", "high", "low", "mid", "mid"};
+  return fit;
+}
+
+nlohmann::ordered_json ordinal_fit() {
+  nlohmann::ordered_json fit = nominal_fit();
+  fit["distribution"] = "ordinal";
+  fit["random"] = small_fit()["random"];
+  fit["coefficients"] = small_fit()["coefficients"];
+  fit["coefficients"][0]["threshold"] = "low";
+  fit["coefficients"].push_back({{"threshold", "mid"}, {"estimate", 6}, {"std.error", 0.5}});
+  return fit;
+}
+
+nlohmann::ordered_json events_fit() {
+  nlohmann::ordered_json fit = small_fit();
+  fit["variables"].push_back({{"name", "n"}, {"type", "integer"}});
+  fit["target"]["trials"] = "n";
+  fit["distribution"] = "binomial";
+  fit["link"] = "logit";
+  fit["data"]["columns"]["n"] = {8, 8, 8, 8, 8, 8};
+  fit["residual"]["repeated"] = {"x"};
+  return fit;
+}
+
 std::string Imported::said() const {
   std::string text;
   for (const fit::Problem& problem : problems.list()) {

@@ -14,6 +14,11 @@ namespace hierfit::test {
 std::string example_fit(const std::string& name);
 /// A small whole fit: y by the factor g and the covariate x, a random intercept of s, means of g.
 nlohmann::ordered_json small_fit();
+/// The same with a target of three categories (nominal, or ordinal with thresholds), and with
+/// events of trials.
+nlohmann::ordered_json nominal_fit();
+nlohmann::ordered_json ordinal_fit();
+nlohmann::ordered_json events_fit();
 
 /// What an import came to.
 struct Imported {
