@@ -18,7 +18,9 @@ constexpr Beginning kBytes[] = {
     {"\xD0\xCF\x11\xE0", "a spreadsheet or another office file of the older kind"},
     {"\x1F\x8B", "an R object or another compressed file"},
     {"BZh", "an R object or another compressed file"},
-    {"\xFD" "7zXZ", "an R object or another compressed file"},
+    {"\xFD"
+     "7zXZ",
+     "an R object or another compressed file"},
     {"RDX2\n", "an R object"},
     {"RDX3\n", "an R object"},
     {"RDA2\n", "an R object"},
@@ -31,9 +33,12 @@ constexpr Beginning kBytes[] = {
 
 /// What stands first in a text, in small letters.
 constexpr Beginning kTexts[] = {
-    {"<!doctype html", "a web page"}, {"<html", "a web page"},
-    {"<?xml", kXmlDocument},          {"<pmml", kXmlDocument},
-    {"<statxml", kXmlDocument},       {"{", kJsonDocument},
+    {"<!doctype html", "a web page"},
+    {"<html", "a web page"},
+    {"<?xml", kXmlDocument},
+    {"<pmml", kXmlDocument},
+    {"<statxml", kXmlDocument},
+    {"{", kJsonDocument},
     {"[", kJsonDocument},
 };
 

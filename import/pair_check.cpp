@@ -211,7 +211,8 @@ void collect_result(const std::vector<OpenElement>& open, Findings& result) {
   const OpenElement& element = open.back();
   const std::string* name = element.attribute("name");
   const std::string* value = element.attribute("value");
-  if (element.name == "Parameter" && name != nullptr && value != nullptr && *name == "TargetField") {
+  if (element.name == "Parameter" && name != nullptr && value != nullptr &&
+      *name == "TargetField") {
     result.target = *value;
   }
   if (element.name != "ParameterStats" || open.size() < 2) return;
@@ -227,8 +228,9 @@ bool differ(double a, double b) {
 
 void compare(const Findings& model, const Findings& result, Problems& problems) {
   if (!model.target.empty() && !result.target.empty() && model.target != result.target) {
-    problems.warn("the target is " + in_quotes(result.target) + ", and that of the model document " +
-                  in_quotes(model.target) + "; do the two belong together?");
+    problems.warn("the target is " + in_quotes(result.target) +
+                  ", and that of the model document " + in_quotes(model.target) +
+                  "; do the two belong together?");
   }
   if (model.has_categories) return;
   for (const auto& [name, estimate] : result.coefficients) {
@@ -256,7 +258,8 @@ void add_dictionary_fields(const nlohmann::json& root, std::unordered_set<std::s
   add_fields_of(root, fields);
   if (!root.is_object() || !root.contains("resources") || !root["resources"].is_array()) return;
   for (const nlohmann::json& resource : root["resources"])
-    if (resource.is_object() && resource.contains("schema")) add_fields_of(resource["schema"], fields);
+    if (resource.is_object() && resource.contains("schema"))
+      add_fields_of(resource["schema"], fields);
 }
 
 void warn_of_kind(std::string_view text, const char* wanted, Problems& problems) {
@@ -293,22 +296,22 @@ void check_pair(std::string_view model,
                    .text = {},
                    .text_of = {}});
   if (of_model.root == kResultRoot) {
-    model_problems.warn("this is a result document, where a model document is meant; were the two "
-                        "swapped?");
+    model_problems.warn(
+        "this is a result document, where a model document is meant; were the two "
+        "swapped?");
     return;
   }
   FactCheck result_check(result_facts(), of_model.fields, result_problems);
-  walk_xml(result, {.start =
-                        [&](const auto& open, size_t line, size_t column) {
-                          take_root(open, of_result);
-                          collect_result(open, of_result);
-                          if (of_result.root != kModelRoot) result_check.check(open, line, column);
-                        },
-                    .text =
-                        [&](const auto& open, std::string_view text, size_t line, size_t column) {
-                          result_check.check_array(open, text, line, column);
-                        },
-                    .text_of = "Array"});
+  walk_xml(result,
+           {.start =
+                [&](const auto& open, size_t line, size_t column) {
+                  take_root(open, of_result);
+                  collect_result(open, of_result);
+                  if (of_result.root != kModelRoot) result_check.check(open, line, column);
+                },
+            .text = [&](const auto& open, std::string_view text, size_t line,
+                        size_t column) { result_check.check_array(open, text, line, column); },
+            .text_of = "Array"});
   if (of_result.root == kModelRoot) {
     result_problems.warn("this is a model document, where a result document is meant");
     return;

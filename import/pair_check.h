@@ -9,9 +9,9 @@
 namespace hierfit::fit {
 
 /// Warns of words that are none of their list, fields that the model document and the dictionary do
-/// not have, texts where numbers are meant, documents that do not belong together or are swapped, and
-/// files that are something else. A document that is no XML is left to its reader. `dictionary` is a
-/// Table Schema, or empty.
+/// not have, texts where numbers are meant, documents that do not belong together or are swapped,
+/// and files that are something else. A document that is no XML is left to its reader. `dictionary`
+/// is a Table Schema, or empty.
 void check_pair(std::string_view model,
                 std::string_view result,
                 std::string_view dictionary,

@@ -66,6 +66,7 @@ class Summariser {
 
  private:
   bool is_categorical() const { return !categories_.empty(); }
+  bool counts_events() const { return !fit_.target.trials.empty() || fit_.target.trials_constant; }
   bool has_trials() const { return trials_ != nullptr || fit_.target.trials_constant; }
 
   void read_target() {
@@ -112,7 +113,7 @@ class Summariser {
         ++bins.counts[static_cast<size_t>(position) - 1];
       return bins;
     }
-    const bool counts = distribution_ == "POISSON" || distribution_ == "NEGBIN" || has_trials();
+    const bool counts = distribution_ == "POISSON" || distribution_ == "NEGBIN" || counts_events();
     if (counts) bins = count_bins(observed_);
     return bins.counts.empty() ? round_bins(observed_) : bins;
   }

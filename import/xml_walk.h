@@ -24,10 +24,8 @@ struct XmlVisitor {
   /// An element that begins; it is the last of those that are open.
   std::function<void(const std::vector<OpenElement>& open, size_t line, size_t column)> start;
   /// The text of an element without children, as it ends.
-  std::function<void(const std::vector<OpenElement>& open,
-                     std::string_view text,
-                     size_t line,
-                     size_t column)>
+  std::function<void(
+      const std::vector<OpenElement>& open, std::string_view text, size_t line, size_t column)>
       text;
   std::string_view text_of;  ///< the only element whose text is wanted
 };

@@ -1,5 +1,8 @@
 // The shipped fits come to the reports of the shipped pairs.
+#include <algorithm>
 #include <doctest/doctest.h>
+#include <fstream>
+#include <iterator>
 
 #include "report/report.h"
 #include "tests/import/fit_documents.h"
@@ -28,4 +31,20 @@ TEST_CASE("a fit comes to the report of its pair, to the last bit") {
     CHECK(own.charts.size() > 1);
     CHECK(own.journal == pair.journal);
   }
+}
+
+TEST_CASE("the small fit of the manual comes to a report") {
+  std::ifstream file(HIERFIT_SOURCE_DIR "/docs/fit.md", std::ios::binary);
+  const std::string page{std::istreambuf_iterator<char>(file), {}};
+  const size_t start = page.find("```json\n") + 8;
+  const std::string text = page.substr(start, page.find("```", start) - start);
+  CHECK(std::count(text.begin(), text.end(), '\n') < 60);
+  const Imported imported = import_text(text);
+  CHECK(imported.said() == "");
+  const TableRun run = imported.run();
+  REQUIRE(run.reads);
+  CHECK(run.cell("FixedCoefficients", {"Type=T2", "t"}) == "7.497");
+  CHECK(run.cell("FixedCoefficients", {"Type=T1", "Coefficient"}) == "0");
+  REQUIRE(run.table("Contrasts") != nullptr);
+  CHECK(run.charts.size() > 3);
 }

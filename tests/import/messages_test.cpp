@@ -33,7 +33,8 @@ TEST_CASE("an error names the member of a fit, what stands there and what may") 
        "error: coefficients[0].p.value is a list, which is no number\n"},
       {"/conf.level", "95", "error: conf.level is 95, which is no number between 0 and 1\n"},
       {"/distribution", R"("gausian")",
-       "error: distribution is \"gausian\", which is none of normal, gaussian, binomial, bernoulli, "
+       "error: distribution is \"gausian\", which is none of normal, gaussian, binomial, "
+       "bernoulli, "
        "poisson, negative binomial, negbin, nbinom, gamma, Gamma, inverse gaussian, "
        "inverse.gaussian, nominal, multinomial, ordinal, cumulative or other; did you mean "
        "gaussian?\n"},
@@ -63,8 +64,7 @@ TEST_CASE("an error names the member of a fit, what stands there and what may") 
        "error: means[0].rows[1].levels lacks the level of g\n"},
       {"/data/columns/x", "[1, 2]",
        "error: data.columns.x has 2 values, and data.columns.y has 6\n"},
-      {"/data/columns/x/4", R"("NA")",
-       "error: data.columns.x[4] is \"NA\", which is no number\n"},
+      {"/data/columns/x/4", R"("NA")", "error: data.columns.x[4] is \"NA\", which is no number\n"},
       {"/data/columns/g/4", R"("NA")",
        "error: data.columns.g[4] is \"NA\", which is no value of g; it has a, b, c\n"},
       {"/target/trials", R"("x")",

@@ -68,9 +68,10 @@ void check_end(const std::string& text) {
 }  // namespace
 
 TEST_CASE("a fit with one member spoilt comes to a report or to a message") {
-  const char* values[] = {"null", "true",  "\"\"",   "\"NA\"", "-1",         "0",  "0.5",
-                          "7",    "1e308", "-1e308", "5e-324", "2147483648", "[]", "{}",
-                          "[[]]", "[null]", "[\"b\", \"b\"]", "{\"g\": \"b\"}"};
+  const char* values[] = {
+      "null", "true",   "\"\"",           "\"NA\"",        "-1",         "0",  "0.5",
+      "7",    "1e308",  "-1e308",         "5e-324",        "2147483648", "[]", "{}",
+      "[[]]", "[null]", "[\"b\", \"b\"]", "{\"g\": \"b\"}"};
   for (const ordered_json& whole : {small_fit(), nominal_fit(), ordinal_fit(), events_fit()}) {
     CAPTURE(whole["distribution"].dump());
     CHECK(import_json(whole).said() == "");
@@ -92,8 +93,10 @@ TEST_CASE("a fit with one member spoilt comes to a report or to a message") {
 }
 
 TEST_CASE("a member that stands twice is refused") {
-  const std::string text = text_with_twice(small_fit(), Pointer("/coefficients/3/estimate"), Pointer());
+  const std::string text =
+      text_with_twice(small_fit(), Pointer("/coefficients/3/estimate"), Pointer());
   CHECK(import_text(text).said() == "error: coefficients[3] has the member estimate twice\n");
-  const std::string levels = text_with_twice(small_fit(), Pointer("/coefficients/1/levels/g"), Pointer());
+  const std::string levels =
+      text_with_twice(small_fit(), Pointer("/coefficients/1/levels/g"), Pointer());
   CHECK(import_text(levels).said() == "error: coefficients[1].levels has the member g twice\n");
 }
