@@ -1,7 +1,8 @@
 // What is odd about two documents.
+#include "import/pair_check.h"
+
 #include <doctest/doctest.h>
 
-#include "import/pair_check.h"
 #include "tests/import/fit_documents.h"
 
 namespace {
@@ -18,7 +19,8 @@ std::string said_of(const std::string& model,
   std::string said;
   for (const fit::Problems* problems : {&of_model, &of_result}) {
     for (const fit::Problem& problem : problems->list())
-      said += (problem.line > 0 ? std::to_string(problem.line) + ": " : "") + problem.sentence + "\n";
+      said +=
+          (problem.line > 0 ? std::to_string(problem.line) + ": " : "") + problem.sentence + "\n";
   }
   return said;
 }
@@ -45,7 +47,8 @@ TEST_CASE("one odd value in a pair is told with its line") {
   const DocumentFiles files = example_files("cbpp");
   const Change changes[] = {
       {"\"BINOMIAL\"", "\"binomial\"",
-       "7: Parameter DistributionOfTarget is \"binomial\", which is none of BINOMIAL, GAMMA, IGAUSS, "
+       "7: Parameter DistributionOfTarget is \"binomial\", which is none of BINOMIAL, GAMMA, "
+       "IGAUSS, "
        "NOMINAL, ORDINAL, NEGBIN, NORMAL or POISSON; reports show it as unknown; did you mean "
        "BINOMIAL?\n"},
       {"\"CIn\" value=\"0.95\"", "\"CIn\" value=\"95\"",
@@ -55,7 +58,8 @@ TEST_CASE("one odd value in a pair is told with its line") {
       {"stdError=\"0.23121404809946314\"", "stdError=\"NA\"",
        "314: the stdError of ParameterStats is \"NA\", which is no number; it counts as missing\n"},
       {"fieldName=\"herd\"", "fieldName=\"herds\"",
-       "194: the fieldName of FieldInfo is \"herds\", a field that the model document does not have; "
+       "194: the fieldName of FieldInfo is \"herds\", a field that the model document does not "
+       "have; "
        "did you mean herd?\n"},
       {"real\">22 13", "real\">22 x13",
        "169: item 2 of the Array is \"x13\", which is no number; it counts as missing\n"},
@@ -78,14 +82,15 @@ TEST_CASE("one odd value in a pair is told with its line") {
 TEST_CASE("documents of two models, swapped ones and other files are told apart") {
   const DocumentFiles cbpp = example_files("cbpp");
   const DocumentFiles sleepstudy = example_files("sleepstudy");
-  CHECK(said_of(sleepstudy.model, cbpp.result).find("the target is \"incidence\", and that of the "
-                                                    "model document \"Reaction\"; do the two") !=
-        std::string::npos);
+  CHECK(said_of(sleepstudy.model, cbpp.result)
+            .find("the target is \"incidence\", and that of the "
+                  "model document \"Reaction\"; do the two") != std::string::npos);
   CHECK(said_of(cbpp.result, cbpp.model) ==
         "this is a result document, where a model document is meant; were the two swapped?\n");
   CHECK(said_of(cbpp.model, cbpp.model) ==
         "this is a model document, where a result document is meant\n");
-  CHECK(said_of(cbpp.model, "<html><body/></html>") == "this is a web page, and no result document\n");
+  CHECK(said_of(cbpp.model, "<html><body/></html>") ==
+        "this is a web page, and no result document\n");
   CHECK(said_of("\x1F\x8B", cbpp.result).find("an R object or another compressed file") !=
         std::string::npos);
 }
@@ -96,7 +101,8 @@ TEST_CASE("a field of the dictionary is a field; each unknown one is told once")
   for (size_t at; (at = result.find("\"period\"")) != std::string::npos;)
     result.replace(at, 8, "\"phase_of_year\"");
   const std::string said = said_of(files.model, result);
-  CHECK(said == "16: Value of Fields is \"phase_of_year\", a field that the model document does not "
-                "have\n");
+  CHECK(said ==
+        "16: Value of Fields is \"phase_of_year\", a field that the model document does not "
+        "have\n");
   CHECK(said_of(files.model, result, R"({"fields": [{"name": "phase_of_year"}]})") == "");
 }

@@ -1,4 +1,6 @@
 // What the import works out, against the numbers that other programs published for the same fits.
+#include "import/reckon.h"
+
 #include <cmath>
 #include <doctest/doctest.h>
 #include <fstream>
@@ -7,7 +9,6 @@
 #include "import/overall_test.h"
 #include "import/prepared.h"
 #include "import/read_fit.h"
-#include "import/reckon.h"
 #include "tests/import/fit_documents.h"
 
 namespace {
@@ -73,7 +74,8 @@ TEST_CASE("t, p, bounds and exponentials are those that the source publishes") {
       CHECK(near(own.exp_high, published.exp_high));
     }
     for (size_t at = 0; at < both.published.tests.effects.size(); ++at) {
-      CHECK(near(both.reckoned.tests.effects[at].p_value, both.published.tests.effects[at].p_value));
+      CHECK(
+          near(both.reckoned.tests.effects[at].p_value, both.published.tests.effects[at].p_value));
     }
   }
 }
@@ -160,7 +162,8 @@ TEST_CASE("an overall test of contrasts is the F test of the factor") {
 
 TEST_CASE("overall tests are made for each of the other levels, and not beside given ones") {
   nlohmann::ordered_json fit = small_fit();
-  CHECK(import_json(fit).documents->result.find("description=\"overallTest\"") != std::string::npos);
+  CHECK(import_json(fit).documents->result.find("description=\"overallTest\"") !=
+        std::string::npos);
   nlohmann::ordered_json& means = fit["means"][0];
   means["tests"] = {{{"statistic", 99.5}, {"num.df", 2}, {"den.df", 20}}};
   const std::string result = import_json(fit).documents->result;
