@@ -18,7 +18,10 @@ class Run::Hands : public CFProcCustom {
   bool GenerateDocumentOutput(const std::string&, const StatXMLBlock&) override { return true; }
 };
 
-Run::Run(std::string statxml) : pmml_(model_document()), statxml_(std::move(statxml)) {
+Run::Run(std::string statxml) : Run(std::move(statxml), model_document()) {}
+
+Run::Run(std::string statxml, std::string pmml)
+    : pmml_(std::move(pmml)), statxml_(std::move(statxml)) {
   session_ = std::make_unique<Session>(SessionInput{.pmml_name = "model.pmml",
                                                     .pmml = pmml_,
                                                     .statxml_name = "result.xml",

@@ -9,10 +9,11 @@
 
 namespace hierfit::bench {
 
-/// A session with the benchmarks' model document, and a store.
+/// A session with a model document, else that of the benchmarks, and a store.
 class Run {
  public:
   explicit Run(std::string statxml);
+  Run(std::string statxml, std::string pmml);
   ~Run();
 
   /// Reads both documents into a fresh store.

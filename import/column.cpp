@@ -18,8 +18,7 @@ std::vector<double> distinct_numbers(const Column& column) {
   for (const double number : column.numbers)
     if (exists(number)) numbers.push_back(number);
   std::ranges::sort(numbers);
-  const auto [first, last] = std::ranges::unique(numbers);
-  numbers.erase(first, last);
+  numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
   return numbers;
 }
 

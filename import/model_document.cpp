@@ -58,8 +58,7 @@ std::vector<std::string_view> columns_as_fitted(const Prepared& prepared) {
     if (is_new) columns.push_back(term.as_fitted);
   }
   std::ranges::sort(columns);
-  const auto [first, last] = std::ranges::unique(columns);
-  columns.erase(first, last);
+  columns.erase(std::unique(columns.begin(), columns.end()), columns.end());
   return columns;
 }
 

@@ -45,8 +45,7 @@ class Side {
  public:
   explicit Side(std::vector<double> values) : values_(std::move(values)) {
     std::ranges::sort(values_);
-    const auto [first, last] = std::ranges::unique(values_);
-    values_.erase(first, last);
+    values_.erase(std::unique(values_.begin(), values_.end()), values_.end());
   }
 
   size_t cell_of(double value) const {

@@ -77,13 +77,27 @@ class Reckoner {
   void reckon_test(Estimate& row, const char* of) {
     if (row.std_error > 0)
       tally_.fill(row.statistic, row.estimate / row.std_error, "statistic", of);
-    if (exists(row.statistic)) {
+    if (exists(row.statistic) && !exists(row.p_value)) {
       tally_.fill(row.p_value, two_sided_p(row.statistic, row.df), "p.value", of);
     }
   }
 
+  /// Rows often share their degrees of freedom, and a quantile is dear.
+  double remembered_reach(double level, double df) {
+    const bool has_same_df = df == reach_df_ || (!exists(df) && !exists(reach_df_));
+    const bool is_same = level == reach_level_ && has_same_df;
+    if (!is_same) {
+      reach_ = reach_of(level, df);
+      reach_level_ = level;
+      reach_df_ = df;
+    }
+    return reach_;
+  }
+
   void reckon_bounds(Estimate& row, double level, const char* of) {
-    const double reach = reach_of(level, row.df) * row.std_error;
+    if (exists(row.conf_low) && exists(row.conf_high)) return;
+    if (!exists(row.std_error)) return;
+    const double reach = remembered_reach(level, row.df) * row.std_error;
     tally_.fill(row.conf_low, row.estimate - reach, "conf.low", of);
     tally_.fill(row.conf_high, row.estimate + reach, "conf.high", of);
   }
@@ -174,6 +188,9 @@ class Reckoner {
 
   Fit& fit_;
   double level_;
+  double reach_ = kMissing;
+  double reach_level_ = kMissing;
+  double reach_df_ = kMissing;
   Tally tally_;
 };
 

@@ -14,39 +14,41 @@ size_t noncharacter_bytes(std::string_view text) {
   return text.starts_with("\xEF\xBF\xBE") || text.starts_with("\xEF\xBF\xBF") ? 3 : 0;
 }
 
-void append_escaped(std::string& out, std::string_view text) {
-  for (size_t at = 0; at < text.size(); ++at) {
-    const char c = text[at];
-    switch (c) {
-      case '&':
-        out += "&amp;";
-        break;
-      case '<':
-        out += "&lt;";
-        break;
-      case '>':
-        out += "&gt;";
-        break;
-      case '"':
-        out += "&quot;";
-        break;
-      case '\t':
-        out += "&#9;";
-        break;
-      case '\n':
-        out += "&#10;";
-        break;
-      case '\r':
-        out += "&#13;";
-        break;
-      default:
-        if (const size_t bytes = noncharacter_bytes(text.substr(at)); bytes > 0) {
-          at += bytes - 1;
-        } else if (static_cast<unsigned char>(c) >= 0x20) {
-          out += c;
-        }
-    }
+/// How a character stands in XML; null for one that stands as it is, empty for one that cannot.
+const char* escape_of(char c) {
+  switch (c) {
+    case '&':
+      return "&amp;";
+    case '<':
+      return "&lt;";
+    case '>':
+      return "&gt;";
+    case '"':
+      return "&quot;";
+    case '\t':
+      return "&#9;";
+    case '\n':
+      return "&#10;";
+    case '\r':
+      return "&#13;";
+    default:
+      return static_cast<unsigned char>(c) < 0x20 ? "" : nullptr;
   }
+}
+
+void append_escaped(std::string& out, std::string_view text) {
+  size_t plain = 0;
+  for (size_t at = 0; at < text.size(); ++at) {
+    const char* escape = escape_of(text[at]);
+    const bool may_be_none = text[at] == '\xEF';
+    const size_t none = may_be_none ? noncharacter_bytes(text.substr(at)) : 0;
+    if (escape == nullptr && none == 0) continue;
+    out += text.substr(plain, at - plain);
+    if (escape != nullptr) out += escape;
+    if (none > 0) at += none - 1;
+    plain = at + 1;
+  }
+  out += text.substr(plain);
 }
 
 void append_item(std::string& out, std::string_view text) {
