@@ -26,7 +26,8 @@ std::string document(const std::string& levels, const std::string& parts) {
   return R"({"hierfit": "hierfit-fit-1", "variables": [{"name": "y"}, {"name": "x"},
 {"name": "s", "level": "nominal"}, {"name": "g", "values": )" +
          levels + R"(}], "target": {"variable": "y"}, "distribution": "normal", "link": "identity",
-)" + parts + "}";
+)" + parts +
+         "}";
 }
 
 std::string coefficient(size_t at) {
@@ -42,9 +43,9 @@ constexpr const char* kIntercept = R"("coefficients": [{"estimate": 1, "std.erro
 
 std::string fit_of_coefficients(size_t count) {
   const auto level = [](size_t at) { return std::to_string(at); };
-  return document(list(count + count / 2, level),
-                  R"("fixed": {"effects": [{"fields": ["g"]}]}, "coefficients": )" +
-                      list(count, coefficient));
+  return document(
+      list(count + count / 2, level),
+      R"("fixed": {"effects": [{"fields": ["g"]}]}, "coefficients": )" + list(count, coefficient));
 }
 
 std::string fit_of_records(size_t count) {
@@ -58,9 +59,9 @@ std::string fit_of_records(size_t count) {
 }
 
 std::string fit_of_pairs(size_t count) {
-  return document("[1, 2]", kIntercept + std::string(R"("summaries": {"predicted": {"observed": )") +
-                                list(count, digits) + R"(, "predicted": )" + list(count, digits) +
-                                "}}");
+  return document("[1, 2]",
+                  kIntercept + std::string(R"("summaries": {"predicted": {"observed": )") +
+                      list(count, digits) + R"(, "predicted": )" + list(count, digits) + "}}");
 }
 
 }  // namespace hierfit::bench

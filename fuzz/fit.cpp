@@ -1,5 +1,5 @@
-// Feeds the import of fit documents and, for a fit that it takes, the module: what the import makes,
-// the module reads.
+// Feeds the import of fit documents and, for a fit that it takes, the module: what the import
+// makes, the module reads.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

@@ -1,9 +1,11 @@
 // Contradictions between the variables, the effects and the coefficients.
 #include <algorithm>
+#include <cmath>
 #include <set>
 #include <string_view>
 
 #include "import/check_fit.h"
+#include "import/number_text.h"
 #include "import/references.h"
 #include "import/terms.h"
 #include "import/words.h"
@@ -146,12 +148,35 @@ class ModelCheck {
     if (!refer_.position(path + ".effect", *term.effect, effects.size(), "effects")) return;
     const Effect& effect = effects[static_cast<size_t>(*term.effect)];
     refer_.levels(path + ".levels", term.levels, effect.fields);
-    if (term.levels.empty()) return;
+    for (const auto& [name, column] : term.columns)
+      check_column(path + ".columns." + name, name, column, effect);
+    if (term.levels.empty() && term.columns.empty()) return;
     for (const Variable* factor : factors_of(effect, variables_)) {
-      const bool has = std::ranges::find(term.levels, factor->name, &Levels::value_type::first) !=
-                       term.levels.end();
-      if (!has) refer_.fail(path + ".levels lacks the level of " + factor->name);
+      if (has(term.levels, factor->name) || has(term.columns, factor->name)) continue;
+      refer_.fail(path + ".levels lacks the level of " + factor->name);
     }
+  }
+
+  static bool has(const Levels& levels, const std::string& name) {
+    return std::ranges::find(levels, name, &Levels::value_type::first) != levels.end();
+  }
+
+  void check_column(const std::string& path,
+                    const std::string& name,
+                    const Value& column,
+                    const Effect& effect) {
+    const auto coding = std::ranges::find(fit_.fixed.codings, name, &Coding::variable);
+    const bool is_field = std::ranges::find(effect.fields, name) != effect.fields.end();
+    if (!is_field || coding == fit_.fixed.codings.end() || coding->matrix.empty()) {
+      refer_.fail(path + " is a column of " + in_quotes(name) +
+                  (is_field ? ", which has no coding" : ", which is none of the fields here"));
+      return;
+    }
+    const double at = parse_number(column.text).value_or(-1);
+    const auto columns = static_cast<double>(coding->matrix[0].size());
+    if (at >= 0 && at < columns && at == std::floor(at)) return;
+    refer_.fail(path + " is " + in_quotes(column.text) + ", and the coding has " +
+                number_text(columns) + " columns, counted from 0");
   }
 
   void check_coefficient(const std::string& path, const Coefficient& row) {

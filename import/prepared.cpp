@@ -1,6 +1,7 @@
 #include "import/prepared.h"
 
 #include "import/check_fit.h"
+#include "import/level_rows.h"
 #include "import/reckon.h"
 #include "import/summaries.h"
 
@@ -29,6 +30,10 @@ Prepared::Prepared(Fit read, Problems& problems)
   check_fit(fit, variables, problems);
   if (problems.has_errors()) return;
   state_defaults(fit, reckoned);
+  const bool is_coded = !fit.fixed.codings.empty();
+  make_level_rows(fit, variables, problems);
+  if (problems.has_errors()) return;
+  if (is_coded) reckoned.push_back("rows of coded factors turned into levels");
   summarise(fit);
   for (std::string& sentence : reckon(fit))
     reckoned.push_back(std::move(sentence));
