@@ -117,8 +117,9 @@ class LevelRows {
       cells = std::min(cells * factor->values.size(), kMostCells + 1);
     const std::vector<DesignTerm> candidates = candidates_of(part);
     if (cells > kMostCells || candidates.size() > kMostColumns) {
-      problems_.fail("the coded factors have too many combinations of levels; give their rows as "
-                     "fitted, without columns");
+      problems_.fail(
+          "the coded factors have too many combinations of levels; give their rows as "
+          "fitted, without columns");
       return;
     }
     std::vector<CellColumn> old_columns;
@@ -247,8 +248,8 @@ class LevelRows {
   const Variables& variables_;
   Problems& problems_;
   std::vector<Coefficient> made_;
-  std::vector<std::vector<double>> weights_;   ///< of each new row: a weight for each old one
-  std::vector<std::optional<size_t>> kept_;    ///< the old row that a new one is
+  std::vector<std::vector<double>> weights_;  ///< of each new row: a weight for each old one
+  std::vector<std::optional<size_t>> kept_;   ///< the old row that a new one is
 };
 
 }  // namespace
@@ -259,8 +260,9 @@ void make_level_rows(Fit& fit, const Variables& variables, Problems& problems) {
   if (fit.covariance.empty()) {
     problems.fail("vcov is lacking, without which columns of codings cannot be turned into levels");
   } else if (written(kDistributions, fit.distribution) == "ORDINAL") {
-    problems.fail("columns of codings cannot be turned into levels with an ordinal target; give "
-                  "their rows as fitted, without columns");
+    problems.fail(
+        "columns of codings cannot be turned into levels with an ordinal target; give "
+        "their rows as fitted, without columns");
   } else {
     LevelRows(fit, variables, problems).run();
   }

@@ -109,7 +109,8 @@ TEST_CASE("a failure is one sentence with its file, and a status") {
       {kExample + ".. --format html", 2, "hierfit: several reports need one folder: -o FOLDER."},
       {"-o r.html " + kExample, 2,
        "hierfit: several reports need a folder, and \"r.html\" names a file."},
-      {at, 2, "hierfit: the folder \"" + at + "\" holds no model document (.pmml)."},
+      {at, 2,
+       "hierfit: the folder \"" + at + "\" holds no model document (.pmml) and no fit (fit.json)."},
       {"- -", 2, "hierfit: only one input can be standard input. Try 'hierfit --help'"},
   };
   const std::string before = directory.listing();
@@ -244,4 +245,67 @@ TEST_CASE("a reader that leaves early is no error, a full disk is") {
   const Outcome full = shell("hierfit " + kDocuments + " >/dev/full");
   CHECK(full.status == 2);
   CHECK(full.errors == "hierfit: standard output: cannot be written: No space left on device\n");
+}
+
+TEST_CASE("a fit goes wherever a pair goes") {
+  const Directory directory;
+  const std::string fit = kExample + "fit.json";
+  CHECK(shell("hierfit " + fit + " -o " + directory / "a.json").status == 0);
+  CHECK(shell("hierfit -d " + kExample + "dictionary.json " + kDocuments + " -o " +
+              directory / "b.json")
+            .status == 0);
+  CHECK(text_of(directory / "a.json") == text_of(directory / "b.json"));
+  CHECK(shell("hierfit -f json - < " + fit).output == text_of(directory / "b.json"));
+
+  CHECK(shell("hierfit import -o " + directory / "documents" + " " + fit).status == 0);
+  const std::string made = directory / "documents/";
+  CHECK(text_of(made + "dictionary.json").find("\"width\": 6") != std::string::npos);
+  CHECK(shell("hierfit -f json -d " + made + "dictionary.json " + made + "model.pmml " + made +
+              "result.xml")
+            .output == text_of(directory / "b.json"));
+}
+
+TEST_CASE("fits in a folder are found where no model document is") {
+  const Directory directory;
+  fs::create_directories(directory / "in/one");
+  fs::copy(kExample + "fit.json", directory / "in/one/fit.json");
+  fs::copy(kExample + "fit.json", directory / "in/two.fit.json");
+  fs::copy(kExample + "dictionary.json", directory / "in/other.json");
+  CHECK(shell("hierfit -q -f json -o " + directory / "out" + " " + directory / "in").errors == "");
+  CHECK(text_of(directory / "out/one.json") == text_of(directory / "out/two.json"));
+  CHECK(fs::exists(directory / "out/index.html"));
+  CHECK(shell("hierfit -q import -o " + directory / "documents" + " " + directory / "in").status ==
+        0);
+  CHECK(fs::exists(directory / "documents/one/model.pmml"));
+  CHECK(fs::exists(directory / "documents/two/result.xml"));
+}
+
+TEST_CASE("check says what is wrong and what is odd, and writes nothing") {
+  const Directory directory;
+  CHECK(shell("hierfit check " + kDocuments).errors == "");
+  CHECK(shell("hierfit check " + kExample + "fit.json").errors == "");
+  CHECK(shell("hierfit check -o x.html " + kDocuments).status == 2);
+  CHECK(shell("hierfit import " + kDocuments).status == 2);
+
+  const std::string bad = directory / "bad.json";
+  write(bad, R"({"hierfit": "hierfit-fit-1", "link": 1, "distribution": null})");
+  const Outcome wrong = shell("hierfit check " + bad);
+  CHECK(wrong.status == 1);
+  CHECK(wrong.errors.find("hierfit: " + bad + ": link is 1, which is no text\n") !=
+        std::string::npos);
+  CHECK(wrong.errors.find("the document lacks the member target\n") != std::string::npos);
+
+  std::string result = text_of(kExample + "result.xml");
+  result.replace(result.find("\"NEGBIN\""), 8, "\"negbin\"");
+  const std::string odd = directory / "odd.xml";
+  write(odd, result);
+  const std::string pair = kExample + "model.pmml " + odd;
+  const std::string warning = odd + ":6:5: warning: Parameter DistributionOfTarget is \"negbin\"";
+  const Outcome checked = shell("hierfit check " + pair);
+  CHECK(checked.status == 0);
+  CHECK(checked.errors.starts_with(warning));
+  CHECK(shell("hierfit " + pair + " -o " + directory / "odd.html").errors == checked.errors);
+  CHECK(shell("hierfit -q " + pair + " " + kDocuments + " -o " + directory / "both").errors ==
+        checked.errors);
+  CHECK(directory.listing() == "bad.json both odd.html odd.xml ");
 }

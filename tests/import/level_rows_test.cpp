@@ -47,8 +47,8 @@ std::vector<fit::Coefficient> rows_of(const ordered_json& document) {
 TEST_CASE("columns of a coding become the published level rows") {
   const std::vector<fit::Coefficient> rows = rows_of(helmert_fit());
   REQUIRE(rows.size() == 4);
-  // The treatment contrasts of the same fit, from the last level: means 8.5556, 12.4444, 10.7778 and
-  // 9.2222 with standard errors of 0.5760, differences with 0.5187.
+  // The treatment contrasts of the same fit, from the last level: means 8.5556, 12.4444, 10.7778
+  // and 9.2222 with standard errors of 0.5760, differences with 0.5187.
   const double estimates[] = {9.2222, -0.6667, 3.2222, 1.5556};
   const double errors[] = {0.5760, 0.5187, 0.5187, 0.5187};
   for (size_t at = 0; at < rows.size(); ++at) {
@@ -80,7 +80,8 @@ TEST_CASE("levels as columns of an identity come back as they were, covariates a
   document["vcov"] = covariance;
   const std::vector<fit::Coefficient> rows = rows_of(document);
   REQUIRE(rows.size() == plain.size());
-  // g = a was 0; now g = c is. Predictions are the same: 5, 6, 4 at x = 0, slopes 0.125, 0.625, 0.875.
+  // g = a was 0; now g = c is. Predictions are the same: 5, 6, 4 at x = 0, slopes 0.125, 0.625,
+  // 0.875.
   const double estimates[] = {4, 1, 2, 0.875, -0.75, -0.25};
   for (size_t at = 0; at < rows.size(); ++at)
     CHECK(rows[at].estimate == doctest::Approx(estimates[at]).epsilon(1e-12));
@@ -110,7 +111,8 @@ TEST_CASE("a coding that does not fit is told") {
     return import_json(document).said();
   };
   CHECK(said_after("/coefficients/3/columns/Type", "3") ==
-        "error: coefficients[3].columns.Type is \"3\", and the coding has 3 columns, counted from 0\n");
+        "error: coefficients[3].columns.Type is \"3\", and the coding has 3 columns, counted from "
+        "0\n");
   CHECK(said_after("/fixed/codings/0/matrix", "[[1], [2]]").find("needs a row of equal length") !=
         std::string::npos);
   CHECK(said_after("/vcov", "[]") ==
