@@ -1,14 +1,12 @@
 #include "import/read_fit.h"
 
 #include <algorithm>
-#include <cmath>
 #include <nlohmann/json.hpp>
 #include <set>
 
-#include "import/column.h"
 #include "import/kind_of_file.h"
 #include "import/member.h"
-#include "import/number_text.h"
+#include "import/scalar.h"
 
 namespace hierfit::fit {
 namespace {
@@ -16,60 +14,6 @@ namespace {
 /// A fit document nests six deep; what it does not know may nest deeper.
 constexpr size_t kDeepest = 64;
 constexpr size_t kMostUnknown = 100;
-
-/// What the kinds are called in a message, in the order of `Kind`.
-constexpr std::string_view kKindNames[] = {"text",
-                                           "number",
-                                           "whole number",
-                                           "true or false",
-                                           "text or number",
-                                           "list of texts",
-                                           "list of numbers",
-                                           "list of whole numbers",
-                                           "list of values",
-                                           "list of lists of numbers",
-                                           "object of values",
-                                           "object of lists",
-                                           "list of values",
-                                           "object of lists",
-                                           "object",
-                                           "list of objects"};
-static_assert(std::size(kKindNames) == static_cast<size_t>(Kind::Objects) + 1);
-
-std::string name_of(Kind kind) {
-  return std::string(kind == Kind::Flag ? "" : "no ") +
-         (kind == Kind::Flag ? "neither true nor false"
-                             : std::string(kKindNames[static_cast<size_t>(kind)]));
-}
-
-/// What stands in the document where no list and no object begins.
-struct Scalar {
-  enum class Type : uint8_t { Null, Flag, Number, Text } type = Type::Null;
-  bool flag = false;
-  double number = 0;
-  std::string text = {};  ///< of a number, too
-
-  bool is_null() const { return type == Type::Null; }
-  bool is_number() const { return type == Type::Number; }
-  bool is_text() const { return type == Type::Text; }
-  bool is_whole() const {
-    constexpr double kLargest = 9007199254740992.0;
-    return is_number() && std::floor(number) == number && std::abs(number) <= kLargest;
-  }
-  std::string shown() const {
-    switch (type) {
-      case Type::Null:
-        return "null";
-      case Type::Flag:
-        return flag ? "true" : "false";
-      case Type::Number:
-        return text;
-      case Type::Text:
-        break;
-    }
-    return in_quotes(text);
-  }
-};
 
 template <typename T>
 T& as(void* target) {
@@ -81,8 +25,8 @@ struct Frame {
   enum class Type : uint8_t { Object, List, Map, Unknown } type;
   void* target = nullptr;        ///< a record, a list or a map
   const Shape* shape = nullptr;  ///< of `Object`
-  const Member* member =
-      nullptr;               ///< of `Object`: the one whose value comes; else whose value it is
+  /// Of `Object` the one whose value comes, else the one whose value it is.
+  const Member* member = nullptr;
   Kind kind = Kind::Object;  ///< of `List` and `Map`
   uint64_t seen = 0;         ///< of `Object`: the members that were there
   size_t index = 0;          ///< of `List`: the items so far
@@ -98,13 +42,16 @@ class Filler : public nlohmann::json_sax<nlohmann::json> {
   bool null() override { return take({}); }
   bool boolean(bool flag) override { return take({.type = Scalar::Type::Flag, .flag = flag}); }
   bool number_integer(number_integer_t number) override {
-    return take_number(static_cast<double>(number), std::to_string(number));
+    return take(
+        {.type = Scalar::Type::Integer, .integer = number, .number = static_cast<double>(number)});
   }
   bool number_unsigned(number_unsigned_t number) override {
-    return take_number(static_cast<double>(number), std::to_string(number));
+    const auto integer = static_cast<int64_t>(number);
+    if (integer < 0) return number_float(static_cast<double>(number), {});
+    return number_integer(integer);
   }
   bool number_float(number_float_t number, const string_t&) override {
-    return take_number(number, number_text(number));
+    return take({.type = Scalar::Type::Number, .number = number});
   }
   bool string(string_t& text) override {
     return take({.type = Scalar::Type::Text, .text = std::move(text)});
@@ -124,16 +71,8 @@ class Filler : public nlohmann::json_sax<nlohmann::json> {
                    const nlohmann::detail::exception& what) override;
 
  private:
-  bool take_number(double number, std::string text) {
-    return take({.type = Scalar::Type::Number, .number = number, .text = std::move(text)});
-  }
   bool take(const Scalar& scalar);
-  void store(const Member& member, const Scalar& scalar, void* target);
-  void store_item(const Frame& frame, const Scalar& scalar);
-  void store_text(const Member& member, const Scalar& scalar, std::string& target);
-  void store_number(Range range, const Scalar& scalar, double& target);
-  void store_count(Range range, const Scalar& scalar, int64_t& target);
-  void store_value(const Scalar& scalar, Value& target);
+  std::string take_into(Frame& frame, const Scalar& scalar);
   bool after_value();
   bool push(Frame frame);
   bool push_unknown() { return push({.type = Frame::Type::Unknown}); }
@@ -183,7 +122,7 @@ bool Filler::push(Frame frame) {
 }
 
 bool Filler::refuse(const std::string& there, Kind meant) {
-  fail("is " + there + ", which is " + name_of(meant));
+  fail("is " + there + ", which is " + not_of(meant));
   return push_unknown();
 }
 
@@ -352,135 +291,31 @@ bool Filler::take(const Scalar& scalar) {
     problems_.fail("the document is " + scalar.shown() + ", which is no object");
     return false;
   }
-  const Frame& frame = frames_.back();
+  const std::string wrong = take_into(frames_.back(), scalar);
+  if (!wrong.empty()) fail(wrong);
+  return after_value();
+}
+
+/// Gives what is wrong with the scalar.
+std::string Filler::take_into(Frame& frame, const Scalar& scalar) {
   switch (frame.type) {
     case Frame::Type::Unknown:
       break;
     case Frame::Type::Object:
       if (frame.member == nullptr) break;
-      if (scalar.is_null()) {
-        const auto at = frame.member - frame.shape->members.data();
-        frames_.back().seen &= ~(uint64_t{1} << at);
-        break;
-      }
-      store(*frame.member, scalar, frame.target);
+      if (!scalar.is_null()) return store(*frame.member, scalar, frame.target);
+      frame.seen &= ~(uint64_t{1} << (frame.member - frame.shape->members.data()));
       break;
     case Frame::Type::Map:
       if (frame.kind == Kind::LevelMap) {
-        store_value(scalar, as<Levels>(frame.target).emplace_back(frame.key, Value()).second);
-      } else {
-        fail("is " + scalar.shown() + ", which is no list");
+        return store_value(scalar,
+                           as<Levels>(frame.target).emplace_back(frame.key, Value()).second);
       }
-      break;
+      return "is " + scalar.shown() + ", which is " + not_of(Kind::Values);
     case Frame::Type::List:
-      store_item(frame, scalar);
-      break;
+      return store_item(*frame.member, frame.kind, scalar, frame.target);
   }
-  return after_value();
-}
-
-void Filler::store(const Member& member, const Scalar& scalar, void* record) {
-  const auto field = [&] { return member.place(record); };
-  switch (member.kind) {
-    case Kind::Text:
-      return store_text(member, scalar, as<std::string>(field()));
-    case Kind::Number:
-      return store_number(member.range, scalar, as<double>(field()));
-    case Kind::Count:
-      return store_count(member.range, scalar, as<std::optional<int64_t>>(field()).emplace());
-    case Kind::Value:
-      return store_value(scalar, as<std::optional<Value>>(field()).emplace());
-    case Kind::Flag:
-      if (scalar.type == Scalar::Type::Flag) {
-        as<std::optional<bool>>(field()) = scalar.flag;
-        return;
-      }
-      break;
-    default:
-      break;
-  }
-  fail("is " + scalar.shown() + ", which is " + name_of(member.kind));
-}
-
-void Filler::store_item(const Frame& frame, const Scalar& scalar) {
-  const Range range = frame.member->range;
-  switch (frame.kind) {
-    case Kind::Texts:
-      return store_text(*frame.member, scalar,
-                        as<std::vector<std::string>>(frame.target).emplace_back());
-    case Kind::Values:
-      return store_value(scalar, as<std::vector<Value>>(frame.target).emplace_back());
-    case Kind::Counts:
-      return store_count(range, scalar, as<std::vector<int64_t>>(frame.target).emplace_back());
-    case Kind::Numbers: {
-      double& number = as<std::vector<double>>(frame.target).emplace_back(kMissing);
-      if (!scalar.is_null()) store_number(range, scalar, number);
-      return;
-    }
-    case Kind::Column:
-      if (scalar.type == Scalar::Type::Flag) break;
-      return scalar.is_text() ? add_text(as<Column>(frame.target), scalar.text)
-                              : add_number(as<Column>(frame.target),
-                                           scalar.is_null() ? kMissing : scalar.number);
-    case Kind::MatrixRows:
-      return fail("is " + scalar.shown() + ", which is no list of numbers");
-    case Kind::Objects:
-      return fail("is " + scalar.shown() + ", which is no object");
-    default:
-      break;
-  }
-  fail("is " + scalar.shown() + ", which is no text or number");
-}
-
-void Filler::store_text(const Member& member, const Scalar& scalar, std::string& target) {
-  if (!scalar.is_text()) {
-    fail("is " + scalar.shown() + ", which is no text");
-    return;
-  }
-  if (!member.words.empty() && find_word(member.words, scalar.text) == nullptr) {
-    const auto names = names_of(member.words);
-    const std::string wanted =
-        names.size() == 1 ? "not " + std::string(names[0]) : "none of " + listed(names);
-    fail("is " + scalar.shown() + ", which is " + wanted + suggestion(scalar.text, names));
-    return;
-  }
-  target = scalar.text;
-}
-
-std::string range_text(Range range) {
-  const std::string ends =
-      range.most > 1e300 ? " of " + number_text(range.least) + " or more"
-                         : " from " + number_text(range.least) + " to " + number_text(range.most);
-  return range.open ? " between " + number_text(range.least) + " and " + number_text(range.most)
-                    : ends;
-}
-
-void Filler::store_number(Range range, const Scalar& scalar, double& target) {
-  if (!scalar.is_number()) {
-    fail("is " + scalar.shown() + ", which is no number");
-  } else if (!range.holds(scalar.number)) {
-    fail("is " + scalar.shown() + ", which is no number" + range_text(range));
-  } else {
-    target = scalar.number;
-  }
-}
-
-void Filler::store_count(Range range, const Scalar& scalar, int64_t& target) {
-  if (!scalar.is_whole()) {
-    fail("is " + scalar.shown() + ", which is no whole number");
-  } else if (!range.holds(scalar.number)) {
-    fail("is " + scalar.shown() + ", which is no whole number" + range_text(range));
-  } else {
-    target = static_cast<int64_t>(scalar.number);
-  }
-}
-
-void Filler::store_value(const Scalar& scalar, Value& target) {
-  if (scalar.is_number() || scalar.is_text()) {
-    target.text = scalar.text;
-  } else {
-    fail("is " + scalar.shown() + ", which is no text or number");
-  }
+  return {};
 }
 
 /// The parser's sentence without its own name and number.

@@ -50,5 +50,5 @@ TEST_CASE("the small fit of the manual comes to a report") {
   const size_t statistic = imported.documents->result.find("fStatistic=\"22.35", test);
   CHECK(statistic - test < 200);
   CHECK(run.table("Contrasts") != nullptr);
-  CHECK(run.charts.size() == 2);
+  CHECK(run.charts.size() == 4);
 }

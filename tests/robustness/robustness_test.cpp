@@ -53,6 +53,16 @@ Outcome run_command(const DocumentFiles& files) {
   return outcome;
 }
 
+/// The lines that are no warnings.
+ptrdiff_t sentences_in(const std::string& errors) {
+  ptrdiff_t count = std::ranges::count(errors, '\n');
+  constexpr std::string_view kWarning = ": warning: ";
+  for (size_t at = errors.find(kWarning); at != std::string::npos;
+       at = errors.find(kWarning, at + 1))
+    --count;
+  return count;
+}
+
 }  // namespace
 
 TEST_CASE("the command and hostile documents") {
@@ -61,7 +71,7 @@ TEST_CASE("the command and hostile documents") {
     const Outcome outcome = run_command(item.files);
     CAPTURE(outcome.errors);
     CHECK(outcome.status == (item.reads ? 0 : 1));
-    CHECK(std::ranges::count(outcome.errors, '\n') == (item.reads ? 0 : 1));
+    CHECK(sentences_in(outcome.errors) == (item.reads ? 0 : 1));
     CHECK(outcome.page.empty() == !item.reads);
     CHECK(outcome.page.find("<img") == std::string::npos);
   }
