@@ -76,7 +76,8 @@ SessionInput read_inputs(const Pair& pair, Remarks& remarks) {
   SessionInput input = pair.fit.empty() ? inputs_of_pair(pair) : inputs_of_fit(pair, remarks);
   if (!pair.dictionary.empty()) {
     input.dictionary_name = name_of(pair.dictionary);
-    input.dictionary = read_whole_file(pair.dictionary);
+    input.dictionary =
+        fit::laid_over(input.dictionary.value_or(""), read_whole_file(pair.dictionary));
   }
   if (pair.fit.empty()) check_pair(pair, input, remarks);
   return input;

@@ -20,6 +20,7 @@ class ResultCheck {
                       fit_.tests.effects[at].effect.value_or(0), fit_.fixed.effects.size(),
                       "effects");
     }
+    warn_of_tests();
     for (size_t at = 0; at < fit_.effect_means.size(); ++at) {
       const std::string path = item("effect.means", at);
       refer_.fields(path + ".fields", fit_.effect_means[at].fields);
@@ -32,6 +33,14 @@ class ResultCheck {
   }
 
  private:
+  void warn_of_tests() {
+    const size_t tests = fit_.tests.effects.size();
+    const size_t effects = fit_.fixed.effects.size();
+    if (tests == effects || tests == 0) return;
+    refer_.warn("tests.effects has " + std::to_string(tests) + " tests for " +
+                std::to_string(effects) + " effects; their table stays away");
+  }
+
   void check_rows(const std::string& path,
                   const std::vector<std::string>& fields,
                   const std::vector<Mean>& rows) {

@@ -20,6 +20,10 @@ struct Documents {
 /// warnings come with documents, too.
 std::optional<Documents> import_fit(std::string_view text, Problems& problems);
 
+/// The dictionary of a fit with another laid over it: fields of the other one hold. One that is no
+/// Table Schema is given as it stands, for its reader to tell.
+std::string laid_over(const std::string& dictionary, const std::string& other);
+
 /// Finds what is wrong with a fit document, and nothing else.
 void check_fit_document(std::string_view text, Problems& problems);
 

@@ -29,8 +29,8 @@ struct Scalar {
 /// "no number", "no list of texts": what something is that is not of the kind.
 std::string not_of(Kind kind);
 
-/// Puts the scalar into the field of a member. Gives what is wrong with it, "is 3, which is no text",
-/// and nothing when nothing is.
+/// Puts the scalar into the field of a member. Gives what is wrong with it, "is 3, which is no
+/// text", and nothing when nothing is.
 std::string store(const Member& member, const Scalar& scalar, void* record);
 
 /// Puts the scalar behind the items of a list of this kind, which is the value of the member or a

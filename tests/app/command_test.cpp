@@ -265,6 +265,17 @@ TEST_CASE("a fit goes wherever a pair goes") {
             .output == text_of(directory / "b.json"));
 }
 
+TEST_CASE("a dictionary is laid over that of a fit") {
+  const Directory directory;
+  const std::string labels = directory / "labels.json";
+  write(labels, R"({"fields": [{"name": "mined", "title": "Mines upstream"}]})");
+  const std::string text =
+      shell("hierfit -f json -d " + labels + " " + kExample + "fit.json").output;
+  CHECK(text.find("Mines upstream") != std::string::npos);
+  write(labels, "[1");
+  CHECK(shell("hierfit -d " + labels + " " + kExample + "fit.json").status == 2);
+}
+
 TEST_CASE("fits in a folder are found where no model document is") {
   const Directory directory;
   fs::create_directories(directory / "in/one");

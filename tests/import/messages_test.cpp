@@ -88,6 +88,8 @@ TEST_CASE("what is odd about a fit is warned of and stays without effect") {
        "engine has a member \"build\" that is not known\n"},
       {"/variables/1/labels/z", R"("last")",
        "variables[1].labels has a label for \"z\", which is no value of the variable\n"},
+      {"/tests/effects", R"([{"effect": 0, "statistic": 16}])",
+       "tests.effects has 1 tests for 3 effects; their table stays away\n"},
       {"/data/columns/w", "[1, 1, 1, 1, 1, 1]", "data.columns.w is no variable\n"},
   };
   const auto plain = import_json(small_fit());
