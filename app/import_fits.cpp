@@ -1,12 +1,13 @@
 #include "app/import_fits.h"
 
 #include <algorithm>
+#include <deque>
 #include <filesystem>
-#include <iostream>
 #include <unistd.h>
 #include <utility>
 
 #include "app/environment.h"
+#include "app/folders.h"
 #include "app/inputs.h"
 #include "app/job.h"
 #include "app/new_file.h"
@@ -16,10 +17,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-void say(const Remarks& remarks, const Options& options) {
+void say_all(const Remarks& remarks, const Options& options) {
   const bool colour = uses_colour(options.colour, STDERR_FILENO);
   for (const Complaint& remark : remarks)
-    std::cerr << complaint_line(remark, colour);
+    say(remark, colour);
 }
 
 /// Does something with each pair; one that fails does not hold up the others.
@@ -34,18 +35,18 @@ int for_each_pair(const std::vector<Pair>& pairs, const Options& options, Functi
       remarks.push_back(current_complaint());
       status = std::max(status, remarks.back().status);
     }
-    say(remarks, options);
+    say_all(remarks, options);
   }
   return status;
 }
 
-void write_documents(const fit::Documents& documents, const fs::path& folder) {
-  make_folder(folder.string());
+void write_documents(const fit::Documents& documents, const fs::path& folder, NewFolders& folders) {
+  folders.make(folder.string());
   const std::pair<const char*, const std::string*> texts[] = {
       {"model.pmml", &documents.model},
       {"result.xml", &documents.result},
       {"dictionary.json", &documents.dictionary}};
-  std::vector<NewFile> files;
+  std::deque<NewFile> files;
   for (const auto& [name, text] : texts) {
     if (text->empty()) continue;
     files.emplace_back((folder / name).string());
@@ -67,8 +68,10 @@ int import_fits(const Options& options) {
   for (const Pair& pair : pairs.pairs) {
     if (pair.fit.empty()) throw UsageError("\"" + pair.model + "\" is no fit document (.json)");
   }
+  NewFolders folders;
   return for_each_pair(pairs.pairs, options, [&](const Pair& pair, Remarks& remarks) {
-    write_documents(read_fit(pair.fit, remarks), pairs.several ? folder / pair.name : folder);
+    write_documents(read_fit(pair.fit, remarks), pairs.several ? folder / pair.name : folder,
+                    folders);
   });
 }
 

@@ -21,7 +21,6 @@
 namespace hierfit::app {
 namespace {
 
-
 /// The language asked for; one that only the environment asks for gives way to English when there
 /// is no catalogue for it.
 std::string language_of(const Options& options, const std::string& resources) {

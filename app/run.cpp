@@ -71,7 +71,7 @@ int make_one(const Job& job, const Workshop& workshop, bool colour) {
   Remarks remarks;
   const auto say = [&] {
     for (const Complaint& remark : remarks)
-      std::cerr << complaint_line(remark, colour);
+      app::say(remark, colour);
   };
   try {
     const Progress progress(!workshop.options.quiet, "hierfit: making the report \u2026");

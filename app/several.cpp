@@ -172,7 +172,7 @@ int complain(const SeveralJobs& several, const Makers& makers, bool colour) {
   size_t count = 0;
   for (size_t job = 0; job < several.jobs.size(); ++job) {
     for (const Complaint& remark : makers.remarks()[job])
-      std::cerr << complaint_line(remark, colour);
+      say(remark, colour);
     const std::optional<Complaint>& failure = makers.failures()[job];
     if (!failure) continue;
     ++count;

@@ -4,7 +4,7 @@
 #include "host/files.h"
 #include "host/string_table.h"
 
-#include "embedded/chart/markup.h"
+#include "embedded/chart/parse_markup.h"
 #include "embedded/error.h"
 #include "embedded/files/paths.h"
 #include "embedded/files/whole_file.h"

@@ -101,7 +101,8 @@ std::string png_of(const Points& points, double points_per_inch) {
 }
 
 double resolution_of(std::string_view png) {
-  constexpr size_t kBytes = 4;  // of a number, and of a type
+  constexpr size_t kHeaderEnd = 33;  // the signature and the first chunk
+  constexpr size_t kBytes = 4;       // of a number, and of a type
   const std::string_view chunk = png.substr(std::min(kHeaderEnd, png.size()));
   if (chunk.size() < 3 * kBytes || chunk.substr(kBytes, kBytes) != "pHYs") return 0;
   double points = 0;
