@@ -142,18 +142,18 @@ class ModelCheck {
   void check_term(const std::string& path, const Term& term, const std::vector<Effect>& effects) {
     if (!term.effect) {
       for (const auto& [name, level] : term.levels)
-        refer_.fail(path + ".levels." + name + " stands without an effect");
+        refer_.fail(inside(path + ".levels", name) + " stands without an effect");
       return;
     }
     if (!refer_.position(path + ".effect", *term.effect, effects.size(), "effects")) return;
     const Effect& effect = effects[static_cast<size_t>(*term.effect)];
     refer_.levels(path + ".levels", term.levels, effect.fields);
     for (const auto& [name, column] : term.columns)
-      check_column(path + ".columns." + name, name, column, effect);
+      check_column(inside(path + ".columns", name), name, column, effect);
     if (term.levels.empty() && term.columns.empty()) return;
     for (const Variable* factor : factors_of(effect, variables_)) {
       if (has(term.levels, factor->name) || has(term.columns, factor->name)) continue;
-      refer_.fail(path + ".levels lacks the level of " + factor->name);
+      refer_.fail(path + ".levels lacks the level of " + in_quotes(factor->name));
     }
   }
 

@@ -55,7 +55,7 @@ class ResultCheck {
     refer_.levels(path, levels, fields);
     for (const std::string& field : fields) {
       const bool has = std::ranges::find(levels, field, &Levels::value_type::first) != levels.end();
-      if (!has) refer_.fail(path + " lacks the level of " + field);
+      if (!has) refer_.fail(path + " lacks the level of " + in_quotes(field));
     }
   }
 
@@ -185,12 +185,13 @@ class ResultCheck {
   void check_first_subject(const FirstSubject& first) {
     const std::string path = "summaries.first.subject";
     for (const auto& [name, value] : first.subject) {
-      const Variable* variable = refer_.factor(path + ".subject." + name, name);
-      if (variable != nullptr) refer_.value(path + ".subject." + name, *variable, value);
+      const std::string here = inside(path + ".subject", name);
+      const Variable* variable = refer_.factor(here, name);
+      if (variable != nullptr) refer_.value(here, *variable, value);
     }
     for (const auto& [name, values] : first.repeated) {
       refer_.field(path + ".repeated", name);
-      check_equal(path + ".repeated." + name, values.size(), "target", first.target.size());
+      check_equal(inside(path + ".repeated", name), values.size(), "target", first.target.size());
     }
     if (!first.trials.empty()) {
       check_equal(path + ".trials", first.trials.size(), "target", first.target.size());

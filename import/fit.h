@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -22,7 +21,8 @@ inline bool exists(double number) { return !std::isnan(number); }
 /// A value of a variable. A document gives it as a text or as a number, which are the same here.
 struct Value {
   std::string text;
-  auto operator<=>(const Value&) const = default;
+  bool operator==(const Value&) const = default;
+  bool operator<(const Value& other) const { return text < other.text; }
 };
 
 /// Values by the name of their variable, in the order of the document.

@@ -35,7 +35,6 @@ template <> const Shape& shape_of<Pairs>();
 template <> const Shape& shape_of<FirstSubject>();
 template <> const Shape& shape_of<Summaries>();
 template <> const Shape& shape_of<Data>();
-template <> const Shape& shape_of<Fit>();
 // clang-format on
 
 namespace {

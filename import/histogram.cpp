@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <numeric>
 
 namespace hierfit::fit {
 namespace {
@@ -34,8 +35,8 @@ Bins count_bins(const std::vector<double>& numbers) {
     highest = std::max(highest, number);
   }
   Bins bins;
-  for (double middle = 0; middle <= highest; ++middle)
-    bins.middles.push_back(middle);
+  bins.middles.resize(static_cast<size_t>(highest) + 1);
+  std::iota(bins.middles.begin(), bins.middles.end(), 0.0);
   bins.counts.assign(bins.middles.size(), 0);
   for (const double number : numbers)
     ++bins.counts[static_cast<size_t>(number)];
@@ -47,7 +48,7 @@ Bins round_bins(const std::vector<double>& numbers) {
   const auto [lowest, highest] = std::ranges::minmax(numbers);
   const double range = highest - lowest;
   const double scale = std::max(std::abs(lowest), std::abs(highest));
-  const Bins single = {{lowest}, {static_cast<double>(numbers.size())}};
+  Bins single = {{lowest}, {static_cast<double>(numbers.size())}};
   if (!std::isfinite(range) || range <= scale * 1e-10) return single;
   const double wanted = std::ceil(std::log2(static_cast<double>(numbers.size())) + 1);
   const double width = round_width(range, wanted);
@@ -55,8 +56,9 @@ Bins round_bins(const std::vector<double>& numbers) {
   const double last = std::max(std::ceil(highest / width - kEdge), first + 1);
   if (!(last - first <= kMostCounted)) return single;  // a width that underflows
   Bins bins;
-  for (double bin = first; bin < last; ++bin)
-    bins.middles.push_back((bin + 0.5) * width);
+  bins.middles.resize(static_cast<size_t>(last - first));
+  for (size_t bin = 0; bin < bins.middles.size(); ++bin)
+    bins.middles[bin] = (first + static_cast<double>(bin) + 0.5) * width;
   bins.counts.assign(bins.middles.size(), 0);
   const double most = last - first - 1;
   for (const double number : numbers) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <tuple>
 
 #include "import/design.h"
 #include "import/linear_map.h"
@@ -23,7 +24,9 @@ struct Part {
   std::string category;
   std::vector<std::pair<std::string, int64_t>> covariates;
 
-  auto operator<=>(const Part&) const = default;
+  bool operator<(const Part& other) const {
+    return std::tie(category, covariates) < std::tie(other.category, other.covariates);
+  }
 };
 
 double covariance_at(const Matrix& matrix, size_t row, size_t column) {
@@ -74,7 +77,7 @@ class LevelRows {
       std::vector<double>& weights = weights_.emplace_back(fit_.coefficients.size(), 0);
       weights[row] = 1;
       made_.push_back(fit_.coefficients[row]);
-      kept_.push_back(row);
+      kept_.emplace_back(row);
     }
   }
 
@@ -123,9 +126,11 @@ class LevelRows {
       return;
     }
     std::vector<CellColumn> old_columns;
+    old_columns.reserve(rows.size());
     for (const size_t row : rows)
       old_columns.push_back(column_of(fit_.coefficients[row], factors, cells));
     std::vector<CellColumn> new_columns;
+    new_columns.reserve(candidates.size());
     for (const DesignTerm& term : candidates)
       new_columns.push_back(column_of(term, factors, cells));
     const auto map = map_columns(old_columns, new_columns);
@@ -213,7 +218,7 @@ class LevelRows {
       if (exists(row.df) && !(made.df < row.df)) made.df = row.df;
     }
     made_.push_back(std::move(made));
-    kept_.push_back({});
+    kept_.emplace_back();
   }
 
   /// The covariance of the new rows, and with it their standard errors.

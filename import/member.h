@@ -110,13 +110,13 @@ struct Element<std::optional<T>> {
 };
 
 template <typename T>
-constexpr bool kIsVector = false;
+inline constexpr bool kIsVector = false;
 template <typename T>
-constexpr bool kIsVector<std::vector<T>> = true;
+inline constexpr bool kIsVector<std::vector<T>> = true;
 template <typename T>
-constexpr bool kIsOptional = false;
+inline constexpr bool kIsOptional = false;
 template <typename T>
-constexpr bool kIsOptional<std::optional<T>> = true;
+inline constexpr bool kIsOptional<std::optional<T>> = true;
 
 template <typename T>
 constexpr Kind kind_of() {

@@ -138,7 +138,7 @@ class FactCheck {
   }
 
   static std::string place_of(const Fact& fact) {
-    const std::string element(fact.element);
+    std::string element(fact.element);
     if (!fact.name.empty()) return element + " " + std::string(fact.name);
     if (element.starts_with("Value of ")) return element;
     return "the " + std::string(fact.attribute) + " of " + element;

@@ -15,7 +15,7 @@ void state_defaults(Fit& fit, std::vector<std::string>& reckoned) {
   if (fit.adjust.empty()) fit.adjust = "none";
   if (exists(fit.conf_level)) return;
   fit.conf_level = kUsualLevel;
-  reckoned.push_back("conf.level taken as 0.95");
+  reckoned.emplace_back("conf.level taken as 0.95");
 }
 
 Fit with_values(Fit fit) {
@@ -33,7 +33,7 @@ Prepared::Prepared(Fit read, Problems& problems)
   const bool is_coded = !fit.fixed.codings.empty();
   make_level_rows(fit, variables, problems);
   if (problems.has_errors()) return;
-  if (is_coded) reckoned.push_back("rows of coded factors turned into levels");
+  if (is_coded) reckoned.emplace_back("rows of coded factors turned into levels");
   summarise(fit);
   for (std::string& sentence : reckon(fit))
     reckoned.push_back(std::move(sentence));

@@ -223,7 +223,9 @@ void Filler::check_keys(const Frame& frame) {
   if (frame.kind == Kind::LevelMap) names = sorted_names(as<Levels>(frame.target));
   if (frame.kind == Kind::ListMap) names = sorted_names(as<ValueLists>(frame.target));
   if (frame.kind == Kind::ColumnMap) {
-    for (const Column& column : as<Columns>(frame.target))
+    const auto& columns = as<Columns>(frame.target);
+    names.reserve(columns.size());
+    for (const Column& column : columns)
       names.push_back(column.name);
     std::ranges::sort(names);
   }

@@ -146,6 +146,7 @@ class Reckoner {
   /// Stepwise adjustments have no intervals of their own; those of their single-step kin serve.
   void reckon_family(const std::vector<Contrast*>& family) {
     std::vector<double> p_values;
+    p_values.reserve(family.size());
     for (const Contrast* row : family)
       p_values.push_back(row->p_value);
     const std::string_view method = written(kAdjustments, fit_.adjust);

@@ -25,6 +25,13 @@ std::string item(std::string_view list, size_t position) {
   return std::string(list) + "[" + std::to_string(position) + "]";
 }
 
+std::string inside(std::string_view object, std::string_view name) {
+  std::string path(object);
+  path += '.';
+  path += name;
+  return path;
+}
+
 const Variable* References::field(const std::string& path, std::string_view name) const {
   const Variable* variable = variables_.find(name);
   if (variable == nullptr) {
@@ -58,7 +65,7 @@ void References::levels(const std::string& path,
                         const Levels& levels,
                         const std::vector<std::string>& allowed) const {
   for (const auto& [name, level] : levels) {
-    const std::string here = path + "." + name;
+    const std::string here = inside(path, name);
     if (std::ranges::find(allowed, name) == allowed.end()) {
       fail(here + " is a level of " + in_quotes(name) + ", which is none of the fields here");
     } else if (const Variable* variable = variables_.find(name)) {

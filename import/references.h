@@ -13,6 +13,8 @@ namespace hierfit::fit {
 
 /// "list[3]".
 std::string item(std::string_view list, size_t position);
+/// "object.name".
+std::string inside(std::string_view object, std::string_view name);
 
 /// Looks up variables and values for one fit.
 class References {

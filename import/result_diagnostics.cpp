@@ -104,6 +104,7 @@ void write_tests(const Fit& fit, XmlWriter& xml) {
 void write_values(std::string_view field, const std::vector<Value>& values, XmlWriter& xml) {
   const auto coordinates = xml.element("Coordinates", {{"field", field}});
   std::vector<std::string_view> items;
+  items.reserve(values.size());
   for (const Value& value : values)
     items.push_back(value.text);
   xml.texts(items);

@@ -12,7 +12,7 @@ namespace {
 struct ParameterStats {
   std::string name;
   std::string label;
-  Estimate estimate;
+  const Estimate* estimate;
   bool is_t = false;  ///< whether the statistic is a t, else a z
   double exp = kMissing;
   double exp_low = kMissing;
@@ -21,7 +21,7 @@ struct ParameterStats {
 };
 
 [[nodiscard]] XmlWriter::Element parameter_element(const ParameterStats& row, XmlWriter& xml) {
-  const Estimate& estimate = row.estimate;
+  const Estimate& estimate = *row.estimate;
   const std::string statistic = number_text(estimate.statistic);
   return xml.element("ParameterStats", {{"paramName", row.name},
                                         {"paramLabel", row.label},
@@ -42,12 +42,12 @@ struct ParameterStats {
 
 /// The fixed coefficients have a column for t alone; a z goes there, too.
 ParameterStats stats_of(const Coefficient& row, std::string name, std::string label) {
-  return {std::move(name), std::move(label), row, true, row.exp, row.exp_low, row.exp_high, false};
+  return {std::move(name), std::move(label), &row, true, row.exp, row.exp_low, row.exp_high, false};
 }
 
 ParameterStats redundant(bool has_exp, std::string name, std::string label) {
-  ParameterStats row = {std::move(name), std::move(label), {}};
-  row.estimate.estimate = 0;
+  static constexpr Estimate kZero = {.estimate = 0};
+  ParameterStats row = {std::move(name), std::move(label), &kZero};
   if (has_exp) row.exp = 1;
   row.is_redundant = true;
   return row;
@@ -161,7 +161,7 @@ void write_residual(const Fit& fit, XmlWriter& xml) {
     if (!levels.empty()) write_segment(levels, xml);
     for (size_t at = 0; at < rows.size(); ++at) {
       const auto element =
-          parameter_element({"R" + std::to_string(at), rows[at]->parameter, *rows[at]}, xml);
+          parameter_element({"R" + std::to_string(at), rows[at]->parameter, rows[at]}, xml);
       write_residual_name(*rows[at], xml);
     }
   }
@@ -176,7 +176,7 @@ void write_random(const Prepared& prepared, size_t block, XmlWriter& xml) {
     for (size_t at = 0; at < rows.size(); ++at) {
       const std::string label =
           label_of_parameter(*rows[at], prepared.random[block], random.effects, prepared.variables);
-      const auto element = parameter_element({"G" + std::to_string(at), label, *rows[at]}, xml);
+      const auto element = parameter_element({"G" + std::to_string(at), label, rows[at]}, xml);
       write_random_name(*rows[at], random, block + 1, xml);
     }
   }

@@ -72,6 +72,7 @@ void write_fields(const std::vector<Row>& rows,
                   XmlWriter& xml) {
   for (const std::string& field : fields) {
     std::vector<std::string_view> items;
+    items.reserve(rows.size());
     for (const Row& row : rows)
       items.push_back(level_in(row.levels, field));
     write_coordinates(field, items, xml);

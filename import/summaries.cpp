@@ -237,6 +237,7 @@ class Summariser {
 
   static std::vector<Value> values_at(const Column& column, const std::vector<size_t>& records) {
     std::vector<Value> values;
+    values.reserve(records.size());
     for (const size_t record : records)
       values.push_back({text_at(column, record)});
     return values;

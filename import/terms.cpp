@@ -98,8 +98,7 @@ std::string label_of(const DesignTerm& term,
     return std::string(only.field) + (only.value.empty() ? "" : "=") + std::string(only.value);
   }
   std::string closing;
-  for (size_t at = 0; at < parts.factors.size(); ++at) {
-    const TermFactor& factor = parts.factors[at];
+  for (const TermFactor& factor : parts.factors) {
     if (factor.is_nested) {
       text += '(';
       closing += ')';

@@ -61,7 +61,7 @@ TEST_CASE("an error names the member of a fit, what stands there and what may") 
        "error: means[0].contrasts.compare is \"x\", which is none of the fields of the means\n"},
       {"/means/0/rows/1/levels", R"({"h": "b"})",
        "error: means[0].rows[1].levels.h is a level of \"h\", which is none of the fields here\n"
-       "error: means[0].rows[1].levels lacks the level of g\n"},
+       "error: means[0].rows[1].levels lacks the level of \"g\"\n"},
       {"/data/columns/x", "[1, 2]",
        "error: data.columns.x has 2 values, and data.columns.y has 6\n"},
       {"/data/columns/x/4", R"("NA")", "error: data.columns.x[4] is \"NA\", which is no number\n"},
