@@ -36,7 +36,8 @@ thread_local bool ran_out = false;
 /// Objects of libraries that were given no memory for what they should hold may not bear to go.
 void on_bad_access(int signal) {
   if (ran_out) end_for_memory();
-  std::signal(signal, SIG_DFL);  // and again
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
 }
 
 /// Ahead of static objects, which ask for memory, too.
