@@ -18,7 +18,7 @@ class Drawing {
   Drawing& operator=(const Drawing&) = delete;
 
  private:
-  const bool is_needed_;
+  bool is_needed_;
 };
 
 }  // namespace hierfit::app
