@@ -60,8 +60,11 @@ bool FileEstimate(ParamEstimData& paramEstim,
   if (target.type == "random") {
     return FileRandomEstimate(paramEstim, target.block, paramCollect.fvRandomParamEstim);
   }
-  if (target.type == "fixed") paramCollect.fvFixedParamEstim.push_back(std::move(paramEstim));
-  if (target.type == "repeated") paramCollect.fvRepeatedParamEstim.push_back(std::move(paramEstim));
+  if (target.type == "fixed") {
+    paramCollect.fvFixedParamEstim.push_back(std::move(paramEstim));
+  } else if (target.type == "repeated") {
+    paramCollect.fvRepeatedParamEstim.push_back(std::move(paramEstim));
+  }
   return true;
 }
 
