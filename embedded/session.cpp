@@ -60,7 +60,7 @@ DocumentError explain(const std::string& file, const ReadFailure& failure) {
 
 }  // namespace
 
-Session::Session(SessionInput input, SessionOptions options)
+Session::Session(SessionInput input, const SessionOptions& options)
     : input_(std::move(input)), state_(std::make_unique<State>()) {
   if (session_of_thread != nullptr) {
     throw std::logic_error("a thread has one session at a time");

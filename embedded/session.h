@@ -43,7 +43,7 @@ class Session {
  public:
   /// Reads the dictionary from the model document and lays the overlay over it. Throws
   /// `DocumentError` for a model document that is refused, `FileError` for a bad overlay.
-  Session(SessionInput input, SessionOptions options);
+  Session(SessionInput input, const SessionOptions& options);
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;

@@ -107,7 +107,7 @@ class SDOMXMLWrapper {
 /// A walk over children of one name, in document order.
 class SDOMXMLIterator {
  public:
-  ~SDOMXMLIterator();
+  ~SDOMXMLIterator();  // NOLINT(performance-trivially-destructible): what it does, a host says.
   SDOMXMLIterator(const SDOMXMLIterator&) = delete;
   SDOMXMLIterator& operator=(const SDOMXMLIterator&) = delete;
 

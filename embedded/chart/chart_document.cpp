@@ -171,6 +171,6 @@ void XDocument::SendChart(bool toOutput, bool flag2, bool flag3) {
   // The data are large and are wanted no more: they move.
   std::vector<output::ChartSource> data;
   if (impl_->data != nullptr) data = impl_->data->impl().take_sources();
-  impl_->outputs.open_section().items.push_back(std::make_unique<output::Chart>(
+  impl_->outputs.open_section().items.emplace_back(std::make_unique<output::Chart>(
       chart::join(*impl_->root, std::move(data), impl_->description)));
 }

@@ -77,8 +77,9 @@ class MarkupReader {
 
   void start(const char* name, const char** attributes) {
     if (open_.size() == kMaxDepth) fail("elements are nested deeper than 512");
-    Element& element =
-        open_.empty() ? root_.emplace() : *open_.back()->content.emplace_back(Element()).element();
+    Element& element = open_.empty()
+                           ? root_.emplace()
+                           : std::get<Element>(open_.back()->content.emplace_back(Element()));
     element.name = name;
     for (; *attributes != nullptr; attributes += 2) {
       element.attributes.emplace_back(attributes[0], attributes[1]);

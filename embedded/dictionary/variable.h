@@ -32,7 +32,7 @@ enum class MeasurementLevel : int32_t { Unknown = 0, Categorical = 1, Ordinal = 
 
 /// The bytes of a label, at most; a longer one is cut. A label stands in each row of some tables
 /// and charts, so without a bound those would outgrow every document.
-inline constexpr size_t kLongestLabel = 32 * 1024;
+inline constexpr size_t kLongestLabel = size_t{32} * 1024;
 
 /// A variable, which is the metadata field of the same index, too.
 class Variable final : public VELT_Variable, public CFField {

@@ -18,9 +18,9 @@ Handles& handles() { return Session::current().handles; }
 Receiver machine() { return Receiver(journal_of_thread(), journal::Id{"VeltJVM", 1}); }
 Receiver glyph_editor() { return Receiver(journal_of_thread(), journal::Id{"GlyphEditor", 1}); }
 
-JNIEnvironment* environment() {
-  static JNIEnvironment one;
-  return &one;
+JNIEnvironment* only_environment() {
+  static JNIEnvironment only;
+  return &only;
 }
 
 class EditorInPlace final : public editor::Editor {
@@ -50,12 +50,12 @@ void VeltJVM::StartJVM() {
   handles().machine_is_started = handles().editor->start_machine();
 }
 
-void VeltJVM::AttachCurrentThread(JNIEnvironment** attached) {
+void VeltJVM::AttachCurrentThread(JNIEnvironment** environment) {
   machine().note("VeltJVM::AttachCurrentThread");
-  if (attached != nullptr) *attached = GetEnv();
+  if (environment != nullptr) *environment = GetEnv();
 }
 
-JNIEnvironment* VeltJVM::GetEnv() { return IsStarted() ? environment() : nullptr; }
+JNIEnvironment* VeltJVM::GetEnv() { return IsStarted() ? only_environment() : nullptr; }
 
 GlyphEditor& GlyphEditor::GetInstance() {
   static GlyphEditor editor;
@@ -64,9 +64,9 @@ GlyphEditor& GlyphEditor::GetInstance() {
 
 bool GlyphEditor::IsStartedHeadless() const { return handles().editor_is_started; }
 
-void GlyphEditor::StartEditorHeadless(JNIEnvironment* attached) {
-  glyph_editor().note("GlyphEditor::StartEditorHeadless", attached != nullptr);
-  handles().editor_is_started = attached != nullptr;
+void GlyphEditor::StartEditorHeadless(JNIEnvironment* environment) {
+  glyph_editor().note("GlyphEditor::StartEditorHeadless", environment != nullptr);
+  handles().editor_is_started = environment != nullptr;
 }
 
 std::string GlyphEditor::EmbedHistogramInGraph(const std::string& graph,

@@ -10,20 +10,20 @@ output::Section& add_section(output::Section& parent, output::Text title) {
   auto section = std::make_unique<output::Section>();
   section->title = std::move(title);
   output::Section& added = *section;
-  parent.items.push_back(std::move(section));
+  parent.items.emplace_back(std::move(section));
   return added;
 }
 
 }  // namespace
 
-BpHeading::Impl::Impl(output::Section& section_,
-                      OpenSections& open_sections_,
-                      const pivot::Wording& wording_,
+BpHeading::Impl::Impl(output::Section& topmost,
+                      OpenSections& open,
+                      const pivot::Wording& words,
                       journal::Journal* journal)
     : Receiver(journal, journal::Id{"BpProcedure", 0}),
-      section(section_),
-      open_sections(open_sections_),
-      wording(wording_) {
+      section(topmost),
+      open_sections(open),
+      wording(words) {
   open_sections.push_back(&section);
 }
 
@@ -46,6 +46,6 @@ output::Table& BpHeading::Impl::add_table(const BpCellText::Impl& title,
   table->title = pivot::shown_text(title, wording);
   table->subtype = pivot::shown_text(subtype, wording).shown;
   output::Table& added = *table;
-  section.items.push_back(std::move(table));
+  section.items.emplace_back(std::move(table));
   return added;
 }

@@ -16,9 +16,9 @@ using OpenSections = std::vector<output::Section*>;
 struct BpHeading::Impl : hierfit::journal::Receiver {
  public:
   /// The topmost heading, the procedure itself.
-  Impl(hierfit::output::Section& section,
-       hierfit::OpenSections& open_sections,
-       const hierfit::pivot::Wording& wording,
+  Impl(hierfit::output::Section& topmost,
+       hierfit::OpenSections& open,
+       const hierfit::pivot::Wording& words,
        hierfit::journal::Journal* journal);
   /// A heading under another.
   Impl(const Impl& parent, const BpCellText::Impl& title);

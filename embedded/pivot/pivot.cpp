@@ -97,7 +97,7 @@ void BpError(const BpCellText& text, BpErrorShow show, BpErrorLevel level) {
   Session::State& state = Session::current();
   journal::note(state.journal.get(), "BpError", text, static_cast<int32_t>(show),
                 static_cast<int32_t>(level));
-  state.outputs.open_section().items.push_back(std::make_unique<output::Message>(output::Message{
+  state.outputs.open_section().items.emplace_back(std::make_unique<output::Message>(output::Message{
       pivot::shown_text(text.impl(), {state.inputs.strings, state.outputs.document}),
       severity_of(level)}));
 }

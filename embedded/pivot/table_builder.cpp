@@ -24,10 +24,10 @@ void widen(output::Cells& cells) {
 
 }  // namespace
 
-BpPivotTable::Impl::Impl(output::Table& table_,
-                         const pivot::Wording& wording_,
+BpPivotTable::Impl::Impl(output::Table& into,
+                         const pivot::Wording& words,
                          journal::Journal* journal)
-    : Receiver(journal, "BpPivotTable"), table(table_), wording(wording_) {}
+    : Receiver(journal, "BpPivotTable"), table(into), wording(words) {}
 
 BpPivotTable::Impl::~Impl() {
   settle_positions();

@@ -29,8 +29,8 @@ struct BpCategory::Impl : hierfit::journal::Receiver {
 /// settles where the dimensions without a place stand.
 struct BpPivotTable::Impl : hierfit::journal::Receiver {
  public:
-  Impl(hierfit::output::Table& table,
-       const hierfit::pivot::Wording& wording,
+  Impl(hierfit::output::Table& into,
+       const hierfit::pivot::Wording& words,
        hierfit::journal::Journal* journal);
   ~Impl();
   Impl(const Impl&) = delete;

@@ -18,6 +18,10 @@ using Facet = boost::locale::message_format<char>;
 
 constexpr std::string_view kKeysAsTheyStand = "C";
 
+std::string catalogue_file(const std::string& directory, const std::string& tag) {
+  return directory + "/" + tag + ".mo";
+}
+
 /// The first of the language's tags that has a catalogue, or "C".
 std::string catalogue_tag(const std::string& directory, std::string_view language) {
   // A tag names a file, so it has only what tags have.
@@ -25,7 +29,7 @@ std::string catalogue_tag(const std::string& directory, std::string_view languag
       language, [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '-'; });
   if (language == kKeysAsTheyStand || !is_tag) return std::string(kKeysAsTheyStand);
   for (std::string& tag : serving_tags(language)) {
-    if (std::filesystem::exists(directory + "/" + tag + ".mo")) return std::move(tag);
+    if (std::filesystem::exists(catalogue_file(directory, tag))) return std::move(tag);
   }
   return std::string(kKeysAsTheyStand);
 }
@@ -91,7 +95,7 @@ StringTable::StringTable() : impl_(std::make_unique<Impl>()) {}
 StringTable::StringTable(const std::string& directory, std::string_view language) : StringTable() {
   impl_->language = catalogue_tag(directory, language);
   if (impl_->language == kKeysAsTheyStand) return;
-  impl_->open(directory + "/" + impl_->language + ".mo");
+  impl_->open(catalogue_file(directory, impl_->language));
   impl_->read_marks(language);
 }
 

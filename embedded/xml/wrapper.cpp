@@ -84,8 +84,7 @@ struct SDOMXMLIterator::Impl {
 SDOMXMLWrapper::SDOMXMLWrapper() : impl_(nullptr) {
   auto document = std::make_unique<LoadedDocument>();
   void* place = document->handed_out.allocate(sizeof(Impl), alignof(Impl));
-  impl_ = ::new (place) Impl{document.get(), Tree::kRoot, true};
-  document.release();
+  impl_ = ::new (place) Impl{document.release(), Tree::kRoot, true};
 }
 
 // Elements that a root hands out are never destroyed one by one: they are memory of its document.
@@ -160,8 +159,10 @@ bool SDOMXMLWrapper::GetSimpleArray(std::vector<std::string>& items) {
   const std::string_view stated = tree.attribute_text(impl_->node, "n");
   const auto count = hierfit::parse_number(stated);
   const std::string_view text = tree.text(impl_->node, storage);
-  const auto most = static_cast<double>(text.size() / 2 + 1);  // an item and a blank each
-  if (count && *count > 0 && *count <= most) items.reserve(static_cast<size_t>(*count));
+  const size_t most = text.size() / 2 + 1;  // an item and a blank each
+  if (count && *count > 0 && *count <= static_cast<double>(most)) {
+    items.reserve(static_cast<size_t>(*count));
+  }
   const bool fits = hierfit::xml::split_items(text, items) &&
                     (!hierfit::is_number(stated) || count == static_cast<double>(items.size()));
   if (!fits) {
