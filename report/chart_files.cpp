@@ -130,7 +130,7 @@ std::vector<const Chart*> charts_of(const Document& document) {
 }
 
 std::vector<const Chart*> chosen_charts(const Document& document, const Options& options) {
-  const std::vector<const Chart*> charts = charts_of(document);
+  std::vector<const Chart*> charts = charts_of(document);
   if (options.chart > charts.size()) {
     throw std::out_of_range("there is no chart " + std::to_string(options.chart) +
                             ": the report has " + std::to_string(charts.size()));

@@ -22,9 +22,9 @@ std::string shown_pair(const ChartVariable& variable,
                        MarkRows rows,
                        const output::NumberStyle& style) {
   const auto [row, partner] = rows;
-  const std::string one = shown_value(variable, row, style);
+  std::string one = shown_value(variable, row, style);
   if (partner == row || !has_value(variable, partner)) return one;
-  const std::string other = shown_value(variable, partner, style);
+  std::string other = shown_value(variable, partner, style);
   if (!has_value(variable, row) || one == other) return other;
   return "[" + one + ", " + other + "]";
 }

@@ -51,8 +51,8 @@ Nodes placed(const Circle& circle, double radius) {
 
 /// As many nodes as have, joined each with each, no more edges than all circles may have.
 size_t nodes_of_circle(size_t circles) {
-  const double lines = static_cast<double>(kMostLines / circles);
-  return std::min(kMostNodes, static_cast<size_t>(std::sqrt(2 * lines)));
+  const size_t lines = kMostLines / circles;
+  return std::min(kMostNodes, static_cast<size_t>(std::sqrt(2 * static_cast<double>(lines))));
 }
 
 /// The circle with the nodes alone that have the strongest edges.

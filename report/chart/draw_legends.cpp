@@ -1,7 +1,7 @@
 // The legends: one below the other, the entries of each flow like words.
 #include <algorithm>
 #include <cmath>
-#include <map>
+#include <set>
 
 #include "report/chart/density.h"
 #include "report/chart/pieces.h"
@@ -98,16 +98,14 @@ const ChartVariable* variable_of(const Binding& binding, RoleKind kind) {
 /// range.
 std::vector<double> values_to_show(const ChartVariable& variable) {
   Range range;
-  std::map<double, bool, std::greater<>> labelled;
+  std::set<double, std::greater<>> labelled;
   for (const double value : variable.values.numbers()) {
     if (!is_number(value)) continue;
     range.add(value);
     if (labelled.size() < kMostEntries && variable.label_of(value) != nullptr)
-      labelled[value] = true;
+      labelled.insert(value);
   }
-  std::vector<double> values;
-  for (const auto& [value, shown] : labelled)
-    values.push_back(value);
+  std::vector<double> values(labelled.begin(), labelled.end());
   if (!values.empty() || range.empty) return values;
   if (range.low == range.high) return {range.low};
   values = ticks_of(range, 5).values;
@@ -133,10 +131,12 @@ std::vector<Entry> size_entries(const Binding& binding, const LegendFacts& facts
 std::vector<double> raster_steps(double densest) {
   constexpr double kSteps[] = {1, 2, 5};
   std::vector<double> all;
-  for (double power = 1; power < densest; power *= 10) {
+  double power = 1;
+  while (power < densest) {
     for (const double step : kSteps) {
       if (step * power < densest) all.push_back(step * power);
     }
+    power *= 10;
   }
   constexpr size_t kMost = 4;
   const size_t every = (all.size() + kMost - 1) / kMost;

@@ -69,7 +69,7 @@ class Paneling {
   }
 
   std::string title(const ChartVariable& variable, size_t row) const {
-    const std::string value = shown_value(variable, row, style_);
+    std::string value = shown_value(variable, row, style_);
     if (!variable.prefix.empty() || variable.label.empty()) return value;
     return variable.label + ": " + value;
   }

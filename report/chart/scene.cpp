@@ -199,9 +199,10 @@ std::vector<Point> around(Point centre, double radius, int count, double first) 
 std::vector<Point> through(Point centre, double radius, int lines, double first) {
   std::vector<Point> points;
   const std::vector<Point> ends = around(centre, radius, 2 * lines, first);
-  for (int i = 0; i < lines; ++i) {
-    points.push_back(ends[static_cast<size_t>(i)]);
-    points.push_back(ends[static_cast<size_t>(i + lines)]);
+  const size_t half = ends.size() / 2;
+  for (size_t i = 0; i < half; ++i) {
+    points.push_back(ends[i]);
+    points.push_back(ends[half + i]);
   }
   return points;
 }

@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 
+#include "report/append.h"
 #include "report/chart/binding.h"
 #include "report/file_name.h"
 #include "report/report.h"
@@ -230,8 +231,9 @@ void add_chart(std::vector<File>& files,
                const std::string& name) {
   for (const ChartSource& source : chart.sources) {
     const size_t number = static_cast<size_t>(&source - chart.sources.data()) + 1;
-    const std::string suffix = number == 1 ? "" : "-" + std::to_string(number);
-    files.push_back({"figure-" + name + suffix + ".csv", sheet_of(document, source)});
+    std::string file = "figure-" + name;
+    if (number > 1) append(file, "-", number);
+    files.push_back({file + ".csv", sheet_of(document, source)});
   }
 }
 

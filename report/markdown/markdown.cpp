@@ -101,7 +101,7 @@ class MarkdownTable {
     return styled(escaped(view_.text(text)), text.symbol);
   }
 
-  static std::string styled(std::string content, bool symbol) {
+  static std::string styled(const std::string& content, bool symbol) {
     return symbol ? '*' + content + '*' : content;
   }
 

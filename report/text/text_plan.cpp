@@ -179,6 +179,7 @@ class TextPlanner {
 
   std::vector<size_t> unpadded(const std::vector<Need>& needs) const {
     std::vector<size_t> widths;
+    widths.reserve(needs.size());
     for (const Need& need : needs)
       widths.push_back(static_cast<size_t>(need.least) - plan_.gap);
     return widths;
