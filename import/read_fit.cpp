@@ -212,6 +212,7 @@ bool Filler::end_object() {
 template <typename List>
 std::vector<std::string_view> sorted_names(const List& list) {
   std::vector<std::string_view> names;
+  names.reserve(list.size());
   for (const auto& [name, value] : list)
     names.push_back(name);
   std::ranges::sort(names);
