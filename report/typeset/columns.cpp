@@ -1,7 +1,6 @@
 #include "report/typeset/columns.h"
 
 #include <cmath>
-#include <ranges>
 #include <span>
 
 namespace hierfit::report {
@@ -78,13 +77,14 @@ void cover_heads(const TableView& view, const Ruler& ruler, Needs& needs) {
       needs.stubs[stub].cover(ruler.stub_title(*title));
     }
   }
-  for (const Head& head : std::ranges::reverse_view(view.layout.column_heads)) {
-    const Need need = ruler.column_head(head);
-    if (head.span == 1) {
-      needs.columns[head.first].cover(need);
+  const std::vector<Head>& heads = view.layout.column_heads;
+  for (auto head = heads.rbegin(); head != heads.rend(); ++head) {
+    const Need need = ruler.column_head(*head);
+    if (head->span == 1) {
+      needs.columns[head->first].cover(need);
     } else {
-      share(under(head, needs), &Need::least, need.least, ruler.in_whole_units());
-      share(under(head, needs), &Need::wanted, need.wanted, ruler.in_whole_units());
+      share(under(*head, needs), &Need::least, need.least, ruler.in_whole_units());
+      share(under(*head, needs), &Need::wanted, need.wanted, ruler.in_whole_units());
     }
   }
   for (Need& need : needs.columns)

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
-#include <ranges>
 
 #include "report/chart/metrics.h"
 #include "report/typeset/columns.h"
@@ -182,9 +181,9 @@ std::vector<PaperBlock> paper_blocks(const output::Document& document) {
     before = paper.landscape;
   }
   bool behind = false;
-  for (PaperBlock& paper : std::ranges::reverse_view(blocks)) {
-    if (paper.block.is_section()) paper.landscape = behind;
-    behind = paper.landscape;
+  for (auto paper = blocks.rbegin(); paper != blocks.rend(); ++paper) {
+    if (paper->block.is_section()) paper->landscape = behind;
+    behind = paper->landscape;
   }
   return blocks;
 }

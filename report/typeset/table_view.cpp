@@ -46,6 +46,7 @@ const output::Number& TableView::number_of(const PlacedCell& placed) const {
 
 std::vector<uint32_t> TableView::marks(const std::vector<uint32_t>& notes) const {
   std::vector<uint32_t> numbers;
+  numbers.reserve(notes.size());
   for (uint32_t note : notes)
     numbers.push_back(layout.marks[note]);
   std::ranges::sort(numbers);

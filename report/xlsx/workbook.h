@@ -41,7 +41,7 @@ struct Look {
   Rule above = Rule::None;
   Rule below = Rule::None;
 
-  auto operator<=>(const Look&) const = default;
+  auto operator<=>(const Look&) const = default;  // NOLINT(modernize-use-nullptr): no pointer here.
 };
 
 /// A workbook that lives in memory. Throws `std::runtime_error` when the library fails.
