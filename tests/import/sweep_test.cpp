@@ -11,7 +11,7 @@ using nlohmann::ordered_json;
 using Pointer = ordered_json::json_pointer;
 
 /// All members and items, of long lists the first and the last.
-void collect(const ordered_json& value, const Pointer& here, std::vector<Pointer>& all) {
+void collect(const ordered_json& value, Pointer here, std::vector<Pointer>& all) {
   if (value.is_object()) {
     for (const auto& member : value.items()) {
       all.push_back(here / member.key());

@@ -247,7 +247,7 @@ void HFITParamEstimatesOutput::CovarianceSummary(BpPivotTable& table,
 void HFITParamEstimatesOutput::ResidualEffectOutput(
     BpHeading& heading, const std::vector<ParamEstimData>& paramEstimVect) {
   const bool isGrouped = !fpBuildSettings->fvResidualGroupSpec.empty();
-  if (!(isGrouped ? paramEstimVect.size() >= 1 : paramEstimVect.size() == 1)) return;
+  if (isGrouped ? paramEstimVect.empty() : paramEstimVect.size() != 1) return;
   const Layout layout = isGrouped ? Layout::ByGroup : Layout::Plain;
   if (!AllFit(layout, paramEstimVect)) return;
 
