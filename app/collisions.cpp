@@ -94,7 +94,8 @@ void write_all(const Job& job, Collisions& collisions) {
 void refuse_collisions(std::span<const Job> jobs, const std::string& index) {
   Collisions collisions;
   for (const Job& job : jobs) {
-    for (const std::string& input : {job.pair.model, job.pair.result, job.pair.dictionary}) {
+    for (const std::string& input :
+         {job.pair.fit, job.pair.model, job.pair.result, job.pair.dictionary}) {
       if (!input.empty()) collisions.read(input);
     }
   }
