@@ -6,7 +6,7 @@
 #include <iterator>
 #include <sstream>
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 namespace {
 
@@ -55,4 +55,4 @@ std::string golden_difference(const std::string& name, std::string_view text) {
   return (update ? "rewritten: " : "") + difference;
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 /// Whether the run was started with `--update-golden`. Set once, by `main`.
 bool& updating_golden();
@@ -16,4 +16,4 @@ bool& updating_golden();
 /// too.
 std::string golden_difference(const std::string& name, std::string_view text);
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

@@ -7,7 +7,7 @@
 
 int main(int argc, char** argv) {
   for (int i = 1; i < argc; ++i) {
-    if (std::string_view(argv[i]) == "--update-golden") hierfit::tests::updating_golden() = true;
+    if (std::string_view(argv[i]) == "--update-golden") hierfit::test::updating_golden() = true;
   }
   return doctest::Context(argc, argv).run();
 }

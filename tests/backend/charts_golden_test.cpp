@@ -149,7 +149,7 @@ std::string charts_of(const DocumentFiles& files) {
 
 void check_charts(const std::string& name, const DocumentFiles& files) {
   CAPTURE(name);
-  CHECK(hierfit::tests::golden_difference("charts/" + name + ".txt", charts_of(files)) == "");
+  CHECK(hierfit::test::golden_difference("charts/" + name + ".txt", charts_of(files)) == "");
 }
 
 }  // namespace

@@ -48,10 +48,10 @@ std::string pivot_calls(const std::string& journal) {
 
 void check_run(const std::string& name, const DocumentFiles& files) {
   CAPTURE(name);
-  CHECK(hierfit::tests::golden_difference("tables/" + name + ".calls",
+  CHECK(hierfit::test::golden_difference("tables/" + name + ".calls",
                                           pivot_calls(run(files, "C").journal)) == "");
   const TableRun english = run(files, "en");
-  CHECK(hierfit::tests::golden_difference(
+  CHECK(hierfit::test::golden_difference(
             "tables/" + name + ".txt",
             hierfit::report::render_text(english.document, {.width = kWidth})) == "");
 }

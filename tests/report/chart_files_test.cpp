@@ -10,7 +10,7 @@
 #include "tests/report/chart_samples.h"
 #include "tests/report/markup_reader.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 namespace {
 
@@ -94,4 +94,4 @@ TEST_CASE("a picture holds its data") {
   }
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

@@ -12,7 +12,7 @@
 #include "tests/golden.h"
 #include "tests/report/chart_samples.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 using namespace report::chart;
 
@@ -328,4 +328,4 @@ TEST_CASE("conditions name the panel of a guide") {
   CHECK_FALSE(names_value("01", "1"));
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

@@ -9,7 +9,7 @@
 #include "embedded/chart/parse_markup.h"
 #include "output/number_format.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 using output::Chart;
 
@@ -594,4 +594,4 @@ std::vector<ChartSample> hard_chart_samples() {
   return samples;
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

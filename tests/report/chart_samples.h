@@ -6,7 +6,7 @@
 
 #include "output/chart.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 /// Data of one variable, to be put into a chart.
 class ChartData {
@@ -68,4 +68,4 @@ std::vector<ChartSample> chart_samples();
 /// Large, long and awkward ones.
 std::vector<ChartSample> hard_chart_samples();
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

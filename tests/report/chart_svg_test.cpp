@@ -13,7 +13,7 @@
 #include "tests/report/chart_samples.h"
 #include "tests/report/markup_reader.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 using namespace report::chart;
 
@@ -130,4 +130,4 @@ TEST_CASE("a figure of the report") {
   CHECK(has(">46.66</td>"));
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

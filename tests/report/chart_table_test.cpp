@@ -13,7 +13,7 @@
 #include "tests/report/chart_samples.h"
 #include "tests/report/markup_reader.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 namespace {
 
@@ -138,4 +138,4 @@ TEST_CASE("a table of the data of a figure") {
   }
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

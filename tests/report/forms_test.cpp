@@ -7,7 +7,7 @@
 #include "tests/report/sample_documents.h"
 #include "tests/report/table_builder.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 namespace {
 
@@ -101,4 +101,4 @@ TEST_CASE("the JSON form") {
   }
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

@@ -5,7 +5,7 @@
 #include "tests/report/sample_documents.h"
 #include "tests/report/table_builder.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 namespace {
 
@@ -143,4 +143,4 @@ TEST_CASE("the same document gives the same bytes") {
         report::render_html(procedure_document(), {}));
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

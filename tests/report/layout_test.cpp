@@ -5,7 +5,7 @@
 #include "report/wording.h"
 #include "tests/report/table_builder.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 using output::kNone;
 using report::Head;
@@ -174,4 +174,4 @@ TEST_CASE("notes are numbered in reading order") {
   }
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

@@ -5,7 +5,7 @@
 
 #include "embedded/chart/parse_markup.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 Markup markup_of(const std::string& text) {
   Markup markup;
@@ -39,4 +39,4 @@ std::string part(const std::string& package, const std::string& name) {
   return content;
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

@@ -5,7 +5,7 @@
 #include <set>
 #include <string>
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 /// Gathered from the tree of a text. Reading throws where the text is not well-formed.
 struct Markup {
@@ -21,4 +21,4 @@ Markup markup_of(const std::string& text);
 /// A part of a package; empty when there is none of that name.
 std::string part(const std::string& package, const std::string& name);
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

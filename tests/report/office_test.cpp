@@ -10,7 +10,7 @@
 #include "tests/report/sample_documents.h"
 #include "tests/report/table_builder.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 namespace {
 
@@ -249,4 +249,4 @@ TEST_CASE("a wide table has the same parts on paper, whatever the form") {
   CHECK(in_text == planned);
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

@@ -9,7 +9,7 @@
 #include "tests/report/sample_documents.h"
 #include "tests/report/table_builder.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 namespace {
 
@@ -165,4 +165,4 @@ TEST_CASE("a chart for Vega-Lite") {
   }
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

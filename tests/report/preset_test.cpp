@@ -8,7 +8,7 @@
 #include "tests/report/sample_documents.h"
 #include "tests/report/table_builder.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 namespace {
 
 using nlohmann::json;
@@ -104,4 +104,4 @@ TEST_CASE("symbols are known by their keys, in each language and in no other wor
   CHECK(significances == "1001");
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

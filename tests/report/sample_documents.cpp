@@ -6,7 +6,7 @@
 
 #include "tests/report/table_builder.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 using output::Document;
 using output::Section;
@@ -328,4 +328,4 @@ Document large_document(int rows) {
   return document;
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

@@ -3,7 +3,7 @@
 
 #include "output/document.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 /// A report with each kind of table that the procedure makes.
 output::Document procedure_document();
@@ -15,4 +15,4 @@ output::Document awkward_document();
 /// One table of `rows` rows and seven columns under two head rows.
 output::Document large_document(int rows);
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

@@ -68,12 +68,12 @@ std::string shown(const std::string& form, output::Document& document) {
 int main(int argc, char** argv) {
   if (argc < 2) return 2;
   const std::string form = argv[1];
-  std::vector<tests::ChartSample> samples = tests::chart_samples();
-  std::ranges::move(tests::hard_chart_samples(), std::back_inserter(samples));
+  std::vector<test::ChartSample> samples = test::chart_samples();
+  std::ranges::move(test::hard_chart_samples(), std::back_inserter(samples));
   output::Document document;
   document.title = "Charts";
   json marks = json::array();
-  for (tests::ChartSample& sample : samples) {
+  for (test::ChartSample& sample : samples) {
     const bool wanted = argc == 2 || std::any_of(argv + 2, argv + argc, [&](const char* name) {
                           return sample.name == name;
                         });

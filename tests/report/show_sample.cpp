@@ -19,12 +19,12 @@ using hierfit::output::Document;
 Document document_of_many() {
   Document document;
   for (size_t block = 1; block <= 21; ++block) {
-    Document part = hierfit::tests::procedure_document();
+    Document part = hierfit::test::procedure_document();
     auto section = std::make_unique<hierfit::output::Section>();
     section->title.shown = "Random effect block " + std::to_string(block);
     section->items = std::move(part.content.items);
     for (hierfit::output::Chart chart :
-         {hierfit::tests::scatter_chart(block * 10), hierfit::tests::means_chart(block, 2)}) {
+         {hierfit::test::scatter_chart(block * 10), hierfit::test::means_chart(block, 2)}) {
       section->items.emplace_back(std::make_unique<hierfit::output::Chart>(std::move(chart)));
     }
     document.content.items.emplace_back(std::move(section));
@@ -33,10 +33,10 @@ Document document_of_many() {
 }
 
 Document document_named(std::string_view name) {
-  if (name == "awkward") return hierfit::tests::awkward_document();
-  if (name == "large") return hierfit::tests::large_document(100000);
+  if (name == "awkward") return hierfit::test::awkward_document();
+  if (name == "large") return hierfit::test::large_document(100000);
   if (name == "many") return document_of_many();
-  Document document = hierfit::tests::procedure_document();
+  Document document = hierfit::test::procedure_document();
   document.right_to_left = name == "rtl";
   return document;
 }

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 using output::kNone;
 
@@ -130,4 +130,4 @@ TableBuilder& TableBuilder::column_width(int points) {
   return *this;
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

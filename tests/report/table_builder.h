@@ -10,7 +10,7 @@
 
 #include "output/document.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 /// The labels from the top of a dimension's tree down to a category; empty for no category.
 using Path = std::vector<std::string>;
@@ -61,4 +61,4 @@ class TableBuilder {
   std::vector<std::map<std::pair<uint32_t, std::string>, uint32_t>> nodes_;
 };
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

@@ -8,7 +8,7 @@
 #include "tests/report/sample_documents.h"
 #include "tests/report/table_builder.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 namespace {
 
@@ -134,4 +134,4 @@ TEST_CASE("text for a terminal") {
   }
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

@@ -8,7 +8,7 @@
 #include "report/wording.h"
 #include "tests/report/table_builder.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 using report::Part;
 using report::RowCell;
@@ -254,4 +254,4 @@ TEST_CASE("patterns are filled by number; a hole without an argument stays") {
   CHECK(report::filled("^1 ^2 ^x", "^2") == "^2 ^2 ^x");
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test
