@@ -16,6 +16,7 @@
 #include "embedded/strings/string_table.h"
 #include "report/picture/png.h"
 #include "report/preset.h"
+#include "report/selection.h"
 #include "report/words.h"
 
 namespace hierfit::app {
@@ -48,6 +49,24 @@ void tell_of(const std::vector<Shortfall>& shortfalls, const Workshop& workshop)
     say({shortfall.where, "a chart cannot be made whole: " + shortfall.sentence, kWritten}, colour);
 }
 
+/// Leaves the tables and figures that are asked for; of a name that there is not it is told which
+/// there are.
+void choose(output::Document& document, const Workshop& workshop) {
+  const std::vector<std::string>& wanted = workshop.options.tables;
+  if (wanted.empty()) return;
+  const std::vector<std::string> names = report::names_in(document);
+  const std::vector<std::string_view> known(names.begin(), names.end());
+  const bool colour = uses_colour(workshop.options.colour, STDERR_FILENO);
+  for (const std::string& name : wanted) {
+    if (report::is_among(name, names)) continue;
+    say({{},
+         "the report has no table or figure \"" + name + "\"; it has " + listed(known),
+         kWritten},
+        colour);
+  }
+  report::keep(wanted, document);
+}
+
 output::Document make_document(SessionInput input,
                                const Workshop& workshop,
                                std::ostream* journal) {
@@ -61,6 +80,7 @@ output::Document make_document(SessionInput input,
   tell_of(session.shortfalls(), workshop);
   output::Document document = session.take_document();
   report::apply(*report::preset_by_name(workshop.options.style), document);
+  choose(document, workshop);
   return document;
 }
 
@@ -84,6 +104,9 @@ report::Options look_of(const Output& output, const Options& options) {
   look.chart = options.chart;
   look.chart_width = options.chart_width;
   look.resolution = options.resolution;
+  look.fragment = options.fragment;
+  look.id_prefix = options.id_prefix;
+  look.styles = !options.no_styles;
   look.width = options.width;
   if (output.to_standard_output()) {
     look.colour = uses_colour(options.colour, STDOUT_FILENO);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <sstream>
 
 #include "import/nearest.h"
 #include "report/chart_files.h"
@@ -45,6 +46,17 @@ constexpr OptionRow kRows[] = {
      "the form of an output whose ending tells none, or of the only output; of several reports, "
      "one of their forms",
      &Options::forms, &form_names, 0, 0, &is_form},
+    {Section::Output, "-t,--tables", "NAME,...", Takes::Text,
+     "only these tables and figures, by the names that JSON gives them as subtype",
+     &Options::tables},
+    {Section::Output, "--fragment", nullptr, Takes::Nothing,
+     "a piece for another page, article or text in place of a whole one: html, latex, or the "
+     "markup of a docx, which has no figures",
+     &Options::fragment},
+    {Section::Output, "--id-prefix", "TEXT", Takes::Text,
+     "what the ids of an html fragment begin with, else hierfit-", &Options::id_prefix},
+    {Section::Output, "--no-styles", nullptr, Takes::Nothing,
+     "an html fragment for a page that has the style sheet of another one", &Options::no_styles},
     {Section::Output, "--journal", "FILE", Takes::File, "write the host call journal",
      &Options::journal},
 
@@ -251,6 +263,25 @@ void refuse_empty_values(std::span<const char* const> arguments) {
   }
 }
 
+/// Divides lists of names at their commas.
+void divide_names(std::vector<std::string>& names) {
+  std::vector<std::string> divided;
+  for (const std::string& list : names) {
+    std::istringstream parts(list);
+    for (std::string name; std::getline(parts, name, ',');)
+      divided.push_back(name);
+  }
+  std::erase(divided, "");
+  names = std::move(divided);
+}
+
+bool is_id(std::string_view text) {
+  constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+  constexpr std::string_view kOthers = "0123456789-_";
+  return kLetters.find(text[0]) != std::string_view::npos &&
+         text.find_first_not_of(std::string(kLetters).append(kOthers)) == std::string_view::npos;
+}
+
 /// Takes the first word for a command when it is one.
 void take_command(Options& options) {
   if (options.inputs.empty()) return;
@@ -264,6 +295,10 @@ void check(const Options& options) {
   if (options.help || options.version || options.manual || !options.completion.empty()) return;
   if (options.inputs.empty()) {
     throw UsageError("a model document and a result document are needed, or a fit");
+  }
+  if (!is_id(options.id_prefix)) {
+    throw UsageError("--id-prefix cannot be \"" + options.id_prefix +
+                     "\"; it is a letter, then letters, digits, hyphens and underscores");
   }
   if (options.journal == "-") throw UsageError("--journal needs a file; \"-\" is none");
   const auto from_input = std::ranges::count(options.inputs, "-") + (options.dictionary == "-");
@@ -320,6 +355,7 @@ Options parse_options(int argument_count, const char* const* arguments) {
     if (extra != kEndOfOptions) refuse_option(extra);
   }
   take_command(options);
+  divide_names(options.tables);
   check(options);
   return options;
 }

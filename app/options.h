@@ -31,11 +31,15 @@ struct Options {
   size_t chart = 0;                      ///< 0: all
   double chart_width = 720;              ///< pixels of 1/96 inch
   double resolution = 192;               ///< points an inch
-  size_t width = kTerminalWidth;         ///< columns of the text form; 0: no limit
-  size_t jobs = 0;                       ///< reports made at a time; 0: one a core
-  std::string journal;                   ///< empty: none
-  std::string colour = "auto";           ///< auto, always, never
-  std::string completion;                ///< a shell
+  std::vector<std::string> tables;       ///< names of tables and figures; empty: all
+  bool fragment = false;
+  std::string id_prefix = "hierfit-";  ///< of a fragment
+  bool no_styles = false;              ///< leave the style sheet of a fragment out
+  size_t width = kTerminalWidth;       ///< columns of the text form; 0: no limit
+  size_t jobs = 0;                     ///< reports made at a time; 0: one a core
+  std::string journal;                 ///< empty: none
+  std::string colour = "auto";         ///< auto, always, never
+  std::string completion;              ///< a shell
   bool manual = false;
   bool quiet = false;
   bool help = false;

@@ -35,6 +35,9 @@ const report::Form& form_of(const std::string& path, const Options& options) {
 Output output_of(const std::string& path, const Options& options) {
   const report::Form& form = form_of(path, options);
   const bool folder = is_folder(path);
+  if (options.fragment && !form.has_fragment) {
+    throw UsageError("the form " + std::string(form.name) + " of \"" + path + "\" has no fragment");
+  }
   if (folder && form.render_folder == nullptr) {
     throw UsageError("\"" + path + "\" is a folder, and the form " + std::string(form.name) +
                      " is one file");

@@ -26,6 +26,13 @@ struct Options {
   double chart_width = 720;
   /// The resolution of charts as grids of points, in points an inch.
   double resolution = 192;
+  /// Forms that have it: a piece for somebody else's page, article or text, without what makes a
+  /// whole one.
+  bool fragment = false;
+  /// HTML form: what every id of a fragment begins with, so that several share a page.
+  std::string_view id_prefix = "hierfit-";
+  /// HTML form: whether a fragment brings its style sheet; a page needs it once.
+  bool styles = true;
 };
 
 /// One self-contained page: no script, style, font or picture from elsewhere.
@@ -85,17 +92,18 @@ struct Form {
   std::string_view endings;
   std::string (*render)(const output::Document&, const Options&);
   std::vector<File> (*render_folder)(const output::Document&, const Options&) = nullptr;
+  bool has_fragment = false;  ///< whether it knows `Options::fragment`
 };
 
 inline constexpr Form kForms[] = {
-    {"html", ".html .htm", &render_html},
+    {"html", ".html .htm", &render_html, nullptr, true},
     {"text", ".txt .text", &render_text},
     {"json", ".json", &render_json},
     {"csv", ".csv", &render_csv, &render_csv_folder},
     {"markdown", ".md .markdown", &render_markdown},
-    {"latex", ".tex .latex", &render_latex},
+    {"latex", ".tex .latex", &render_latex, nullptr, true},
     {"xlsx", ".xlsx", &render_xlsx},
-    {"docx", ".docx", &render_docx},
+    {"docx", ".docx", &render_docx, nullptr, true},
     {"pdf", ".pdf", &render_pdf},
     {"svg", ".svg", &render_svg, &render_svg_folder},
     {"png", ".png", &render_png, &render_png_folder},

@@ -4,6 +4,7 @@
 #include "report/append.h"
 #include "report/chart/figure.h"
 #include "report/docx/docx_table.h"
+#include "report/docx/fragment.h"
 #include "report/docx/markup.h"
 #include "report/docx/package.h"
 #include "report/docx/parts.h"
@@ -49,6 +50,14 @@ class Report {
     return packed(parts);
   }
 
+  /// The markup of what is text; a picture would need a part of its own.
+  std::string write_fragment() {
+    for (const PaperBlock& paper : blocks_) {
+      if (paper.block.as<output::Chart>() == nullptr) write_block(paper);
+    }
+    return fragment_of(out_);
+  }
+
  private:
   // The text.
 
@@ -61,10 +70,14 @@ class Report {
     write_contents();
     for (const PaperBlock& paper : blocks_) {
       turn(paper.landscape);
-      std::visit([&](const auto* content) { write(*content, paper); }, paper.block.content);
+      write_block(paper);
     }
     write_section_end(landscape_);
     out_ += "</w:body></w:document>\n";
+  }
+
+  void write_block(const PaperBlock& paper) {
+    std::visit([&](const auto* content) { write(*content, paper); }, paper.block.content);
   }
 
   void open_paragraph(std::string_view style) {
@@ -274,7 +287,8 @@ class Report {
 }  // namespace docx
 
 std::string render_docx(const Document& document, const Options& options) {
-  return docx::Report(document, options).write();
+  docx::Report report(document, options);
+  return options.fragment ? report.write_fragment() : report.write();
 }
 
 }  // namespace hierfit::report

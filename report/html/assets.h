@@ -12,7 +12,8 @@ struct Asset {
   std::string_view source;
 };
 
-extern const Asset kStyle;   ///< report.css
-extern const Asset kScript;  ///< report.js
+extern const Asset kStyle;     ///< report.css and chart.css
+extern const Asset kScript;    ///< report.js
+extern const Asset kFragment;  ///< fragment.css
 
 }  // namespace hierfit::report::html

@@ -1,5 +1,5 @@
 # Writes the source that embeds the style sheets, one behind the other, and the script, with their
-# digests: cmake -DSTYLE=...,... -DSCRIPT=... -DOUTPUT=... -P embed.cmake
+# digests: cmake -DSTYLE=...,... -DSCRIPT=... -DFRAGMENT=... -DOUTPUT=... -P embed.cmake
 
 # The base 64 form of the SHA-256 digest of a file.
 function(digest_of file result)
@@ -39,6 +39,7 @@ file(WRITE ${OUTPUT}.css "${sheets}")
 
 embed(kStyle ${OUTPUT}.css style)
 embed(kScript ${SCRIPT} script)
+embed(kFragment ${FRAGMENT} fragment)
 file(WRITE ${OUTPUT} "// Made from the style sheets and the script.
 #include \"report/html/assets.h\"
 
@@ -46,5 +47,6 @@ namespace hierfit::report::html {
 
 ${style}
 ${script}
+${fragment}
 }  // namespace hierfit::report::html
 ")

@@ -3,10 +3,12 @@
 #include <array>
 
 #include "report/append.h"
+#include "report/html/assets.h"
 #include "report/html/html_chart.h"
 #include "report/html/html_table.h"
 #include "report/html/markup.h"
 #include "report/html/page.h"
+#include "report/html/scoped_sheet.h"
 #include "report/report.h"
 #include "report/typeset/blocks.h"
 
@@ -34,14 +36,35 @@ constexpr std::array<Tool, 6> kTools = {{
     {"given", "Decimals as in the report", "\u21BA"},
 }};
 
+/// The class of the element that holds a fragment.
+constexpr std::string_view kScope = "hierfit";
+
+const std::string& fragment_sheet() {
+  static const std::string sheet =
+      html::scoped_sheet(html::kStyle.content, kScope).append(html::kFragment.content);
+  return sheet;
+}
+
 class HtmlReport {
  public:
   HtmlReport(const Document& document, const Options& options)
       : document_(document),
         options_(options),
         texts_(document),
-        blocks_(blocks_of(document)),
+        blocks_(blocks_of(document, options.fragment ? options.id_prefix : "")),
         has_contents_(std::ranges::any_of(blocks_, &Block::is_listed)) {}
+
+  /// The results alone, in an element with the style sheet for it.
+  std::string write_fragment() {
+    if (options_.styles) append(out_, "<style>\n", fragment_sheet(), "</style>\n");
+    append(out_, "<div class=\"", kScope, "\"");
+    html::append_attribute(out_, "lang", document_.language);
+    write_value("theme", options_.theme == "dark" ? "dark" : "light");
+    out_ += document_.right_to_left ? " dir=\"rtl\">\n" : " dir=\"ltr\">\n";
+    write_blocks();
+    out_ += "</div>\n";
+    return std::move(out_);
+  }
 
   std::string write() {
     html::append_page_begin(out_, document_,
@@ -161,7 +184,8 @@ class HtmlReport {
   }
 
   void write(const output::Section& section, const Block& block) {
-    const uint32_t level = std::min(block.level + 1, kDeepestHeading);
+    // Pages that take a fragment in have headings of their own above it.
+    const uint32_t level = std::min(block.level + (options_.fragment ? 2 : 1), kDeepestHeading);
     append(out_, "<section>\n<h", level, " id=\"", block.anchor(), "\">");
     html::append_text(out_, section.title, texts_);
     append(out_, "</h", level, ">\n");
@@ -171,8 +195,8 @@ class HtmlReport {
     html::append_table(out_, document_, block);
   }
 
-  void write(const output::Chart& chart, const Block& block) {
-    html::append_chart(out_, document_, chart, block.number);
+  void write(const output::Chart&, const Block& block) {
+    html::append_chart(out_, document_, block);
   }
 
   void write(const output::Message& message, const Block&) {
@@ -194,7 +218,8 @@ class HtmlReport {
 }  // namespace
 
 std::string render_html(const Document& document, const Options& options) {
-  return HtmlReport(document, options).write();
+  HtmlReport report(document, options);
+  return options.fragment ? report.write_fragment() : report.write();
 }
 
 }  // namespace hierfit::report

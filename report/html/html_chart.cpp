@@ -29,12 +29,12 @@ void append_lines(std::string& out, std::string_view text) {
 
 class HtmlChart {
  public:
-  HtmlChart(std::string& out, const Document& document, const Chart& chart, uint32_t number)
+  HtmlChart(std::string& out, const Document& document, const Block& block)
       : out_(out),
         document_(document),
-        number_(number),
-        id_("c" + std::to_string(number)),
-        figure_(chart, document),
+        number_(numbered(block, document)),
+        id_(block.anchor()),
+        figure_(*block.as<Chart>(), document),
         texts_(document) {}
 
   void write() {
@@ -50,7 +50,7 @@ class HtmlChart {
  private:
   void write_caption() {
     out_ += "<figcaption id=\"" + id_ + "h\"><b>";
-    append_escaped(out_, filled(document_.word("Figure ^1"), std::to_string(number_)));
+    append_escaped(out_, number_);
     out_ += "</b><br><i>";
     append_lines(out_, figure_.title());
     out_ += "</i>";
@@ -147,7 +147,7 @@ class HtmlChart {
 
   std::string& out_;
   const Document& document_;
-  uint32_t number_;
+  std::string number_;  ///< "Figure 3"
   std::string id_;
   chart::Figure figure_;
   Texts texts_;
@@ -155,8 +155,8 @@ class HtmlChart {
 
 }  // namespace
 
-void append_chart(std::string& out, const Document& document, const Chart& chart, uint32_t number) {
-  HtmlChart(out, document, chart, number).write();
+void append_chart(std::string& out, const Document& document, const Block& block) {
+  HtmlChart(out, document, block).write();
 }
 
 }  // namespace hierfit::report::html

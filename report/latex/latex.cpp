@@ -44,24 +44,35 @@ constexpr std::string_view kPreamble = R"(\documentclass[10pt,a4paper]{article}
   \usepackage{fontspec}
 \fi
 \usepackage{array,booktabs,longtable,pdflscape,graphicx}
-\setlength{\tabcolsep}{4.5pt}
+\setlength{\parindent}{0pt}
+\setcounter{secnumdepth}{0}
+)";
+
+/// What the body is written with; in a group it leaves nothing behind.
+constexpr std::string_view kCommands = R"(\setlength{\tabcolsep}{4.5pt}
 \setlength{\LTleft}{0pt}
 \setlength{\LTpre}{14pt}
 \setlength{\LTpost}{4pt}
-\setlength{\parindent}{0pt}
-\setcounter{secnumdepth}{0}
 % A part of a number beside its decimal mark, in the room of the widest one of its column.
-\newcommand*{\lead}[2]{\hphantom{#1}\llap{#2}}
-\newcommand*{\trail}[2]{\rlap{#2}\hphantom{#1}}
+\def\lead#1#2{\hphantom{#1}\llap{#2}}
+\def\trail#1#2{\rlap{#2}\hphantom{#1}}
 % #1: columns, #2: a title, which may be wider than they are
-\newcommand{\tabletitle}[2]{\multicolumn{#1}{@{}l@{}}{\rlap{\parbox[t]{\linewidth}{\raggedright #2\strut}}}}
-\newenvironment{tablenotes}{\footnotesize\raggedright}{\par\medskip}
+\def\tabletitle#1#2{\multicolumn{#1}{@{}l@{}}{\rlap{\parbox[t]{\linewidth}{\raggedright #2\strut}}}}
+\def\tablenotes{\footnotesize\raggedright}
+\def\endtablenotes{\par\medskip}
 % The folder of the charts, written by --charts with --chart-format=pdf.
-\newcommand*{\chartfolder}{charts}
+\providecommand*{\chartfolder}{charts}
 % #1: file, #2: what it shows
-\newcommand{\chart}[2]{\IfFileExists{\chartfolder/#1}%
+\def\chart#1#2{\IfFileExists{\chartfolder/#1}%
   {\includegraphics[width=\linewidth,height=.8\textheight,keepaspectratio]{\chartfolder/#1}}%
   {\fbox{\parbox{.95\linewidth}{\raggedright\small #2}}}\par}
+)";
+
+/// A piece for another article, which is a group of its own.
+constexpr std::string_view kFragmentBegin = R"(% In the preamble:
+%   \usepackage{array,booktabs,longtable,pdflscape,graphicx}
+\begingroup
+\parindent=0pt
 )";
 
 constexpr std::array<std::string_view, 4> kHeadings = {"section", "subsection", "subsubsection",
@@ -69,8 +80,8 @@ constexpr std::array<std::string_view, 4> kHeadings = {"section", "subsection", 
 
 class LatexReport {
  public:
-  explicit LatexReport(const Document& document)
-      : document_(document), blocks_(paper_blocks(document)), shown_(document) {
+  LatexReport(const Document& document, const Options& options)
+      : document_(document), options_(options), blocks_(paper_blocks(document)), shown_(document) {
     charts_ = static_cast<size_t>(std::ranges::count_if(blocks_, [](const PaperBlock& paper) {
       return paper.block.as<output::Chart>() != nullptr;
     }));
@@ -78,18 +89,30 @@ class LatexReport {
 
   std::string write() {
     append(out_, "\\section*{\\Large ", texts_.escaped(report_title(document_)), "}\n");
+    write_blocks();
+    // What the body needs is known at its end.
+    return std::string(kPreamble).append(kCommands) + texts_.declarations() +
+           "\\begin{document}\n" + out_ + "\\end{document}\n";
+  }
+
+  std::string write_fragment() {
+    append(out_, kFragmentBegin, kCommands);
+    write_blocks();
+    return out_ += "\\endgroup\n";
+  }
+
+ private:
+  void write_blocks() {
     for (const PaperBlock& paper : blocks_) {
       out_ += '\n';
       std::visit([&](const auto* content) { write(*content, paper); }, paper.block.content);
     }
-    // What the body needs is known at its end.
-    return std::string(kPreamble) + texts_.declarations() + "\\begin{document}\n" + out_ +
-           "\\end{document}\n";
   }
 
- private:
   void write(const output::Section& section, const PaperBlock& paper) {
-    const size_t level = std::min<size_t>(paper.block.level, kHeadings.size()) - 1;
+    // An article that takes a fragment in has a heading of its own above it.
+    const size_t deeper = options_.fragment ? 1 : 0;
+    const size_t level = std::min<size_t>(paper.block.level + deeper, kHeadings.size()) - 1;
     append(out_, '\\', kHeadings[level], '{', texts_.escaped(shown_.shown(section.title)), "}\n");
   }
 
@@ -113,6 +136,7 @@ class LatexReport {
   }
 
   const Document& document_;
+  const Options& options_;
   std::vector<PaperBlock> blocks_;
   Texts shown_;
   size_t charts_ = 0;
@@ -122,8 +146,9 @@ class LatexReport {
 
 }  // namespace
 
-std::string render_latex(const Document& document, const Options&) {
-  return LatexReport(document).write();
+std::string render_latex(const Document& document, const Options& options) {
+  LatexReport report(document, options);
+  return options.fragment ? report.write_fragment() : report.write();
 }
 
 }  // namespace hierfit::report

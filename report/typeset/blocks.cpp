@@ -28,6 +28,8 @@ constexpr std::array<SeverityNames, 3> kSeverities = {
 
 class BlockList {
  public:
+  explicit BlockList(std::string_view prefix) : prefix_(prefix) {}
+
   std::vector<Block> write(const Document& document) {
     add_items(document.content, 1);
     return std::move(blocks_);
@@ -43,9 +45,10 @@ class BlockList {
   }
 
   void add(Block::Content content, uint32_t level) {
-    blocks_.push_back({content, level, ++numbers_[content.index()]});
+    blocks_.push_back({content, level, ++numbers_[content.index()], prefix_});
   }
 
+  std::string_view prefix_;
   std::vector<Block> blocks_;
   std::array<uint32_t, 4> numbers_{};
 };
@@ -53,10 +56,14 @@ class BlockList {
 }  // namespace
 
 std::string Block::anchor() const {
-  return kKinds[content.index()].letter + std::to_string(number);
+  std::string anchor(prefix);
+  anchor += kKinds[content.index()].letter;
+  return anchor += std::to_string(number);
 }
 
-std::vector<Block> blocks_of(const Document& document) { return BlockList().write(document); }
+std::vector<Block> blocks_of(const Document& document, std::string_view prefix) {
+  return BlockList(prefix).write(document);
+}
 
 std::string numbered(const Block& block, const Document& document) {
   const std::string_view word = kKinds[block.content.index()].number;

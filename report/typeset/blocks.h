@@ -18,8 +18,9 @@ struct Block {
                                const output::Chart*,
                                const output::Message*>;
   Content content;
-  uint32_t level = 1;   ///< how many sections it lies in, and one
-  uint32_t number = 0;  ///< among those of its kind, from 1
+  uint32_t level = 1;         ///< how many sections it lies in, and one
+  uint32_t number = 0;        ///< among those of its kind, from 1
+  std::string_view prefix{};  ///< of its anchor
 
   /// The content, when it is of that type; else null.
   template <class Type>
@@ -30,12 +31,14 @@ struct Block {
   bool is_section() const { return as<output::Section>() != nullptr; }
   /// Whether contents lead to it: to all but messages.
   bool is_listed() const { return as<output::Message>() == nullptr; }
-  /// A name for links, unique in the document: "s", "t", "c" or "m" for its kind, then its number.
+  /// A name for links, unique in the document: the prefix, "s", "t", "c" or "m" for its kind, then
+  /// its number.
   std::string anchor() const;
 };
 
-/// The blocks of a document in order; a section stands ahead of what lies in it.
-std::vector<Block> blocks_of(const output::Document& document);
+/// The blocks of a document in order; a section stands ahead of what lies in it. The prefix of
+/// their anchors must outlive them.
+std::vector<Block> blocks_of(const output::Document& document, std::string_view prefix = {});
 
 /// "Table 3" or "Figure 3" in the language of the document; empty for other blocks.
 std::string numbered(const Block& block, const output::Document& document);

@@ -47,6 +47,15 @@ TEST_CASE("options and documents reach the report") {
   CHECK(shell("hierfit --version nothing").output.starts_with("hierfit "));
 }
 
+TEST_CASE("tables are chosen by name, and of a name that there is not the others are told") {
+  const Outcome one = shell("hierfit -t fixedeffects,Contrast --fragment -f html " + kDocuments);
+  CHECK(one.status == 0);
+  CHECK(one.output.find("Table 2") == std::string::npos);
+  CHECK(one.output.find("Corrected model") != std::string::npos);
+  CHECK(one.errors.starts_with(
+      "hierfit: the report has no table or figure \"Contrast\"; it has Mode"));
+}
+
 TEST_CASE("colour is for terminals, unless it is asked for") {
   CHECK(shell("hierfit --color always /nowhere x").errors.find("\033[") != std::string::npos);
   CHECK(shell("hierfit /nowhere x").errors.find("\033[") == std::string::npos);
@@ -106,6 +115,10 @@ TEST_CASE("a failure is one sentence with its file, and a status") {
       {"--style= " + model + result, 2, "hierfit: --style needs an argument that is not empty."},
       {"--color sometimes " + model + result, 2,
        "hierfit: --color cannot be \"sometimes\"; it is one of auto, always or never. Try "},
+      {"--fragment -o r.pdf " + model + result, 2,
+       "hierfit: the form pdf of \"r.pdf\" has no fragment. Try "},
+      {"--id-prefix 1 " + model + result, 2,
+       "hierfit: --id-prefix cannot be \"1\"; it is a letter,"},
       {kExample + ".. --format html", 2, "hierfit: several reports need one folder: -o FOLDER."},
       {"-o r.html " + kExample, 2,
        "hierfit: several reports need a folder, and \"r.html\" names a file."},

@@ -49,7 +49,7 @@ std::string pivot_calls(const std::string& journal) {
 void check_run(const std::string& name, const DocumentFiles& files) {
   CAPTURE(name);
   CHECK(hierfit::test::golden_difference("tables/" + name + ".calls",
-                                          pivot_calls(run(files, "C").journal)) == "");
+                                         pivot_calls(run(files, "C").journal)) == "");
   const TableRun english = run(files, "en");
   CHECK(hierfit::test::golden_difference(
             "tables/" + name + ".txt",
