@@ -16,7 +16,7 @@ import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-SECONDS = 120
+SECONDS = 900
 
 # What is changed into what; a rule holds for each place that it matches.
 RULES = [
