@@ -328,6 +328,15 @@ std::string reason_of(std::string_view what) {
   return std::string(reason.substr(0, 200));
 }
 
+/// Says what keeps the byte with that number, from 0, from being JSON, with its line and column.
+void fail_at(size_t byte, const std::string& reason, std::string_view text, Problems& problems) {
+  const std::string_view before = text.substr(0, byte);
+  const auto line = static_cast<size_t>(std::ranges::count(before, '\n')) + 1;
+  const size_t start = before.rfind('\n');
+  const size_t column = before.size() - (start == std::string_view::npos ? 0 : start + 1) + 1;
+  problems.fail("this is no JSON: " + reason, line, column);
+}
+
 bool Filler::parse_error(size_t byte,
                          const std::string& token,
                          const nlohmann::detail::exception& what) {
@@ -337,11 +346,7 @@ bool Filler::parse_error(size_t byte,
                    ", which is beyond the numbers of a double");
     return false;
   }
-  const std::string_view before = text_.substr(0, byte > 0 ? byte - 1 : 0);
-  const auto line = static_cast<size_t>(std::ranges::count(before, '\n')) + 1;
-  const size_t start = before.rfind('\n');
-  const size_t column = before.size() - (start == std::string_view::npos ? 0 : start + 1) + 1;
-  problems_.fail("this is no JSON: " + reason_of(what.what()), line, column);
+  fail_at(byte > 0 ? byte - 1 : 0, reason_of(what.what()), text_, problems_);
   return false;
 }
 
@@ -352,6 +357,11 @@ Fit read_fit(std::string_view text, Problems& problems) {
   const std::string_view kind = kind_of_file(text);
   if (!kind.empty() && kind != kJsonDocument) {
     problems.fail("this is " + std::string(kind) + ", and no fit document");
+    return fit;
+  }
+  const size_t nul = text.find('\0');  // the library would take it for the end
+  if (nul != std::string_view::npos) {
+    fail_at(nul, "a zero byte stands here", text, problems);
     return fit;
   }
   Filler filler(text, fit, problems);

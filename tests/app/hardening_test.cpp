@@ -227,7 +227,7 @@ TEST_CASE("the name of a document leads nowhere else") {
 
 TEST_CASE("no output replaces an input or another output") {
   const Directory directory;
-  for (const char* file : {"model.pmml", "result.xml", "dictionary.json"})
+  for (const char* file : {"model.pmml", "result.xml", "dictionary.json", "fit.json"})
     fs::copy_file(kExample + file, directory / file);
   fs::create_directory(directory / "sub");
   fs::create_symlink("../dictionary.json", directory / "sub/to-dictionary.json");
@@ -247,9 +247,17 @@ TEST_CASE("no output replaces an input or another output") {
     CHECK(outcome.status == 2);
     CHECK(outcome.errors.ends_with("Try 'hierfit --help'\n"));
     CHECK(directory.listing() ==
-          "dictionary.json dictionary.pmml model.pmml result.xml same.html sub sub-too ");
+          "dictionary.json dictionary.pmml fit.json model.pmml result.xml same.html sub sub-too ");
+    CHECK(text_of(directory / "fit.json") == text_of(kExample + "fit.json"));
     CHECK(text_of(directory / "model.pmml") == text_of(kExample + "model.pmml"));
     CHECK(text_of(directory / "dictionary.json") == text_of(kExample + "dictionary.json"));
+  }
+  for (const std::string options : {"-o fit.json", "-o ./sub/../fit.json -f txt"}) {
+    CAPTURE(options);
+    const Outcome outcome = shell(in + "hierfit " + options + " fit.json");
+    CHECK(outcome.status == 2);
+    CHECK(text_of(directory / "model.pmml") == text_of(kExample + "model.pmml"));
+    CHECK(text_of(directory / "fit.json") == text_of(kExample + "fit.json"));
   }
   for (const std::string options :
        {"-o r.html -o r.txt --journal j.jsonl", "-o /dev/null -f txt -o /dev/null",

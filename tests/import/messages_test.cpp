@@ -126,6 +126,9 @@ TEST_CASE("text that is no fit is told apart") {
   const auto broken = import_text(cases[0].value);
   CHECK(broken.problems.list()[0].line == 2);
   CHECK(broken.problems.list()[0].column == 8);
+  const auto hidden = import_text(small_fit().dump() + "\n" + '\0' + "{}");
+  CHECK(hidden.said() == "error: this is no JSON: a zero byte stands here\n");
+  CHECK(hidden.problems.list()[0].line == 2);
   CHECK(import_text(std::string(200, '[')).said() != "");
   CHECK(import_text("{\"x\": " + std::string(100000, '[')).said() ==
         "the document has a member \"x\" that is not known\n"
