@@ -64,11 +64,11 @@ def passes(command):
 
 def fate(build):
     """None for a mutant that does not compile, else who noticed it; "" for nobody."""
-    if not passes(["cmake", "--build", build]):
+    if not passes(["cmake", "--build", build, "--target", "hierfit_tests"]):
         return None
     if not passes([f"{build}/bin/hierfit_tests", "-sfe=*robustness*,*tests/app/*"]):
         return "unit"
-    if not passes(["ctest", "--test-dir", build]):
+    if not passes(["cmake", "--build", build]) or not passes(["ctest", "--test-dir", build]):
         return "others"
     return ""
 
