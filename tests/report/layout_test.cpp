@@ -77,6 +77,20 @@ TEST_CASE("heads over columns") {
   }
 }
 
+TEST_CASE("cells without a category of a dimension stand together beneath one blank head") {
+  TableBuilder builder("t");
+  builder.columns("Outer", 2).hide_title().columns("Inner", 1).hide_title().rows("Rows");
+  int value = 0;
+  for (const Path& outer : {Path{"A"}, Path{}}) {
+    for (const char* inner : {"x", "y"})
+      builder.cell({outer, {inner}, {"row"}}, count(++value));
+  }
+  const TableLayout layout = lay_out(builder.table());
+  CHECK(heads(builder.table(), layout.column_heads) ==
+        "- @0+1 0+2\nA @0+1 2+2\n"
+        "x @1+1 0+1\ny @1+1 1+1\nx @1+1 2+1\ny @1+1 3+1\n");
+}
+
 TEST_CASE("heads at the side") {
   TableBuilder builder("t");
   builder.rows("Inner", 1).rows("Outer", 2).columns("c");
