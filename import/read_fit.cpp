@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <simdjson.h>
 
 #include "import/kind_of_file.h"
 #include "import/member.h"
@@ -350,6 +351,40 @@ bool Filler::parse_error(size_t byte,
   return false;
 }
 
+/// Hands a document over as the events of a parser. Gives whether the taker wants more of it.
+bool tell(const simdjson::dom::element& element, Filler& filler) {
+  using Type = simdjson::dom::element_type;
+  switch (element.type()) {
+    case Type::OBJECT:
+      if (!filler.start_object(0)) return false;
+      for (const simdjson::dom::key_value_pair member : simdjson::dom::object(element)) {
+        std::string key(member.key);
+        if (!filler.key(key) || !tell(member.value, filler)) return false;
+      }
+      return filler.end_object();
+    case Type::ARRAY:
+      if (!filler.start_array(0)) return false;
+      for (const simdjson::dom::element item : simdjson::dom::array(element))
+        if (!tell(item, filler)) return false;
+      return filler.end_array();
+    case Type::INT64:
+      return filler.number_integer(int64_t(element));
+    case Type::UINT64:
+      return filler.number_unsigned(uint64_t(element));
+    case Type::DOUBLE:
+      return filler.number_float(double(element), {});
+    case Type::STRING: {
+      std::string text{std::string_view(element)};
+      return filler.string(text);
+    }
+    case Type::BOOL:
+      return filler.boolean(bool(element));
+    case Type::NULL_VALUE:
+      break;
+  }
+  return filler.null();
+}
+
 }  // namespace
 
 Fit read_fit(std::string_view text, Problems& problems) {
@@ -364,6 +399,14 @@ Fit read_fit(std::string_view text, Problems& problems) {
     fail_at(nul, "a zero byte stands here", text, problems);
     return fit;
   }
+  simdjson::dom::parser parser;
+  simdjson::dom::element root;
+  if (parser.parse(text.data(), text.size()).get(root) == simdjson::SUCCESS) {
+    Filler filler(text, fit, problems);
+    tell(root, filler);
+    return fit;
+  }
+  // What the fast parser refuses the other one reads again, up to the place and the reason.
   Filler filler(text, fit, problems);
   nlohmann::json::sax_parse(text.begin(), text.end(), &filler);
   return fit;

@@ -112,7 +112,8 @@ void XmlWriter::text(std::string_view name, Attributes attributes, std::string_v
 }
 
 void XmlWriter::array(size_t count, const char* type, std::string_view items) {
-  text("Array", {{"n", std::to_string(count)}, {"type", type}}, items);
+  open("Array", {{"n", std::to_string(count)}, {"type", type}});
+  ((out_ += '>') += items) += "</Array>\n";
 }
 
 void XmlWriter::numbers(const std::vector<double>& items) {
@@ -130,7 +131,9 @@ void XmlWriter::texts(const std::vector<std::string_view>& items) {
     if (!list.empty()) list += ' ';
     append_item(list, item);
   }
-  array(items.size(), "string", list);
+  std::string escaped;
+  append_escaped(escaped, list);
+  array(items.size(), "string", escaped);
 }
 
 std::string XmlWriter::take() { return std::move(out_); }
