@@ -91,6 +91,21 @@ TEST_CASE("cells without a category of a dimension stand together beneath one bl
         "x @1+1 0+1\ny @1+1 1+1\nx @1+1 2+1\ny @1+1 3+1\n");
 }
 
+TEST_CASE("a dimension with hidden labels has no heads at the side, but its lines stay apart") {
+  TableBuilder builder("t");
+  builder.rows("Outer", 2).hide_labels().rows("Inner", 1).columns("Columns");
+  int value = 0;
+  for (const char* outer : {"A", "B"}) {
+    for (const char* inner : {"x", "y"})
+      builder.cell({{outer}, {inner}, {"c"}}, count(++value));
+  }
+  const TableLayout layout = lay_out(builder.table());
+  CHECK(layout.stubs == std::vector<uint32_t>{1});
+  CHECK(heads(builder.table(), layout.row_heads) ==
+        "x @0+1 0+1\ny @0+1 1+1\nx @0+1 2+1\ny @0+1 3+1\n");
+  CHECK(grid(builder.table(), layout) == "1\n2\n3\n4\n");
+}
+
 TEST_CASE("heads at the side") {
   TableBuilder builder("t");
   builder.rows("Inner", 1).rows("Outer", 2).columns("c");
