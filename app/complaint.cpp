@@ -75,6 +75,7 @@ std::string complaint_line(const Complaint& complaint, bool colour) {
   if (where.line == 0) head = head.empty() ? "hierfit" : "hierfit: " + head;
   head += ":";
   if (colour) head = "\033[1m" + head + "\033[0m";
+  if (complaint.is_warning) head += " warning:";
   return head + " " + shown(complaint.text()) + "\n";
 }
 

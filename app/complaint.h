@@ -14,11 +14,12 @@ inline constexpr int kWritten = 0;
 inline constexpr int kNotReadable = 1;
 inline constexpr int kNotPossible = 2;
 
-/// A failure: where, what, and the exit status that it stands for.
+/// A failure or a warning: where, what, and the exit status that it stands for.
 struct Complaint {
   Location where;
   std::string sentence;  ///< empty: there is not enough memory, so that saying so needs none
   int status = kNotPossible;
+  bool is_warning = false;
 
   std::string_view text() const { return sentence.empty() ? kNoMemory : sentence; }
 };

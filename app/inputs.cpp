@@ -1,5 +1,7 @@
 #include "app/inputs.h"
 
+#include <filesystem>
+
 #include "app/job.h"
 #include "embedded/files/whole_file.h"
 #include "import/pair_check.h"
@@ -56,7 +58,7 @@ void take_problems(const fit::Problems& problems, const std::string& path, Remar
   };
   for (const fit::Problem& problem : problems.list()) {
     if (problem.severity == fit::Severity::Warning) {
-      remarks.push_back({where(problem), "warning: " + problem.sentence, kWritten});
+      remarks.push_back({where(problem), problem.sentence, kWritten, true});
       continue;
     }
     if (last != nullptr) remarks.push_back({where(*last), last->sentence, kNotReadable});
@@ -72,6 +74,11 @@ fit::Documents read_fit(const std::string& path, Remarks& remarks) {
   return std::move(*documents);
 }
 
+/// A report is the same wherever its documents lie.
+std::string base_name(const std::string& path) {
+  return std::filesystem::path(path).filename().string();
+}
+
 SessionInput read_inputs(const Pair& pair, Remarks& remarks) {
   SessionInput input = pair.fit.empty() ? inputs_of_pair(pair) : inputs_of_fit(pair, remarks);
   if (!pair.dictionary.empty()) {
@@ -80,6 +87,8 @@ SessionInput read_inputs(const Pair& pair, Remarks& remarks) {
         fit::laid_over(input.dictionary.value_or(""), read_whole_file(pair.dictionary));
   }
   if (pair.fit.empty()) check_pair(pair, input, remarks);
+  for (const std::string& path : {pair.fit, pair.model, pair.result, pair.dictionary})
+    if (!path.empty()) input.files.push_back(base_name(name_of(path)));
   return input;
 }
 

@@ -18,6 +18,9 @@ using Remarks = std::vector<Complaint>;
 /// "standard input" for "-".
 std::string name_of(const std::string& path);
 
+/// The name of a file without its folders.
+std::string base_name(const std::string& path);
+
 /// Adds the problems of a document to the remarks. Throws `DocumentError` with the last of its
 /// errors, if it has any.
 void take_problems(const fit::Problems& problems, const std::string& path, Remarks& remarks);

@@ -72,6 +72,7 @@ output::Document make_document(SessionInput input,
                                std::ostream* journal) {
   Session session(std::move(input), {.language = workshop.language,
                                      .resource_directory = workshop.program.resources,
+                                     .title = workshop.options.title,
                                      .journal = journal,
                                      .words = report::kWords});
   const std::unique_ptr<CFProcCustom> procedure = workshop.module.make_procedure();
@@ -96,6 +97,27 @@ output::Document make_document(SessionInput input, const Workshop& workshop, Jou
     journal.put_in_place();
     throw;
   }
+}
+
+/// What the documents say against the result goes to standard error, too, and what is odd about the
+/// documents into the report.
+void exchange(const Pair& pair, Remarks& remarks, output::About& about) {
+  const Location result = {name_of(pair.fit.empty() ? pair.result : pair.fit), 0, 0};
+  std::vector<output::Message> odd;
+  for (const Complaint& remark : remarks) {
+    Location where = remark.where;
+    where.file = base_name(where.file);
+    odd.push_back(
+        {{where.text() + ": " + remark.sentence, {}}, output::Severity::Warning, "documents"});
+  }
+  for (const output::Message& message : about.messages) {
+    if (message.severity == output::Severity::Note) continue;
+    remarks.push_back({result, message.text.shown, kWritten, true});
+  }
+  // Notes stay the last.
+  const auto notes =
+      std::ranges::find(about.messages, output::Severity::Note, &output::Message::severity);
+  about.messages.insert(notes, odd.begin(), odd.end());
 }
 
 report::Options look_of(const Output& output, const Options& options) {
@@ -169,6 +191,7 @@ output::Document make(const Job& job, const Workshop& workshop, Remarks& remarks
   if (!job.journal.empty()) journal.emplace(job.journal);
   output::Document document = journal ? make_document(std::move(input), workshop, *journal)
                                       : make_document(std::move(input), workshop, nullptr);
+  exchange(job.pair, remarks, document.about);
 
   Delivery delivery(workshop.folders);
   for (const Output& output : job.outputs)

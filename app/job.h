@@ -49,8 +49,9 @@ struct Workshop {
 };
 
 /// Makes the report. No file is replaced before every form is made and safe on the disk. Gives the
-/// language, the words and the title of its document, without content. What is odd about the
-/// documents goes to `remarks`. Throws `Error` and what the forms throw.
+/// language, the words, the title and the messages of its document, without content. What is odd
+/// about the documents, and what they say against the result, goes to `remarks`. Throws `Error` and
+/// what the forms throw.
 output::Document make(const Job& job, const Workshop& workshop, Remarks& remarks);
 
 }  // namespace hierfit::app

@@ -60,6 +60,10 @@ constexpr OptionRow kRows[] = {
     {Section::Output, "--journal", "FILE", Takes::File, "write the host call journal",
      &Options::journal},
 
+    {Section::Display, "--title", "TEXT", Takes::Text,
+     "the title of the report, else what the model document is described as, else the name of the "
+     "model",
+     &Options::title},
     {Section::Display, "-l,--language", "TAG", Takes::Text,
      "the output language, else that of LC_ALL, LC_MESSAGES or LANG; C shows every key as it "
      "stands",

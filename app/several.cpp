@@ -30,6 +30,7 @@ std::string folder_of(const Options& options) {
     throw UsageError("several reports need one folder: -o FOLDER");
   }
   if (!options.journal.empty()) throw UsageError("--journal is for one pair of documents");
+  if (!options.title.empty()) throw UsageError("--title is for one report");
   std::error_code unknown;
   const std::string& folder = options.outputs[0];
   if (!fs::is_directory(folder, unknown) && report::form_by_ending(folder) != nullptr) {
@@ -52,6 +53,12 @@ std::string usual_ending(const report::Form& form) {
   return std::string(form.endings.substr(0, form.endings.find(' ')));
 }
 
+/// What the index tells of a report.
+struct Made {
+  std::string title;
+  std::vector<output::Message> messages;
+};
+
 /// What the makers of the reports share.
 class Makers {
  public:
@@ -59,7 +66,8 @@ class Makers {
       : several_(several),
         workshop_(workshop),
         failures_(several.jobs.size()),
-        remarks_(several.jobs.size()) {}
+        remarks_(several.jobs.size()),
+        made_(several.jobs.size()) {}
 
   /// Gives when every report is made or has failed; the progress has gone then.
   void make_all() {
@@ -74,6 +82,8 @@ class Makers {
 
   const std::vector<std::optional<Complaint>>& failures() const { return failures_; }
   const std::vector<Remarks>& remarks() const { return remarks_; }
+  /// Of each report its title and what is said about its result.
+  const std::vector<Made>& made() const { return made_; }
   /// The language and words of the reports; plain English when none was made.
   const output::Document& words() const { return words_; }
 
@@ -92,7 +102,7 @@ class Makers {
   void work() noexcept {
     for (size_t job; (job = next_++) < several_.jobs.size();) {
       try {
-        make_one(several_.jobs[job], remarks_[job]);
+        make_one(several_.jobs[job], remarks_[job], made_[job]);
       } catch (...) {
         failures_[job] = current_complaint(first_document(several_.jobs[job].pair));
       }
@@ -112,10 +122,12 @@ class Makers {
     return pair.fit.empty() ? pair.model : pair.fit;
   }
 
-  void make_one(const Job& job, Remarks& remarks) {
+  void make_one(const Job& job, Remarks& remarks, Made& made) {
     for (const Output& output : job.outputs)
       workshop_.folders.make(fs::path(output.path).parent_path().string());
     output::Document words = make(job, workshop_, remarks);
+    made = {words.title, std::move(words.about.messages)};
+    words.about = {};
     const std::lock_guard lock(words_mutex_);
     if (words_.words.empty()) words_ = std::move(words);
   }
@@ -131,6 +143,7 @@ class Makers {
   std::atomic<size_t> done_ = 0;
   std::vector<std::optional<Complaint>> failures_;  ///< by job; each written by one thread
   std::vector<Remarks> remarks_;                    ///< likewise
+  std::vector<Made> made_;                          ///< likewise
   std::mutex words_mutex_;
   output::Document words_;
   Progress* progress_ = nullptr;
@@ -138,8 +151,12 @@ class Makers {
 
 report::IndexEntry entry_of(const Job& job,
                             const std::optional<Complaint>& failure,
+                            const Made& made,
                             const std::string& folder) {
-  report::IndexEntry entry = {job.pair.name, {}, {}};
+  report::IndexEntry entry = {job.pair.name, {}, {}, made.title, {}};
+  std::ranges::copy_if(made.messages, std::back_inserter(entry.messages), [](const auto& message) {
+    return message.severity != output::Severity::Note;
+  });
   if (failure) {
     entry.failure = failure->text();
     return entry;
@@ -158,7 +175,8 @@ std::string index_of(const SeveralJobs& several) {
 void write_index(const SeveralJobs& several, const Makers& makers) {
   std::vector<report::IndexEntry> entries;
   for (size_t job = 0; job < several.jobs.size(); ++job) {
-    entries.push_back(entry_of(several.jobs[job], makers.failures()[job], several.folder));
+    entries.push_back(
+        entry_of(several.jobs[job], makers.failures()[job], makers.made()[job], several.folder));
   }
   NewFile file(index_of(several));
   file.write(report::render_index(makers.words(), entries));

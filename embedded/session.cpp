@@ -12,7 +12,6 @@ namespace {
 
 thread_local Session* session_of_thread = nullptr;
 
-constexpr const char* kReportTitle = "Generalized Linear Mixed Models";
 constexpr const char* kLanguageOfKeys = "en";
 
 output::Document empty_document(const Inputs& inputs) {
@@ -21,7 +20,7 @@ output::Document empty_document(const Inputs& inputs) {
   document.language = has_catalogue ? inputs.language : kLanguageOfKeys;
   document.right_to_left = inputs.strings.marks().right_to_left;
   document.numbers = inputs.strings.marks().numbers;
-  document.title = inputs.strings.text(kReportTitle);
+  document.title = inputs.title;
   for (const std::string_view key : inputs.words) {
     document.words.emplace(key, inputs.strings.text(key));
   }
@@ -35,7 +34,12 @@ Inputs read_inputs(const SessionInput& input, const SessionOptions& options) {
   inputs.words = options.words;
   inputs.strings = StringTable(resources + "/locale", options.language);
   inputs.paths = make_paths(resources, inputs.strings.language());
-  add_model_fields(inputs.dictionary, read_model_document(input.pmml, input.pmml_name));
+  const ModelDocument model = read_model_document(input.pmml, input.pmml_name);
+  add_model_fields(inputs.dictionary, model);
+  inputs.model = about::model_facts(model);
+  inputs.files = input.files;
+  inputs.title =
+      options.title.empty() ? about::title_of(inputs.model, inputs.strings) : options.title;
   if (input.dictionary) {
     overlay_table_schema(inputs.dictionary, *input.dictionary, input.dictionary_name);
   }
@@ -106,9 +110,17 @@ void Session::run(CFProcCustom& procedure) {
   models.push_back(std::move(input_.pmml));
   std::vector<StatXMLBlock> blocks;
   blocks.push_back({std::move(input_.statxml)});
-  if (procedure.GenerateOutput(models, blocks, {})) return;
+  if (procedure.GenerateOutput(models, blocks, {})) return tell_about();
   if (is_empty) failure = {"the document is empty"};
   throw explain(input_.statxml_name, failure);
+}
+
+/// Behind the run: what the tables hold is told, too.
+void Session::tell_about() {
+  const Inputs& inputs = state_->inputs;
+  output::Document& document = state_->outputs.document;
+  document.about = about::about(inputs.model, state_->outputs.result, inputs.files, document,
+                                {inputs.strings, inputs.dictionary});
 }
 
 const std::vector<Shortfall>& Session::shortfalls() const { return state_->outputs.shortfalls; }

@@ -26,12 +26,14 @@ struct SessionInput {
   std::string statxml;
   std::string dictionary_name;
   std::optional<std::string> dictionary;  ///< a Table Schema laid over the model's dictionary
+  std::vector<std::string> files = {};    ///< names for the report of what all this was read from
 };
 
 /// How a run behaves.
 struct SessionOptions {
   std::string language = "en";      ///< BCP 47 tag, or "C": every key stands for itself
   std::string resource_directory;   ///< holds `locale/` and `template/`
+  std::string title = {};           ///< of the report; empty: the documents tell
   std::ostream* journal = nullptr;  ///< where the host call journal goes; null: no journal
   std::span<const std::string_view> words = {};  ///< keys of `output::Document::words`
 };
@@ -67,6 +69,8 @@ class Session {
   static State& current();
 
  private:
+  void tell_about();
+
   SessionInput input_;
   std::unique_ptr<State> state_;
 };

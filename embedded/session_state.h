@@ -9,6 +9,7 @@
 #include "host/pivot.h"
 #include "host/string_table.h"
 
+#include "embedded/about/about.h"
 #include "embedded/dictionary/data_dictionary.h"
 #include "embedded/editor/editor.h"
 #include "embedded/error.h"
@@ -26,6 +27,9 @@ struct Inputs {
   std::span<const std::string_view> words;  ///< for the document
   StringTable strings;
   DataDictionary dictionary;
+  about::ModelFacts model;
+  std::vector<std::string> files;  ///< the names of what the documents were read from
+  std::string title;               ///< of the report
   std::shared_ptr<PathFinder> paths;
 };
 
@@ -35,6 +39,7 @@ struct Outputs {
   OpenSections open_sections;
   ReadFailure failure;  ///< the last one; an empty sentence when nothing went wrong
   std::vector<Shortfall> shortfalls;
+  about::ResultFacts result;
 
   /// Where a message or a chart goes: under the heading that was opened last and is still open.
   output::Section& open_section() {

@@ -102,6 +102,25 @@ enum class Severity : uint8_t { Note, Warning, Error };
 struct Message {
   Text text;
   Severity severity = Severity::Warning;
+  std::string code = {};  ///< names what it is about for programs, "noEstimates"; may be empty
+};
+
+/// A fact about a result: what programs know it by, what it is called, what it is. Each value is a
+/// text of its own; there is at least one.
+struct Fact {
+  std::string_view key;  ///< "target"; never translated, of static life
+  Text label;
+  std::vector<Text> values;
+};
+
+/// What a report says ahead of its results: what they are results of, and what is to be known
+/// before they are read.
+struct About {
+  Text title;
+  std::vector<Fact> facts;
+  std::vector<Message> messages;  ///< the most severe first
+
+  bool empty() const { return facts.empty() && messages.empty(); }
 };
 
 struct Section;
@@ -123,6 +142,7 @@ struct Document {
   std::string language = "en";  ///< BCP 47 tag of the texts
   bool right_to_left = false;
   NumberStyle numbers;  ///< the language's way to write numbers
+  About about;
   Section content;
   /// The report's own words ("Contents", "missing", ...) in the document's language, by their
   /// English key; a key that is not here stands for itself.

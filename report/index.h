@@ -19,8 +19,10 @@ struct IndexLink {
 /// What became of one model.
 struct IndexEntry {
   std::string name;
-  std::vector<IndexLink> links;  ///< none when there is no report
-  std::string failure;           ///< why there is none, a sentence
+  std::vector<IndexLink> links;                ///< none when there is no report
+  std::string failure;                         ///< why there is none, a sentence
+  std::string title = {};                      ///< of the report
+  std::vector<output::Message> messages = {};  ///< about its result
 };
 
 /// A page like a report, with a line for each entry in their order. `document` gives the language

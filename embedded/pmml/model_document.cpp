@@ -21,8 +21,10 @@ class Reader {
   Reader(const Tree& tree, const std::string& file) : tree_(tree), file_(file) {}
 
   ModelDocument read() {
+    read_header();
     read_fields();
     read_variables(mining_schema());
+    document_.model_name = attribute(model(), "modelName");
     return std::move(document_);
   }
 
@@ -42,6 +44,16 @@ class Reader {
 
   [[noreturn]] void refuse(NodeId node, const std::string& sentence) const {
     throw DocumentError({file_, tree_.line(node), 0}, sentence);
+  }
+
+  void read_header() {
+    const NodeId header = tree_.child(Tree::kRoot, "Header");
+    if (header == kNoNode) return;
+    document_.description = attribute(header, "description");
+    const NodeId application = tree_.child(header, "Application");
+    if (application == kNoNode) return;
+    document_.application = attribute(application, "name");
+    document_.application_version = attribute(application, "version");
   }
 
   void read_fields() {

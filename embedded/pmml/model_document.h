@@ -26,8 +26,13 @@ struct DataField {
   std::vector<FieldValue> values;
 };
 
-/// The document's fields, and which of them are the model's variables.
+/// The document's fields, and which of them are the model's variables; and what it says of itself.
+/// Texts may be empty.
 struct ModelDocument {
+  std::string description;  ///< of its `Header`
+  std::string application;  ///< what made it: name and version of the header's `Application`
+  std::string application_version;  ///< likewise
+  std::string model_name;
   std::vector<DataField> fields;    ///< in the order of the `DataDictionary`
   std::vector<uint32_t> variables;  ///< of each `MiningField`, in order: index into `fields`
 };

@@ -41,6 +41,14 @@ void report(const hierfit::ReadFailure& failure) {
   if (auto* state = hierfit::state_of_thread()) state->outputs.failure = failure;
 }
 
+/// The session keeps what a result document says beside its numbers.
+void take_facts(const Tree& tree) {
+  auto* state = hierfit::state_of_thread();
+  if (state == nullptr) return;
+  if (auto facts = hierfit::about::read_result_facts(tree))
+    state->outputs.result = std::move(*facts);
+}
+
 }  // namespace
 
 struct SDOMXMLWrapper::Impl {
@@ -105,6 +113,7 @@ SDOMXMLWrapper* SDOMXMLWrapper::LoadFromString(const std::string& text) {
     report(*failure);
     return nullptr;
   }
+  take_facts(impl_->tree());
   return this;
 }
 

@@ -10,6 +10,7 @@
 #include "report/report.h"
 #include "report/typeset/blocks.h"
 #include "report/typeset/flat_heads.h"
+#include "report/typeset/texts.h"
 
 namespace hierfit::report {
 
@@ -225,6 +226,29 @@ std::string sheet_of(const Document& document, const ChartSource& source) {
   return lines.take();
 }
 
+/// A line for each value of a fact, then one for each message: its key, what it is called, the
+/// text.
+std::string sheet_of(const Document& document, const output::About& about) {
+  const Texts texts(document);
+  Lines lines;
+  for (const std::string_view head : {"key", "label", "value"})
+    lines.field(head);
+  lines.end();
+  const auto line = [&](std::string_view key, std::string_view label, const output::Text& value) {
+    lines.field(key);
+    lines.text(label);
+    lines.text(texts.shown(value));
+    lines.end();
+  };
+  for (const output::Fact& fact : about.facts)
+    for (const output::Text& value : fact.values)
+      line(fact.key, texts.shown(fact.label), value);
+  for (const output::Message& message : about.messages) {
+    line(severity_name(message.severity), severity_word(message.severity, document), message.text);
+  }
+  return lines.take();
+}
+
 void add_chart(std::vector<File>& files,
                const Document& document,
                const Chart& chart,
@@ -266,6 +290,8 @@ std::vector<File> render_csv_folder(const Document& document, const Options&) {
       files.push_back({name + ".csv", sheet_of(document, *table)});
     } else if (const auto* chart = block.as<Chart>()) {
       add_chart(files, document, *chart, file_name(block.number, charts, chart->kind, "chart"));
+    } else if (const auto* about = block.as<output::About>()) {
+      files.push_back({"about.csv", sheet_of(document, *about)});
     }
   }
   return files;

@@ -1,5 +1,6 @@
 // The text document form, for word processors.
 #include <algorithm>
+#include <span>
 
 #include "report/append.h"
 #include "report/chart/figure.h"
@@ -21,6 +22,9 @@ namespace docx {
 namespace {
 
 constexpr uint32_t kDeepestHeading = 4;
+
+/// By severity.
+constexpr std::string_view kMessageStyles[] = {"MessageNote", "Message", "MessageError"};
 
 /// Pictures have three points for each of their pixels: 288 an inch.
 constexpr double kPictureScale = 3;
@@ -67,8 +71,10 @@ class Report {
     open_paragraph("Title");
     append_run(out_, report_title(document_), {});
     close_paragraph();
-    write_contents();
-    for (const PaperBlock& paper : blocks_) {
+    const size_t opening = opening_blocks(document_);
+    for (size_t i = 0; i < blocks_.size(); ++i) {
+      if (i == opening) write_contents(opening);
+      const PaperBlock& paper = blocks_[i];
       turn(paper.landscape);
       write_block(paper);
     }
@@ -85,14 +91,15 @@ class Report {
   }
   void close_paragraph() { out_ += "</w:p>\n"; }
 
-  /// A link to each heading, table and chart.
-  void write_contents() {
+  /// A link to each heading, table and chart behind the opening.
+  void write_contents(size_t opening) {
+    const auto behind = std::span(blocks_).subspan(opening);
     const auto listed = [](const PaperBlock& paper) { return paper.block.is_listed(); };
-    if (std::ranges::none_of(blocks_, listed)) return;
+    if (std::ranges::none_of(behind, listed)) return;
     open_paragraph("ContentsHeading");
     append_run(out_, document_.word("Contents"), {});
     close_paragraph();
-    for (const PaperBlock& paper : blocks_) {
+    for (const PaperBlock& paper : behind) {
       if (listed(paper)) write_contents_entry(paper.block);
     }
     out_ += "<w:p><w:r><w:br w:type=\"page\"/></w:r></w:p>\n";
@@ -119,12 +126,21 @@ class Report {
     close_paragraph();
   }
 
+  void write(const output::About& about, const PaperBlock& paper) {
+    open_paragraph("Heading1");
+    std::string title;
+    append_run(title, texts_.shown(about.title), {});
+    append_bookmark(out_, paper.block.anchor(), ++bookmarks_, title);
+    close_paragraph();
+    append_facts(out_, document_, about, texts_);
+  }
+
   void write(const output::Table&, const PaperBlock& paper) {
     append_table(out_, document_, paper, bookmarks_);
   }
 
   void write(const output::Message& message, const PaperBlock&) {
-    open_paragraph("Message");
+    open_paragraph(kMessageStyles[static_cast<size_t>(message.severity)]);
     append_run(out_, severity_word(message.severity, document_), {.bold = true});
     append_run(out_, " " + texts_.shown(message.text), {});
     close_paragraph();

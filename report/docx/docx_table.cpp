@@ -317,4 +317,49 @@ void append_table(std::string& out,
   DocxTable(out, document, block, bookmarks).write();
 }
 
+void append_facts(std::string& out,
+                  const output::Document& document,
+                  const output::About& about,
+                  const Texts& texts) {
+  constexpr double kLabels = 150;
+  constexpr double kValues = kPaperWidth - 2 * kSideMargin - kLabels;
+  if (about.facts.empty()) return;
+  out += "<w:tbl><w:tblPr><w:tblStyle w:val=\"ReportTable\"/>";
+  if (document.right_to_left) out += "<w:bidiVisual/>";
+  out += "<w:tblW";
+  append_attribute(out, "w:w", twips(kLabels + kValues));
+  out +=
+      " w:type=\"dxa\"/><w:tblLayout w:type=\"fixed\"/><w:tblLook w:val=\"0080\" "
+      "w:firstColumn=\"1\" w:noVBand=\"1\" w:noHBand=\"1\"/><w:tblCaption w:val=\"";
+  append_escaped(out, texts.shown(about.title));
+  out += "\"/></w:tblPr>\n<w:tblGrid>";
+  for (const double width : {kLabels, kValues}) {
+    out += "<w:gridCol";
+    append_attribute(out, "w:w", twips(width));
+    out += "/>";
+  }
+  out += "</w:tblGrid>\n";
+  const auto open_cell = [&](double width) {
+    out += "<w:tc><w:tcPr><w:tcW";
+    append_attribute(out, "w:w", twips(width));
+    out += " w:type=\"dxa\"/></w:tcPr>";
+  };
+  const auto paragraph = [&](std::string_view style, const output::Text& text) {
+    append(out, "<w:p><w:pPr><w:pStyle w:val=\"", style, "\"/></w:pPr>");
+    append_run(out, texts.shown(text), {});
+    out += "</w:p>";
+  };
+  for (const output::Fact& fact : about.facts) {
+    out += "<w:tr>";
+    open_cell(kLabels);
+    paragraph("FactLabel", fact.label);
+    out += "</w:tc>";
+    open_cell(kValues);
+    for (const output::Text& value : fact.values)
+      paragraph("TableText", value);
+    out += "</w:tc></w:tr>\n";
+  }
+  out += "</w:tbl>\n<w:p><w:pPr><w:pStyle w:val=\"TableEnd\"/></w:pPr></w:p>\n";
+}
+
 }  // namespace hierfit::report::docx

@@ -113,9 +113,9 @@ class HtmlReport {
 
   void write_entry(const Block& block) {
     append(out_, "<li><a href=\"#", block.anchor(), "\">");
-    if (!block.is_section()) {
+    if (const std::string number = numbered(block, document_); !number.empty()) {
       out_ += "<span>";
-      html::append_escaped(out_, numbered(block, document_));
+      html::append_escaped(out_, number);
       out_ += "</span> ";
     }
     html::append_text(out_, title_of(block), texts_);
@@ -177,7 +177,7 @@ class HtmlReport {
       for (; sections >= block.level; --sections)
         out_ += "</section>\n";
       std::visit([&](const auto* content) { write(*content, block); }, block.content);
-      if (block.is_section()) ++sections;
+      if (block.is_section() || block.is_about()) ++sections;
     }
     for (; sections > 0; --sections)
       out_ += "</section>\n";
@@ -191,6 +191,25 @@ class HtmlReport {
     append(out_, "</h", level, ">\n");
   }
 
+  /// A section, which its messages end.
+  void write(const output::About& about, const Block& block) {
+    append(out_, "<section class=\"about\">\n<h2 id=\"", block.anchor(), "\">");
+    html::append_text(out_, about.title, texts_);
+    out_ += "</h2>\n<dl>\n";
+    for (const output::Fact& fact : about.facts) {
+      append(out_, "<div data-fact=\"", fact.key, "\"><dt>");
+      html::append_text(out_, fact.label, texts_);
+      out_ += "</dt>";
+      for (const output::Text& value : fact.values) {
+        out_ += "<dd>";
+        html::append_text(out_, value, texts_);
+        out_ += "</dd>";
+      }
+      out_ += "</div>\n";
+    }
+    out_ += "</dl>\n";
+  }
+
   void write(const output::Table&, const Block& block) {
     html::append_table(out_, document_, block);
   }
@@ -200,11 +219,7 @@ class HtmlReport {
   }
 
   void write(const output::Message& message, const Block&) {
-    append(out_, "<p role=\"note\" class=\"message ", severity_name(message.severity), "\"><b>");
-    html::append_escaped(out_, severity_word(message.severity, document_));
-    out_ += "</b> ";
-    html::append_text(out_, message.text, texts_);
-    out_ += "</p>\n";
+    html::append_message(out_, message, document_, texts_);
   }
 
   const Document& document_;

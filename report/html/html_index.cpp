@@ -28,7 +28,7 @@ std::string address_of(std::string_view path) {
 class HtmlIndex {
  public:
   HtmlIndex(const output::Document& document, std::span<const IndexEntry> entries)
-      : document_(document), entries_(entries) {}
+      : document_(document), texts_(document), entries_(entries) {}
 
   std::string write() {
     const std::string title(document_.word("Reports"));
@@ -51,6 +51,11 @@ class HtmlIndex {
   void write_entry(const IndexEntry& entry) {
     out_ += "<tr><th scope=\"row\">";
     html::append_escaped(out_, entry.name);
+    if (!entry.title.empty() && entry.title != entry.name) {
+      out_ += "<span class=\"title\">";
+      html::append_escaped(out_, clean(entry.title));
+      out_ += "</span>";
+    }
     out_ += "</th><td class=\"t forms\">";
     if (entry.links.empty()) {
       html::append_escaped(out_, filled(document_.word("Not made: ^1"), entry.failure));
@@ -63,10 +68,13 @@ class HtmlIndex {
       html::append_escaped(out_, link.form);
       out_ += "</a>";
     }
+    for (const output::Message& message : entry.messages)
+      html::append_message(out_, message, document_, texts_);
     out_ += "</td></tr>\n";
   }
 
   const output::Document& document_;
+  Texts texts_;
   std::span<const IndexEntry> entries_;
   std::string out_;
 };

@@ -5,6 +5,7 @@
 #include <charconv>
 
 #include "report/append.h"
+#include "report/typeset/blocks.h"
 
 namespace hierfit::report::html {
 
@@ -19,6 +20,17 @@ void append_text(std::string& out, const output::Text& text, const Texts& texts)
   }
   append_escaped(out, rest);
   if (text.symbol) out += "</i>";
+}
+
+void append_message(std::string& out,
+                    const output::Message& message,
+                    const output::Document& document,
+                    const Texts& texts) {
+  append(out, "<p role=\"note\" class=\"message ", severity_name(message.severity), "\"><b>");
+  append_escaped(out, severity_word(message.severity, document));
+  out += "</b> ";
+  append_text(out, message.text, texts);
+  out += "</p>\n";
 }
 
 void append_number(std::string& out, uint32_t number) {

@@ -15,6 +15,12 @@ using report::append_escaped;
 /// A text with its lines divided by `<br>`; a symbol in italics.
 void append_text(std::string& out, const output::Text& text, const Texts& texts);
 
+/// A message, a paragraph of its severity.
+void append_message(std::string& out,
+                    const output::Message& message,
+                    const output::Document& document,
+                    const Texts& texts);
+
 void append_number(std::string& out, uint32_t number);
 
 /// A finite double in the fewest digits that read back as itself.

@@ -37,6 +37,8 @@ class JsonReport {
     member("title", document_.title);
     member("language", document_.language);
     member("direction", document_.right_to_left ? "rtl" : "ltr");
+    key("about");
+    write_about(document_.about);
     key("content");
     write_items(document_.content);
     out_ += "}\n";
@@ -107,6 +109,29 @@ class JsonReport {
     if (number.format == output::Format::Fixed) member("decimals", number.decimals);
   }
 
+  /// Facts by their keys.
+  void write_about(const output::About& about) {
+    out_ += "{\"facts\":{";
+    bool first = true;
+    for (const output::Fact& fact : about.facts) {
+      out_ += first ? "\n" : ",\n";
+      first = false;
+      json::append_string(out_, fact.key);
+      out_ += ":{\"label\":";
+      write_text(fact.label);
+      key("values");
+      list(fact.values, [this](const Text& value) { write_text(value); });
+      out_ += '}';
+    }
+    out_ += '}';
+    key("messages");
+    list(about.messages, [this](const output::Message& message) {
+      out_ += '\n';
+      write_item(message);
+    });
+    out_ += '}';
+  }
+
   void write_items(const output::Section& section) {
     list(section.items, [this](const output::Item& item) {
       out_ += '\n';
@@ -125,6 +150,7 @@ class JsonReport {
   void write_item(const output::Message& message) {
     out_ += "{\"kind\":\"message\"";
     member("severity", severity_name(message.severity));
+    if (!message.code.empty()) member("code", message.code);
     member("text", message.text);
     out_ += '}';
   }

@@ -60,6 +60,11 @@ constexpr std::string_view kCommands = R"(\setlength{\tabcolsep}{4.5pt}
 \def\tabletitle#1#2{\multicolumn{#1}{@{}l@{}}{\rlap{\parbox[t]{\linewidth}{\raggedright #2\strut}}}}
 \def\tablenotes{\footnotesize\raggedright}
 \def\endtablenotes{\par\medskip}
+% What is said about the result: a label, and its values beside it.
+\def\facts{\begin{list}{}{\labelwidth=.3\linewidth\leftmargin=.33\linewidth
+  \labelsep=.03\linewidth\itemsep=2pt\parsep=0pt\raggedright
+  \renewcommand*{\makelabel}[1]{\parbox[t]{\labelwidth}{\raggedright\textbf{##1}\strut}}}}
+\def\endfacts{\end{list}}
 % The folder of the charts, written by --charts with --chart-format=pdf.
 \providecommand*{\chartfolder}{charts}
 % #1: file, #2: what it shows
@@ -114,6 +119,21 @@ class LatexReport {
     const size_t deeper = options_.fragment ? 1 : 0;
     const size_t level = std::min<size_t>(paper.block.level + deeper, kHeadings.size()) - 1;
     append(out_, '\\', kHeadings[level], '{', texts_.escaped(shown_.shown(section.title)), "}\n");
+  }
+
+  void write(const output::About& about, const PaperBlock&) {
+    append(out_, "\\section*{", texts_.escaped(shown_.shown(about.title)), "}\n");
+    if (about.facts.empty()) return;
+    out_ += "\\begin{facts}\n";
+    for (const output::Fact& fact : about.facts) {
+      append(out_, "\\item[", texts_.escaped(shown_.shown(fact.label)), "]");
+      for (const output::Text& value : fact.values) {
+        if (&value != fact.values.data()) out_ += "\\newline";
+        append(out_, ' ', texts_.escaped(shown_.shown(value), "\\newline "));
+      }
+      out_ += '\n';
+    }
+    out_ += "\\end{facts}\n";
   }
 
   void write(const output::Table&, const PaperBlock& paper) {

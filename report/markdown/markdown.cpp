@@ -140,6 +140,18 @@ class MarkdownReport {
     append(out_, ' ', escaped(texts_.shown(section.title)), '\n');
   }
 
+  void write(const output::About& about, const Block&) {
+    append(out_, "## ", escaped(texts_.shown(about.title)), "\n\n");
+    for (const output::Fact& fact : about.facts) {
+      append(out_, "- **", escaped(texts_.shown(fact.label)), "**");
+      // A value of several is an item of its own.
+      const bool is_list = fact.values.size() > 1;
+      out_ += is_list ? "\n" : ": ";
+      for (const Text& value : fact.values)
+        append(out_, is_list ? "  - " : "", escaped(texts_.shown(value)), '\n');
+    }
+  }
+
   void write(const Table& table, const Block& block) {
     MarkdownTable writer(out_, document_, table);
     write_title(block, texts_.shown(table.title),

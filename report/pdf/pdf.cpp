@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <span>
 
 #include "report/chart/figure.h"
 #include "report/pdf/pdf_table.h"
@@ -29,7 +30,10 @@ constexpr double kEntryPage = 30;  ///< for the page's number in the contents
 constexpr double kBarWidth = 2;
 constexpr double kBarGap = 8;
 constexpr double kPointsPerPixel = 0.75;
+constexpr Ink kMessageInks[] = {Ink::Hair, Ink::Warning, Ink::Error};  ///< by severity
 constexpr double kNoteGap = 3;
+constexpr double kFactLabels = 0.3;  ///< what labels have of the width
+constexpr double kFactGap = 12;
 
 /// A chart drawn, and its size on paper.
 struct Drawing {
@@ -101,10 +105,12 @@ class Report {
     pen.begin_page(false);
     pen.flow({{.text = title_, .bold = true}}, kTitleLook, pen.left(), pen.width());
     pen.y += kHeadingOver / 2;
-    draw_contents(pen);
     parents_.assign(1, 0);
-    for (size_t i = 0; i < blocks_.size(); ++i)
+    const size_t opening = opening_blocks(document_);
+    for (size_t i = 0; i < blocks_.size(); ++i) {
+      if (i == opening) draw_contents(pen, opening);
       draw_block(pen, i);
+    }
   }
 
   void draw_foot(Pen& pen) const {
@@ -116,17 +122,20 @@ class Report {
 
   // The contents.
 
-  void draw_contents(Pen& pen) {
+  /// Of what stands behind the opening.
+  void draw_contents(Pen& pen, size_t opening) {
+    const auto behind = std::span(blocks_).subspan(opening);
     const auto listed = [](const DrawnBlock& each) { return each.block().is_listed(); };
-    if (std::ranges::none_of(blocks_, listed)) return;
+    if (std::ranges::none_of(behind, listed)) return;
+    if (opening > 0) pen.y += kHeadingOver;
     const Runs heading = {
         {.text = std::string(document_.word("Contents")), .bold = true, .quiet = true}};
     pen.flow(heading, kBodyLook, pen.left(), pen.width());
     pen.y += kNoteGap;
-    for (const DrawnBlock& each : blocks_) {
+    for (const DrawnBlock& each : behind) {
       if (listed(each)) draw_entry(pen, each);
     }
-    if (!blocks_.empty() && blocks_.front().paper.landscape == pen.landscape()) pen.next_page();
+    if (behind.front().paper.landscape == pen.landscape()) pen.next_page();
   }
 
   void draw_entry(Pen& pen, const DrawnBlock& drawn) {
@@ -186,6 +195,7 @@ class Report {
   double own_start_height(Pen& pen, DrawnBlock& block) {
     if (block.table != nullptr) return block.table->start_height(pen);
     if (block.drawing.figure) return figure_height(pen, block);
+    if (block.block().is_about()) return kHeadingSizes[0] * 2 + kHeadingUnder;
     return kBodyLook.size * 3;
   }
 
@@ -216,6 +226,35 @@ class Report {
     pen.y += kHeadingUnder - kBlockGap / 2;
   }
 
+  /// Labels at the start, values beside them.
+  void draw(Pen& pen, DrawnBlock&, const output::About& about) {
+    pen.flow({{.text = texts_.shown(about.title), .bold = true}}, {.size = kHeadingSizes[0]},
+             pen.left(), pen.width());
+    pen.y += kHeadingUnder;
+    for (const output::Fact& fact : about.facts)
+      draw(pen, fact);
+  }
+
+  void draw(Pen& pen, const output::Fact& fact) const {
+    const double label_width = pen.width() * kFactLabels;
+    const double value_width = pen.width() - label_width - kFactGap;
+    const bool leftward = document_.right_to_left;
+    const double label_x = leftward ? pen.left() + value_width + kFactGap : pen.left();
+    const double value_x = leftward ? pen.left() : pen.left() + label_width + kFactGap;
+    const Runs label = {{.text = texts_.shown(fact.label), .quiet = true}};
+    Runs values;
+    for (const output::Text& value : fact.values)
+      values.push_back({.text = (values.empty() ? "" : "\n") + texts_.shown(value)});
+    const double label_height = pen.height(label, kBodyLook, label_width);
+    if (label_height > pen.room() && !pen.at_top()) pen.next_page();
+    const double top = pen.y;
+    const uint32_t page = pen.page();
+    pen.text(label, kBodyLook, label_x, top, label_width);
+    pen.flow(values, kBodyLook, value_x, value_width);
+    if (pen.page() == page) pen.y = std::max(pen.y, top + label_height);
+    pen.y += kNoteGap / 2;
+  }
+
   void draw(Pen& pen, DrawnBlock& block, const output::Table&) { block.table->draw(pen); }
 
   void draw(Pen& pen, DrawnBlock&, const output::Message& message) {
@@ -228,7 +267,8 @@ class Report {
     if (height > pen.room() && !pen.at_top()) pen.next_page();
     const bool leftward = document_.right_to_left;
     const double bar = leftward ? pen.left() + pen.width() - kBarWidth : pen.left();
-    pen.bar(bar, pen.y, std::min(height, pen.room()), kBarWidth, Ink::Warning);
+    pen.bar(bar, pen.y, std::min(height, pen.room()), kBarWidth,
+            kMessageInks[static_cast<size_t>(message.severity)]);
     pen.flow(runs, kBodyLook, leftward ? pen.left() : pen.left() + indent, width);
   }
 

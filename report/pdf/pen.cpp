@@ -26,11 +26,12 @@ constexpr double kRaise = 0.33;
 struct Colour {
   double red, green, blue;
 };
-constexpr std::array<Colour, 4> kInks = {{
+constexpr std::array<Colour, 5> kInks = {{
     {0.086, 0.094, 0.106},
     {0.333, 0.357, 0.388},
     {0.62, 0.64, 0.67},
     {0.541, 0.353, 0},
+    {0.651, 0.106, 0.106},
 }};
 
 cairo_status_t append(void* text, const unsigned char* data, unsigned int length) {

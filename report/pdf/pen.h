@@ -36,7 +36,7 @@ struct TextLook {
   double line = 1.2;  ///< from one line to the next, in sizes
 };
 
-enum class Ink : uint8_t { Text, Quiet, Hair, Warning };
+enum class Ink : uint8_t { Text, Quiet, Hair, Warning, Error };
 
 /// Pages under construction. Lengths are in points, from the top left corner of the paper. With
 /// `draws` off nothing is drawn, but everything is measured and pages are counted as they would be.

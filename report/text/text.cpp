@@ -46,6 +46,29 @@ class TextReport {
     write_heading(texts_.shown(section.title), "─");
   }
 
+  /// Labels at the left, values beside them; beneath them where the display is narrow.
+  void write(const output::About& about, const Block&) {
+    constexpr size_t kGap = 2;
+    write_heading(texts_.shown(about.title), "─");
+    size_t widest = 0;
+    for (const output::Fact& fact : about.facts)
+      widest = std::max(widest, text::display_width(one_line(texts_.shown(fact.label))));
+    const size_t most = options_.width == 0 ? widest : options_.width * 2 / 5;
+    const size_t indent = widest > most ? 4 : widest + kGap;
+    for (const output::Fact& fact : about.facts) {
+      std::string label = one_line(texts_.shown(fact.label));
+      if (widest > most) {
+        text::append_wrapped(out_, label, options_, 0);
+        label.clear();
+      }
+      for (const output::Text& value : fact.values) {
+        label.append(indent - text::display_width(label), ' ');
+        text::append_wrapped(out_, label, texts_.shown(value), options_);
+        label.clear();
+      }
+    }
+  }
+
   void write(const output::Table&, const Block& block) {
     begin_item();
     text::append_table(out_, document_, block, options_);

@@ -339,4 +339,12 @@ void append_wrapped(std::string& out,
   }
 }
 
+void append_wrapped(std::string& out,
+                    std::string_view head,
+                    std::string_view text,
+                    const Options& options) {
+  out += head;
+  append_wrapped(out, text, options, display_width(head));
+}
+
 }  // namespace hierfit::report::text

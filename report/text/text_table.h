@@ -18,5 +18,10 @@ void append_table(std::string& out,
 /// Appends the lines of a text, wrapped to the width; lines behind the first begin with `indent`
 /// blanks.
 void append_wrapped(std::string& out, std::string_view text, const Options& options, size_t indent);
+/// The same behind a head, as wide as which the further lines are indented.
+void append_wrapped(std::string& out,
+                    std::string_view head,
+                    std::string_view text,
+                    const Options& options);
 
 }  // namespace hierfit::report::text

@@ -16,8 +16,8 @@ struct Kind {
   char letter;
   std::string_view number;  ///< empty where none is shown
 };
-constexpr std::array<Kind, 4> kKinds = {
-    {{'s', ""}, {'t', "Table ^1"}, {'c', "Figure ^1"}, {'m', ""}}};
+constexpr std::array<Kind, 5> kKinds = {
+    {{'s', ""}, {'t', "Table ^1"}, {'c', "Figure ^1"}, {'m', ""}, {'a', ""}}};
 
 struct SeverityNames {
   std::string_view name;
@@ -31,11 +31,19 @@ class BlockList {
   explicit BlockList(std::string_view prefix) : prefix_(prefix) {}
 
   std::vector<Block> write(const Document& document) {
+    add_about(document.about);
     add_items(document.content, 1);
     return std::move(blocks_);
   }
 
  private:
+  void add_about(const output::About& about) {
+    if (about.empty()) return;
+    add(&about, 1);
+    for (const output::Message& message : about.messages)
+      add(&message, 2);
+  }
+
   void add_items(const output::Section& section, uint32_t level) {
     for (const output::Item& item : section.items) {
       std::visit([&](const auto& content) { add(content.get(), level); }, item);
@@ -50,7 +58,7 @@ class BlockList {
 
   std::string_view prefix_;
   std::vector<Block> blocks_;
-  std::array<uint32_t, 4> numbers_{};
+  std::array<uint32_t, std::variant_size_v<Block::Content>> numbers_{};
 };
 
 }  // namespace
@@ -63,6 +71,10 @@ std::string Block::anchor() const {
 
 std::vector<Block> blocks_of(const Document& document, std::string_view prefix) {
   return BlockList(prefix).write(document);
+}
+
+size_t opening_blocks(const Document& document) {
+  return document.about.empty() ? 0 : 1 + document.about.messages.size();
 }
 
 std::string numbered(const Block& block, const Document& document) {
@@ -78,6 +90,7 @@ output::Text title_of(const Block& block) {
   if (const auto* section = block.as<output::Section>()) return section->title;
   if (const auto* table = block.as<output::Table>()) return table->title;
   if (const auto* chart = block.as<output::Chart>()) return {chart->title, {}};
+  if (const auto* about = block.as<output::About>()) return about->title;
   return {};
 }
 

@@ -1,5 +1,5 @@
-// What a document holds, in one line: its sections, tables, charts and messages, as every form
-// numbers and names them.
+// What a document holds, in one line: what is said about the result, then its sections, tables,
+// charts and messages, as every form numbers and names them.
 #pragma once
 
 #include <cstdint>
@@ -11,12 +11,13 @@
 
 namespace hierfit::report {
 
-/// A section, table, chart or message of a document, in its place.
+/// What is said about the result, or a section, table, chart or message of it, in its place.
 struct Block {
   using Content = std::variant<const output::Section*,
                                const output::Table*,
                                const output::Chart*,
-                               const output::Message*>;
+                               const output::Message*,
+                               const output::About*>;
   Content content;
   uint32_t level = 1;         ///< how many sections it lies in, and one
   uint32_t number = 0;        ///< among those of its kind, from 1
@@ -29,16 +30,21 @@ struct Block {
     return found == nullptr ? nullptr : *found;
   }
   bool is_section() const { return as<output::Section>() != nullptr; }
+  bool is_about() const { return as<output::About>() != nullptr; }
   /// Whether contents lead to it: to all but messages.
   bool is_listed() const { return as<output::Message>() == nullptr; }
-  /// A name for links, unique in the document: the prefix, "s", "t", "c" or "m" for its kind, then
-  /// its number.
+  /// A name for links, unique in the document: the prefix, "s", "t", "c", "m" or "a" for its kind,
+  /// then its number.
   std::string anchor() const;
 };
 
-/// The blocks of a document in order; a section stands ahead of what lies in it. The prefix of
-/// their anchors must outlive them.
+/// The blocks of a document in order; a section stands ahead of what lies in it. What is said about
+/// the result is the first, with its messages behind it. The prefix of their anchors must outlive
+/// them.
 std::vector<Block> blocks_of(const output::Document& document, std::string_view prefix = {});
+
+/// How many of a document's blocks are about the result: those that stand ahead of its contents.
+size_t opening_blocks(const output::Document& document);
 
 /// "Table 3" or "Figure 3" in the language of the document; empty for other blocks.
 std::string numbered(const Block& block, const output::Document& document);

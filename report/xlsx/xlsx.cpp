@@ -78,12 +78,17 @@ class Report {
     const Look title = {.size = 15, .bold = true};
     write_runs(workbook_, sheet, 0, 0, {{report_title(document_), title}}, title);
     uint32_t row = 2;
-    for (const Block& block : blocks_) {
-      if (row == kMostRows) break;
+    const size_t opening = opening_blocks(document_);
+    for (size_t i = 0; i < blocks_.size() && row < kMostRows; ++i) {
+      const Block& block = blocks_[i];
+      if (i == opening && opening > 0) ++row;
       if (const auto* section = block.as<output::Section>()) {
         write_heading(sheet, ++row, block, *section);
       } else if (const auto* message = block.as<output::Message>()) {
         write_message(sheet, row, *message);
+      } else if (const auto* about = block.as<output::About>()) {
+        write_about(sheet, row, *about);
+        continue;
       } else {
         write_link(sheet, row, block);
       }
@@ -97,6 +102,23 @@ class Report {
                      const output::Section& section) {
     Look look = {.size = block.level > 1 ? 10.0 : 12.0, .bold = true};
     write_runs(workbook_, sheet, row, 0, {{texts_.shown(section.title), look}}, look);
+  }
+
+  /// A row for each value; moves behind them.
+  void write_about(lxw_worksheet* sheet, uint32_t& row, const output::About& about) {
+    const Look heading = {.size = 12, .bold = true};
+    write_runs(workbook_, sheet, row++, 0, {{texts_.shown(about.title), heading}}, heading);
+    const Look label = {.quiet = true, .wraps = true};
+    const Look value = {.wraps = true};
+    for (const output::Fact& fact : about.facts) {
+      for (const output::Text& text : fact.values) {
+        if (row == kMostRows) return;
+        if (&text == fact.values.data()) {
+          write_runs(workbook_, sheet, row, 0, {{texts_.shown(fact.label), label}}, label);
+        }
+        write_runs(workbook_, sheet, row++, 1, {{texts_.shown(text), value}}, value);
+      }
+    }
   }
 
   void write_message(lxw_worksheet* sheet, uint32_t row, const output::Message& message) {
@@ -164,7 +186,7 @@ class Report {
     return {rows, columns};
   }
 
-  static constexpr double kNumberWidth = 12;
+  static constexpr double kNumberWidth = 26;
   static constexpr double kTitleWidth = 80;
 
   const Document& document_;

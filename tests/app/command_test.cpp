@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tests/app/shell.h"
+#include "tests/report/markup_reader.h"
 
 using namespace shell_test;
 namespace fs = std::filesystem;
@@ -29,8 +30,10 @@ TEST_CASE("the report goes where the options say, in the form of the ending") {
   CHECK(text_of(directory / "j.jsonl").starts_with("{\"call\":\"BpHeading::PivotTable\""));
 
   CHECK(shell("hierfit --format json " + kDocuments).output == text_of(directory / "r.JSON"));
-  CHECK(shell("hierfit -- - " + kExample + "result.xml < " + kExample + "model.pmml").output ==
-        plain.output);
+  const Outcome from_input =
+      shell("hierfit -- - " + kExample + "result.xml < " + kExample + "model.pmml");
+  CHECK(results_of(from_input.output) == results_of(plain.output));
+  CHECK(from_input.output.find("standard input\n") != std::string::npos);
 }
 
 TEST_CASE("options and documents reach the report") {
@@ -174,7 +177,8 @@ TEST_CASE("several pairs make a report each and an index") {
                               (directory / "in/a/b/two & <three>.xml") +
                               ":2:6: not well-formed: this end tag does not match its start tag\n"
                               "hierfit: 2 of 4 reports are not made\n");
-  CHECK(text_of(out + "/a/b/one.txt") == shell("hierfit " + kDocuments).output);
+  CHECK(results_of(text_of(out + "/a/b/one.txt")) ==
+        results_of(shell("hierfit " + kDocuments).output));
   CHECK(text_of(out + "/a.txt") ==
         shell("hierfit -d " + kExample + "dictionary.json " + kDocuments).output);
   CHECK(fs::exists(out + "/a/01-predicted-by-observed.svg"));
@@ -186,6 +190,66 @@ TEST_CASE("several pairs make a report each and an index") {
   CHECK(shell("hierfit -j 1 -o " + (directory / "two") + " " + kDocuments + " " + kDocuments)
             .status == 0);
   CHECK(fs::exists(directory / "two/salamanders-model.html"));
+}
+
+TEST_CASE("what speaks against a result stands in its report, on standard error and in the index") {
+  const Directory directory;
+  const std::string cbpp = HIERFIT_SOURCE_DIR "/examples/cbpp/";
+  std::string result = text_of(cbpp + "result.xml");
+  const auto change = [&](const std::string& from, const std::string& to) {
+    REQUIRE(result.find(from) != std::string::npos);
+    result.replace(result.find(from), from.size(), to);
+  };
+  change(
+      "</TrainingSummary>",
+      "<Message><PrintableList pattern=\"kGLMM_C11\" isKey=\"true\"><PrintableValue "
+      "value=\"Model failed to converge &lt;b&gt;\"/></PrintableList></Message></TrainingSummary>");
+  change("value=\"LOGIT\"", "value=\"LOGITT\"");
+  fs::create_directories(directory / "in");
+  write(directory / "in/x.xml", result);
+  fs::copy_file(cbpp + "model.pmml", directory / "in/x.pmml");
+  const std::string at = directory / "in/x.xml";
+  const std::string sentence =
+      "The engine gave the warning kGLMM_C11: Model failed to converge <b>";
+
+  const Outcome one = shell("hierfit " + (directory / "in/x.pmml") + " " + at);
+  CHECK(one.status == 0);
+  CHECK(one.errors.find("hierfit: " + at + ": warning: " + sentence + "\n") != std::string::npos);
+  CHECK(one.errors.find(at + ":8:5: warning: Parameter LinkFunctionType is \"LOGITT\"") !=
+        std::string::npos);
+  const size_t first = one.output.find("Error: The engine gave the warning kGLMM_C11");
+  const size_t second = one.output.find("Warning: x.xml:8:5: Parameter LinkFunctionType");
+  CHECK(first < second);
+  CHECK(second < one.output.find("\nTable 1\n"));
+
+  const Outcome batch = shell("hierfit -o " + (directory / "out") + " " + (directory / "in"));
+  CHECK(batch.errors == one.errors);
+  const std::string index = text_of(directory / "out/index.html");
+  CHECK(index.find("Contagious bovine pleuropneumonia") != std::string::npos);
+  CHECK(index.find("class=\"message error\"><b>Error:</b> The engine gave the warning kGLMM_C11: "
+                   "Model failed to converge &lt;b&gt;") != std::string::npos);
+}
+
+TEST_CASE("a title is that of the option, in every form") {
+  const Directory directory;
+  const std::string title = "--title 'Ours & <theirs>' ";
+  const std::string page = shell("hierfit -f html " + title + kDocuments).output;
+  CHECK(page.find("<title>Ours &amp; &lt;theirs&gt;</title>") != std::string::npos);
+  CHECK(page.find("<h1>Ours &amp; &lt;theirs&gt;</h1>") != std::string::npos);
+  CHECK(
+      shell("hierfit -f json " + title + kDocuments).output.find("\"title\":\"Ours & <theirs>\"") !=
+      std::string::npos);
+  CHECK(shell("hierfit " + title + "-o " + (directory / "r.pdf") + " -o " + (directory / "r.docx") +
+              " -o " + (directory / "r.xlsx") + " " + kDocuments)
+            .status == 0);
+  CHECK(shell("pdfinfo " + (directory / "r.pdf")).output.find("Ours & <theirs>") !=
+        std::string::npos);
+  for (const std::string package : {"r.docx", "r.xlsx"}) {
+    CHECK(hierfit::tests::part(text_of(directory / package), "docProps/core.xml")
+              .find("<dc:title>Ours &amp; &lt;theirs&gt;</dc:title>") != std::string::npos);
+  }
+  CHECK(shell("hierfit --title x -o " + (directory / "two") + " " + kDocuments + " " + kDocuments)
+            .status == 2);
 }
 
 TEST_CASE("the manual page and the completions hold every option") {
@@ -267,15 +331,16 @@ TEST_CASE("a fit goes wherever a pair goes") {
   CHECK(shell("hierfit -d " + kExample + "dictionary.json " + kDocuments + " -o " +
               directory / "b.json")
             .status == 0);
-  CHECK(text_of(directory / "a.json") == text_of(directory / "b.json"));
-  CHECK(shell("hierfit -f json - < " + fit).output == text_of(directory / "b.json"));
+  const std::string results = results_of(text_of(directory / "b.json"));
+  CHECK(results_of(text_of(directory / "a.json")) == results);
+  CHECK(results_of(shell("hierfit -f json - < " + fit).output) == results);
 
   CHECK(shell("hierfit import -o " + directory / "documents" + " " + fit).status == 0);
   const std::string made = directory / "documents/";
   CHECK(text_of(made + "dictionary.json").find("\"width\": 6") != std::string::npos);
-  CHECK(shell("hierfit -f json -d " + made + "dictionary.json " + made + "model.pmml " + made +
-              "result.xml")
-            .output == text_of(directory / "b.json"));
+  CHECK(results_of(shell("hierfit -f json -d " + made + "dictionary.json " + made + "model.pmml " +
+                         made + "result.xml")
+                       .output) == results);
 }
 
 TEST_CASE("a dictionary is laid over that of a fit") {
@@ -296,7 +361,8 @@ TEST_CASE("fits in a folder are found where no model document is") {
   fs::copy(kExample + "fit.json", directory / "in/two.fit.json");
   fs::copy(kExample + "dictionary.json", directory / "in/other.json");
   CHECK(shell("hierfit -q -f json -o " + directory / "out" + " " + directory / "in").errors == "");
-  CHECK(text_of(directory / "out/one.json") == text_of(directory / "out/two.json"));
+  CHECK(results_of(text_of(directory / "out/one.json")) ==
+        results_of(text_of(directory / "out/two.json")));
   CHECK(fs::exists(directory / "out/index.html"));
   CHECK(shell("hierfit -q import -o " + directory / "documents" + " " + directory / "in").status ==
         0);

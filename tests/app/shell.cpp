@@ -24,6 +24,12 @@ void write(const fs::path& file, const std::string& text) {
   std::ofstream(file, std::ios::binary) << text;
 }
 
+std::string results_of(const std::string& report) {
+  const size_t content = report.find(",\"content\":[");
+  const size_t begin = content != std::string::npos ? content : report.find("\nTable 1\n");
+  return begin == std::string::npos ? "(no results)" : report.substr(begin);
+}
+
 Directory::Directory() : path_(HIERFIT_BINARY_DIR "/command-test") {
   fs::remove_all(path_);
   fs::create_directories(path_);

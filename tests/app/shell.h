@@ -13,6 +13,9 @@ extern const std::string kDocuments;  ///< its model document and its result doc
 std::string text_of(const std::filesystem::path& file);
 void write(const std::filesystem::path& file, const std::string& text);
 
+/// What a report in text or JSON says from its results on: what is ahead of them names the files.
+std::string results_of(const std::string& report);
+
 /// An empty directory for one test, gone with it.
 class Directory {
  public:

@@ -23,9 +23,13 @@ TEST_CASE("a fit comes to the report of its pair, to the last bit") {
     CAPTURE(name);
     const Imported imported = import_text(example_fit(name));
     CHECK(imported.said() == "");
-    const TableRun own = imported.run();
-    const TableRun pair = run(example_files(name), "en");
+    TableRun own = imported.run();
+    TableRun pair = run(example_files(name), "en");
     REQUIRE(own.reads);
+    // What a fit says of its engine goes beyond what a pair of documents does.
+    CHECK(own.document.about.facts.size() > pair.document.about.facts.size());
+    own.document.about = {};
+    pair.document.about = {};
     CHECK(json_of(own.document) == json_of(pair.document));
     REQUIRE(own.charts.size() == pair.charts.size());
     CHECK(own.charts.size() > 1);

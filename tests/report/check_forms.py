@@ -35,13 +35,14 @@ def plain(text):
     return text.replace("\u200b", "").replace("\x0c", " ")
 
 
-# Readers: a file, and the folder for what has to be made of it, to {number of a table: Found}.
+# Readers: a file to {number of a table: Found}; what stands ahead of the first table is number 0.
 
 
 def read_xlsx(path):
     import openpyxl
     book = openpyxl.load_workbook(path)
-    tables = {}
+    tables = {0: Found()}
+    tables[0].text = [str(cell.value) for row in book.worksheets[0].iter_rows() for cell in row]
     for sheet in book.worksheets[1:]:
         caption = CAPTION.match(str(sheet["A1"].value))
         if not caption:
@@ -88,7 +89,8 @@ def read_docx(path):
     from docx.table import Table
     from docx.text.paragraph import Paragraph
     document = docx.Document(path)
-    tables, current = {}, None
+    current = Found()
+    tables = {0: current}
     for element in document.element.body:
         if element.tag.endswith("}p"):
             paragraph = Paragraph(element, document)
@@ -97,7 +99,7 @@ def read_docx(path):
             caption = CAPTION.match(text.split("\n")[0])
             if caption:
                 current = tables.setdefault(int(caption[1]), Found())
-            elif paragraph.style.name not in ("Table Note", "Table End"):
+            elif paragraph.style.name not in ("Table Note", "Table End") and len(tables) > 1:
                 current = None
             if current is not None:
                 current.text.append(text)
@@ -121,7 +123,8 @@ def read_cells(table, found):
 def read_pdf(path):
     text = subprocess.run(["pdftotext", "-layout", path, "-"], check=True, capture_output=True,
                           text=True).stdout
-    tables, current = {}, None
+    current = Found()
+    tables = {0: current}
     for line in text.replace("\x0c", "\n").split("\n"):
         caption = CAPTION.match(line)
         if caption:
@@ -150,13 +153,14 @@ def read_markdown(path):
     """As pandoc reads it."""
     parsed = subprocess.run(["pandoc", "--from=markdown", "--to=json", path], check=True,
                             capture_output=True).stdout
-    tables, current = {}, None
+    current = Found()
+    tables = {0: current}
     for block in json.loads(parsed)["blocks"]:
         words = "\n".join(pandoc_cells(block))
         caption = CAPTION.match(words.split("\n")[0])
         if caption:
             current = tables.setdefault(int(caption[1]), Found())
-        elif block["t"] == "Header" or re.match(r"Figure \d+", words):
+        elif len(tables) > 1 and (block["t"] == "Header" or re.match(r"Figure \d+", words)):
             current = None
         if current is not None:
             current.text += words.split("\n")
@@ -165,9 +169,10 @@ def read_markdown(path):
 
 def pandoc_cells(node):
     """The text of each cell, or of a paragraph; raised letters by themselves."""
-    if isinstance(node, dict) and node.get("t") in ("Plain", "Para"):
+    if isinstance(node, dict) and node.get("t") in ("Plain", "Para", "Header"):
+        inlines = node["c"][2] if node["t"] == "Header" else node["c"]
         text = "".join({"Str": lambda part: part["c"], "LineBreak": lambda part: "\n"}.get(
-            part["t"], lambda part: " ")(part) for part in pandoc_inlines(node["c"]))
+            part["t"], lambda part: " ")(part) for part in pandoc_inlines(inlines))
         yield re.sub("([\u1d43-\u1dbf\u02b0-\u02e3\u2071\u207f\u02d2]+)", r" \1 ", text)
     elif isinstance(node, (dict, list)):
         for part in node.values() if isinstance(node, dict) else node:
@@ -205,7 +210,8 @@ LATEX_END = r"(?<!\\)&|\n\n|\\\\\*?(?:\[\w+\])?\n|\\par\n|\\(?:begin|end)\{\w+\}
 
 def read_latex(path):
     text = pathlib.Path(path).read_text(encoding="utf-8").split("\\begin{document}")[1]
-    tables, current = {}, None
+    current = Found()
+    tables = {0: current}
     # Heads stand twice, for the first page and for the others.
     text = re.sub(r"(?s)\\endfirsthead.*?\\endlastfoot", "", text)
     text = re.sub(r"\{\\small\n\\begin\{longtable\}\{(?:>\{[^{}]*\}p\{[^{}]*\})*\}", "", text)
@@ -317,8 +323,22 @@ def faults_of(table, found, shown_as):
             yield f"lost the text {text!r}"
 
 
+def about_of(reference):
+    """What a report says ahead of its tables."""
+    yield reference["title"]
+    for fact in reference["about"]["facts"].values():
+        yield shown(fact["label"])
+        yield from map(shown, fact["values"])
+    yield from (shown(message["text"]) for message in reference["about"]["messages"])
+
+
 def check(name, reference, tables, shown_as=lambda cell: plain(cell["shown"])):
     expected = list(tables_of(reference["content"]))
+    opening = tables.pop(0, None)
+    joined = re.sub(r"\s+", "", "".join(map(plain, opening.text))) if opening else None
+    for text in about_of(reference):
+        if opening and not all(word[:20] in joined for word in plain(text).split()):
+            yield f"{name} lost the text {text!r} about the result"
     if len(tables) != len(expected):
         yield f"{name} has {len(tables)} tables of {len(expected)}"
     for number, table in enumerate(expected, 1):

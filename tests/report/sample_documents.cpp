@@ -269,11 +269,26 @@ TableBuilder scripts_of_the_world() {
   return table;
 }
 
+output::Text plain(std::string text) { return {std::move(text), {}}; }
+
+output::About about_result() {
+  output::About about{plain("About this result"), {}, {}};
+  about.facts = {{"target", plain("Target"), {plain("Score <1> & \u00AB2\u00BB")}},
+                 {"formula", plain("Formula"), {plain("score ~ 1 + x_1 + (1 + x_1 | s:t)")}},
+                 {"records", plain("Records"), {text_with("^1", count(1234))}},
+                 {"files", plain("Files"), {plain("a.pmml"), plain("a.xml")}}};
+  about.messages = {{plain("The fit did not converge."), output::Severity::Error, "notConverged"},
+                    {plain("A variance is 0."), output::Severity::Warning, "boundary"},
+                    {plain("All is said."), output::Severity::Note, "engineNote"}};
+  return about;
+}
+
 }  // namespace
 
 Document procedure_document() {
   Document document;
   document.title = "Generalized Linear Mixed Models";
+  document.about = about_result();
   Section& top = document.content;
   add(top, model_summary());
   add(top, data_structure());
