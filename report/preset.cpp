@@ -42,13 +42,14 @@ void mark(const Preset& preset, Text& label) {
   label.symbol = gives_way || (is_latin(label.shown) && holds(kSymbolKeys, label.key));
 }
 
-/// Marks the statistical symbols among the labels of a dimension, and the numbers under them.
+/// Has the numbers under significances be written as such, and marks the statistical symbols among
+/// the labels of a dimension.
 void mark(const Preset& preset, Table& table, uint32_t d) {
   output::Dimension& dimension = table.dimensions[d];
   std::vector<bool> significance(dimension.leaves.size());
   for (output::Node& node : dimension.nodes) {
     if (!node.is_group()) significance[node.leaf] = holds(kSignificanceKeys, node.label.key);
-    mark(preset, node.label);
+    if (preset.symbols) mark(preset, node.label);
   }
   if (std::ranges::find(significance, true) == significance.end()) return;
   output::Cells& cells = table.cells;
@@ -80,7 +81,7 @@ const Preset* preset_by_name(std::string_view name) {
 
 void apply(const Preset& preset, Document& document) {
   write_number_style(preset, document.numbers);
-  if (preset.symbols) mark(preset, document.content);
+  mark(preset, document.content);
 }
 
 }  // namespace hierfit::report

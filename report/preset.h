@@ -74,7 +74,8 @@ inline constexpr Preset kPresets[] = {
 const Preset* preset_by_name(std::string_view name);
 
 /// Has a document show in a house style. Which tables, rows, columns and cells there are does not
-/// change, nor does any number: only how they are written.
+/// change, nor does any number: only how they are written. A number in a column of significances
+/// follows the rule of the style for p, in whatever format it came.
 void apply(const Preset& preset, output::Document& document);
 
 }  // namespace hierfit::report

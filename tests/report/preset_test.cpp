@@ -3,6 +3,7 @@
 
 #include <doctest/doctest.h>
 #include <nlohmann/json.hpp>
+#include <tuple>
 
 #include "report/report.h"
 #include "tests/report/sample_documents.h"
@@ -102,6 +103,31 @@ TEST_CASE("symbols are known by their keys, in each language and in no other wor
   for (const output::CellValue& value : table.cells.values)
     significances += std::get<output::Number>(value).format == Format::Significance ? '1' : '0';
   CHECK(significances == "1001");
+}
+
+TEST_CASE("a p is written by the rule for p, in whatever format it came, and its column lines up") {
+  for (const auto& [preset, shown, other] :
+       {std::tuple{"default", "<0.001", "0.014"}, std::tuple{"apa", "< .001", ".014"}}) {
+    CAPTURE(preset);
+    TableBuilder builder("Contrasts");
+    builder.rows("R").columns("C");
+    builder.cell({{"a"}, {"p"}}, coefficient(3.234e-5)).cell({{"b"}, {"p"}}, coefficient(0.014));
+    builder.cell({{"a"}, {"b"}}, coefficient(3.234e-5));
+    output::Document document;
+    builder.table().dimensions[1].nodes[0].label.key = document.own_key("Adj. Sig.");
+    document.content.items.emplace_back(builder.take());
+    report::apply(*report::preset_by_name(preset), document);
+    const json report = json::parse(report::render_json(document, {}));
+    const json& cells = report["content"][0]["cells"];
+    CHECK(cells[0]["shown"] == shown);
+    CHECK(cells[0]["value"] == 3.234e-5);
+    CHECK(cells[1]["shown"] == other);
+    CHECK(cells[2]["shown"] == "3.234E-5");
+    const std::string text = report::render_text(document, {});
+    const size_t line = text.find("\na ");
+    const size_t below = text.find("\nb ");
+    CHECK(text.find('1', line) - line == text.find('4', below) - below);
+  }
 }
 
 }  // namespace hierfit::test
