@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "embedded/chart/complete.h"
 #include "embedded/dictionary/read_dictionary.h"
 #include "embedded/files/paths.h"
 #include "embedded/pmml/model_document.h"
@@ -126,6 +127,8 @@ void Session::tell_about() {
 const std::vector<Shortfall>& Session::shortfalls() const { return state_->outputs.shortfalls; }
 
 output::Document Session::take_document() {
+  chart::complete_charts(state_->outputs.document, state_->inputs.strings,
+                         state_->inputs.dictionary);
   return std::exchange(state_->outputs.document, empty_document(state_->inputs));
 }
 

@@ -71,6 +71,14 @@ void ChartColumn::set(size_t row, std::string_view value) {
   numbers_[row] = 0;
 }
 
+void ChartColumn::unset(size_t row) {
+  keep_kinds();
+  grow(row);
+  text_of_row_.resize(numbers_.size(), kUnset);
+  text_of_row_[row] = kUnset;
+  numbers_[row] = 0;
+}
+
 const std::string* ChartVariable::label_of(double value) const {
   const auto found = number_labels.find(value);
   return found == number_labels.end() ? nullptr : &found->second;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "output/markup.h"
+#include "output/number_format.h"
 
 namespace hierfit::output {
 
@@ -37,6 +38,7 @@ class ChartColumn {
   /// The last value of a row holds.
   void set(size_t row, double value);
   void set(size_t row, std::string_view value);
+  void unset(size_t row);
   void reserve(size_t rows) { numbers_.reserve(rows); }
 
  private:
@@ -69,6 +71,7 @@ struct ChartVariable {
   std::string prefix;  ///< ahead of every value that is shown
   bool categorical = false;
   std::optional<ChartFormat> format;
+  std::optional<Format> statistic;  ///< how its numbers show where they are statistics
   std::map<double, std::string> number_labels;
   std::map<std::string, std::string, std::less<>> text_labels;
   ChartColumn values;

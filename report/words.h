@@ -28,6 +28,7 @@ inline constexpr std::string_view kWords[] = {
     "Frequency",
     "From",
     "Highest: ^1 (^2); lowest: ^3 (^4).",
+    "Horizontal line",
     "Kind",
     "Lower",
     "Means with intervals: ^1 marks.",

@@ -26,7 +26,7 @@ std::string shown_pair(const ChartVariable& variable,
   if (partner == row || !has_value(variable, partner)) return one;
   std::string other = shown_value(variable, partner, style);
   if (!has_value(variable, row) || one == other) return other;
-  return "[" + one + ", " + other + "]";
+  return "[" + one + std::string(list_mark(style)) + other + "]";
 }
 
 }  // namespace
@@ -41,10 +41,7 @@ std::string Binding::tooltip_of(const BoundElement& element, MarkRows rows) cons
   std::string text;
   for (const auto& [variable, words] : element.tooltip) {
     if (!has_value(*variable, row) && !has_value(*variable, partner)) continue;
-    const bool is_name = variable == element[RoleKind::Key] || variable == element[RoleKind::Label];
-    const std::string value = is_name && row == partner
-                                  ? shown_in_panel(*element.source, graph, *variable, row, numbers)
-                                  : shown_pair(*variable, rows, numbers);
+    const std::string value = shown_pair(*variable, rows, numbers);
     if (value.empty()) continue;
     if (!text.empty()) text += '\n';
     if (!words.empty()) {

@@ -33,7 +33,7 @@ std::vector<Circle> circles_of(const Binding& binding) {
   for_rows(circles, binding, ElementKind::Edge, [&](Circle& circle, ElementRow of) {
     const ChartVariable* from = (*of.element)[RoleKind::From];
     const ChartVariable* to = (*of.element)[RoleKind::To];
-    if (from == nullptr || to == nullptr) return;
+    if (from == nullptr || to == nullptr || !is_drawn(*of.element, of.row)) return;
     const uint32_t start = circle.keys.find(*from, of.row);
     const uint32_t end = circle.keys.find(*to, of.row);
     if (start != ValueIndex::kNone && end != ValueIndex::kNone) {
@@ -41,6 +41,11 @@ std::vector<Circle> circles_of(const Binding& binding) {
     }
   });
   return circles;
+}
+
+bool is_drawn(const BoundElement& edges, size_t row) {
+  const ChartVariable* kind = edges[RoleKind::Color];
+  return kind == nullptr || has_value(*kind, row);
 }
 
 double share_of_turn(size_t node, size_t nodes) {

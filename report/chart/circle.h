@@ -25,6 +25,9 @@ struct Circle {
   std::vector<CircleEdge> edges;  ///< those with both ends
 };
 
+/// Whether an edge is drawn: where colours tell the kind of edges, one without a kind is none.
+bool is_drawn(const BoundElement& edges, size_t row);
+
 /// The circles of a graph, one a panel.
 std::vector<Circle> circles_of(const Binding& binding);
 

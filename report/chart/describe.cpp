@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "report/chart/axes.h"
+#include "report/chart/circle.h"
 #include "report/chart/pieces.h"
 #include "report/wording.h"
 
@@ -26,6 +27,8 @@ class Description {
       panels();
     }
     if (binding_.panels.size() > 1) say("^1 panels.", {count(binding_.panels.size())});
+    for (const std::string& note : binding_.plan.texts.notes)
+      sentence(note);
     return std::move(text_);
   }
 
@@ -40,8 +43,18 @@ class Description {
   }
 
   void say(std::string_view key, const std::vector<std::string>& arguments) {
+    put(filled(binding_.word(key), arguments));
+  }
+
+  void put(std::string_view text) {
     if (!text_.empty() && has_blanks()) text_ += ' ';
-    text_ += filled(binding_.word(key), arguments);
+    text_ += text;
+  }
+
+  /// Notes end without a stop as they stand beneath a chart.
+  void sentence(std::string_view text) {
+    put(text);
+    if (!text.ends_with('.') && !text.ends_with("\u3002")) text_ += has_blanks() ? "." : "\u3002";
   }
 
   /// Sentences of Chinese and Japanese end in a stop that has its own room.
@@ -54,7 +67,7 @@ class Description {
 
   /// A number without a format of its own has four digits that count: the data have the rest.
   std::string shown(const ChartVariable& variable, double value) const {
-    const bool plain = variable.format || variable.label_of(value) != nullptr;
+    const bool plain = variable.statistic || variable.format || variable.label_of(value) != nullptr;
     if (plain || value == std::floor(value)) return shown_number(variable, value, binding_.numbers);
     const double digits_ahead = std::floor(std::log10(std::fabs(value)));
     const auto decimals = static_cast<uint8_t>(std::clamp(3 - digits_ahead, 0.0, 12.0));
@@ -162,8 +175,11 @@ class Description {
   void circle() {
     const BoundElement* nodes = first(ElementKind::Node);
     const BoundElement* edges = first(ElementKind::Edge);
+    size_t comparisons_drawn = 0;
+    for (size_t row = 0; edges != nullptr && row < edges->rows(); ++row)
+      comparisons_drawn += is_drawn(*edges, row) ? 1 : 0;
     say("Network of ^1 nodes and ^2 comparisons.",
-        {count(nodes == nullptr ? 0 : nodes->rows()), count(edges == nullptr ? 0 : edges->rows())});
+        {count(nodes == nullptr ? 0 : nodes->rows()), count(comparisons_drawn)});
     if (edges == nullptr || (*edges)[RoleKind::Color] == nullptr) return;
     const auto& entries = binding_.colors.values.entries();
     for (uint32_t step = 0; step < entries.size(); ++step) {
@@ -192,7 +208,7 @@ class Description {
       const ChartVariable* end = edges[kind];
       if (end == nullptr) continue;
       if (!pair.empty()) pair += " \u2013 ";
-      pair += shown_in_panel(*edges.source, binding_.graph, *end, row, binding_.numbers);
+      pair += shown_value(*end, row, binding_.numbers);
     }
     return binding_.panels.size() > 1 ? pair + panel_of(edges, row) : pair;
   }

@@ -57,12 +57,12 @@ size_t nodes_of_circle(size_t circles) {
 
 /// The circle with the nodes alone that have the strongest edges.
 Circle most_significant(const Circle& circle, const Binding& binding, size_t most) {
-  const LineWidths widths(binding, 1);
+  const LineWidths widths(binding);
   std::vector<double> scores(circle.nodes.size());
   for (const auto& [from, to, of] : circle.edges) {
-    const double share = widths.share_of(number_at((*of.element)[RoleKind::Size], of.row));
-    scores[from] += share;
-    scores[to] += share;
+    const double width = width_of_edge(widths, binding, *of.element, of.row);
+    scores[from] += width;
+    scores[to] += width;
   }
   Circle kept;
   std::vector<size_t> places(circle.nodes.size(), SIZE_MAX);
@@ -172,8 +172,7 @@ class Circles {
   std::string label_of_node(const ElementRow& node) const {
     const ChartVariable* label = (*node.element)[RoleKind::Label];
     if (label == nullptr) return {};
-    return shown_in_panel(*node.element->source, binding_.graph, *label, node.row,
-                          binding_.numbers);
+    return shown_value(*label, node.row, binding_.numbers);
   }
 
   /// Labels beside their nodes in lines. False when two of them would touch.
@@ -276,12 +275,12 @@ class Circles {
   /// The edges, those of a later level of colour in front.
   std::vector<Mark> draw_edges(const Circle& circle, const Nodes& nodes) const {
     const size_t count = nodes.size();
-    const LineWidths widths(binding_, count > 40 ? 0.6 : count > 24 ? 1 : count > 9 ? 2.5 : 4.5);
+    const LineWidths widths(binding_);
     std::vector<std::pair<uint32_t, Mark>> drawn;
     for (const auto& [from, to, of] : circle.edges) {
       const auto& [element, row] = of;
       const Paint paint = binding_.paint_of(*element, row);
-      const double width = widths.of(number_at((*element)[RoleKind::Size], row));
+      const double width = width_of_edge(widths, binding_, *element, row);
       Mark mark = rule_mark(nodes[from].at, nodes[to].at, paint, width);
       mark.dash = dash_for(binding_.plan.style.series(paint).dash, mark.stroke_width);
       if (count > 24) mark.stroke_opacity = 0.75;

@@ -56,7 +56,8 @@ Entry color_entry(const Binding& binding, uint32_t step, const std::string& text
   const Paint paint{palette, static_cast<uint8_t>(step % binding.plan.style.steps(palette))};
   const std::string& dash = binding.plan.style.series(paint).dash;
   if (has_kind(binding, RoleKind::Color, ElementKind::Edge)) {
-    return {line_sample(paint, 2.5, dash), 28, text};
+    const bool plain = palette == Part::Significance && paint.step == 0;
+    return {line_sample(paint, plain ? 1 : 2.5, dash), 28, text};
   }
   if (has_bars(binding)) return {bar_sample(paint, dash, binding.symbol_of_step(step)), 20, text};
   return {{symbol_mark({6, 0}, 4.5, binding.symbol_of_step(step), paint)}, 12, text};
@@ -113,11 +114,11 @@ std::vector<double> values_to_show(const ChartVariable& variable) {
   return values;
 }
 
-std::vector<Entry> size_entries(const Binding& binding, const LegendFacts& facts) {
+std::vector<Entry> size_entries(const Binding& binding, const LegendFacts& /*facts*/) {
   std::vector<Entry> entries;
   const ChartVariable* variable = variable_of(binding, RoleKind::Size);
   if (variable == nullptr) return entries;
-  const LineWidths widths(binding, facts.thickest);
+  const LineWidths widths(binding);
   for (const double value : values_to_show(*variable)) {
     const std::string range = shown_number(*variable, value, binding.numbers);
     const bool has_label = variable->label_of(value) != nullptr;

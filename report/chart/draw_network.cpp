@@ -42,7 +42,6 @@ class Network {
     if (nodes_.empty()) return {};
     if (plain_ > kMostNodes) keep_most_significant();
     measure();
-    piece_.legend.thickest = plain_ > 60 ? 3.5 : plain_ > 30 ? 5 : piece_.legend.thickest;
     for (const BoundElement& element : binding_.elements) {
       if (element.element->kind == ElementKind::Edge) draw_edges(element);
     }
@@ -120,7 +119,7 @@ class Network {
     for (size_t i = 0; i < nodes.size(); ++i)
       index.try_emplace({nodes[i].x, nodes[i].y}, i);
     std::vector<double> scores(nodes.size());
-    const LineWidths widths(binding_, piece_.legend.thickest);
+    const LineWidths widths(binding_);
     for (const BoundElement& element : binding_.elements) {
       if (element.element->kind != ElementKind::Edge) continue;
       for (size_t row = 0; row < element.rows(); ++row) {
@@ -209,7 +208,7 @@ class Network {
   // Marks.
 
   void draw_edges(const BoundElement& element) {
-    const LineWidths widths(binding_, piece_.legend.thickest);
+    const LineWidths widths(binding_);
     for (size_t row = 0; row < element.rows(); ++row) {
       auto [from_x, from_y] =
           Place{number_at(element[RoleKind::X], row), number_at(element[RoleKind::Y], row)};
@@ -224,7 +223,7 @@ class Network {
         continue;
       const Paint paint = binding_.paint_of(element, row);
       Mark mark = rule_mark({x_at(from_x), y_at(from_y)}, {x_at(to_x), y_at(to_y)}, paint,
-                            widths.of(number_at(element[RoleKind::Size], row)));
+                            width_of_edge(widths, binding_, element, row));
       mark.dash = dash_for(binding_.plan.style.series(paint).dash, mark.stroke_width);
       mark.tooltip = binding_.tooltip_of(element, {row, row});
       piece_.marks.push_back(std::move(mark));

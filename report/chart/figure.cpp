@@ -15,6 +15,7 @@ std::vector<std::string> Figure::notes() const {
   for (const std::string& note : {plan_.texts.caption, plan_.texts.footnote}) {
     if (!note.empty()) notes.push_back(note);
   }
+  notes.insert(notes.end(), plan_.texts.notes.begin(), plan_.texts.notes.end());
   return notes;
 }
 

@@ -23,7 +23,6 @@ enum class Bound : uint8_t { None, Lower, Upper };
 struct Column {
   const ChartVariable* variable;
   std::string title;
-  bool names;  ///< whether its values are keys of nodes, which begin with the values of the panel
   Bound bound = Bound::None;
 };
 
@@ -91,31 +90,40 @@ class SourceTable {
     std::vector<Column> columns;
     for (const ChartVariable& variable : source_.variables) {
       if (variable.values.rows() == 0) continue;
-      if (is_interval(variable)) {
-        columns.push_back({&variable, std::string(binding_.word("Lower")), false, Bound::Lower});
-        columns.push_back({&variable, std::string(binding_.word("Upper")), false, Bound::Upper});
-        continue;
-      }
+      if (is_whisker(variable) && variable.label.empty()) continue;
       std::string title = title_of(variable);
-      if (!title.empty()) columns.push_back({&variable, std::move(title), names_nodes(variable)});
+      if (is_interval(variable)) {
+        columns.push_back({&variable, std::string(binding_.word("Lower")), Bound::Lower});
+        columns.push_back({&variable, std::string(binding_.word("Upper")), Bound::Upper});
+      } else if (is_bar(variable)) {
+        columns.push_back({&variable, std::string(binding_.word("Horizontal line")), Bound::Lower});
+        columns.push_back({&variable, std::move(title), Bound::Upper});
+      } else if (!title.empty()) {
+        columns.push_back({&variable, std::move(title)});
+      }
     }
     return columns;
   }
 
-  /// Whether its rows are the ends of whiskers, in twos.
-  bool is_interval(const ChartVariable& variable) const {
+  /// Whether its rows are the ends of an interval that is drawn so, in twos.
+  bool is_drawn_as(const ChartVariable& variable, bool whisker) const {
     return std::ranges::any_of(binding_.elements, [&](const BoundElement& element) {
-      return is_own(element) && element.element->whisker && element.element->rows == Rows::Pairs &&
+      return is_own(element) && element.element->kind == ElementKind::Interval &&
+             element.element->whisker == whisker && element.element->rows == Rows::Pairs &&
              element[RoleKind::Y] == &variable;
     });
   }
+  bool is_whisker(const ChartVariable& variable) const { return is_drawn_as(variable, true); }
+  bool is_bar(const ChartVariable& variable) const { return is_drawn_as(variable, false); }
 
-  bool names_nodes(const ChartVariable& variable) const {
-    return std::ranges::any_of(binding_.graph.elements, [&](const Element& element) {
-      return std::ranges::any_of(
-          std::array{RoleKind::Key, RoleKind::From, RoleKind::To},
-          [&](RoleKind kind) { return element.roles[kind].variable == variable.role; });
-    });
+  /// Whether it holds the bounds of an interval, which need not be drawn.
+  bool is_interval(const ChartVariable& variable) const {
+    if (is_whisker(variable)) return true;
+    if (!variable.statistic || !has_pairs() || is_bar(variable)) return false;
+    for (size_t row = 0; row + 1 < source_.rows; row += 2) {
+      if (number_at(&variable, row) != number_at(&variable, row + 1)) return true;
+    }
+    return false;
   }
 
   /// The label of a variable, else a word for what it is in the chart; empty when it is nothing.
@@ -159,7 +167,7 @@ class SourceTable {
     const auto leaf = static_cast<uint32_t>(made_.table.dimensions[0].leaves.size());
     add_leaf(made_.table.dimensions[0], {});
     for (uint32_t column = 0; column < columns_.size(); ++column) {
-      const auto& [variable, title, names, bound] = columns_[column];
+      const auto& [variable, title, bound] = columns_[column];
       const size_t first = bound == Bound::Upper ? partner : row;
       const size_t second = bound == Bound::Lower ? row : partner;
       if (!has_value(*variable, first) && !has_value(*variable, second)) continue;
@@ -171,10 +179,6 @@ class SourceTable {
   output::CellValue value_of(const Column& column, size_t row, size_t partner) {
     const ChartVariable& variable = *column.variable;
     const output::NumberStyle& style = binding_.document.numbers;
-    if (column.names) {
-      return add_text(
-          {.shown = shown_in_panel(source_, binding_.graph, variable, row, style), .numbers = {}});
-    }
     const bool both = has_value(variable, row) && has_value(variable, partner);
     const bool differ =
         both && shown_value(variable, row, style) != shown_value(variable, partner, style);
@@ -185,7 +189,7 @@ class SourceTable {
     if (differ) text.shown = "[";
     append(text, variable, only);
     if (differ) {
-      text.shown += ", ";
+      text.shown += list_mark(style);
       append(text, variable, partner);
       text.shown += "]";
     }

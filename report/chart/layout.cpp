@@ -52,6 +52,8 @@ class Page {
     put_graph();
     put_text(texts.caption, Lettering::Caption, 6);
     put_text(texts.footnote, Lettering::Footnote, 6);
+    for (const std::string& note : texts.notes)
+      put_text(note, Lettering::Footnote, 6);
     scene_.width = page_.width + 2 * kMargin;
     scene_.height = std::max(page_.height, y_) + (settings_.texts ? kMargin : 4);
     scene_.marks = std::move(page_.marks);

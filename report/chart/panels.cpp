@@ -7,7 +7,6 @@ namespace {
 
 constexpr uint32_t kMostPanels = 64;
 constexpr uint32_t kNoPanel = 0xFFFFFFFE;
-using Kind = output::ChartColumn::Kind;
 
 /// Gives each row of each element its panel.
 class Paneling {
@@ -84,19 +83,6 @@ class Paneling {
   bool has_rows_ = false;
 };
 
-bool names_row(std::string_view value, const output::ChartColumn& values, size_t row) {
-  switch (values.kind(row)) {
-    case output::ChartColumn::Kind::Unset:
-      return false;
-    case output::ChartColumn::Kind::Number:
-      return names_value(value, values.number(row));
-    case output::ChartColumn::Kind::Text:
-      return names_value(value, values.text(row)) ||
-             names_value(value, output::plain_text(values.text(row)));
-  }
-  return false;
-}
-
 }  // namespace
 
 Division divide(std::vector<BoundElement>& elements,
@@ -109,27 +95,8 @@ bool is_hidden(const LineGuide& guide, const Panel& panel) {
   return std::ranges::any_of(guide.hidden.clauses(), [&](const auto& clause) {
     const ChartVariable* variable =
         panel.source == nullptr ? nullptr : panel.source->by_role(clause.name);
-    return variable != nullptr && !names_row(clause.value, variable->values, panel.at_row);
+    return variable != nullptr && !output::names_row(clause.value, variable->values, panel.at_row);
   });
-}
-
-std::string shown_in_panel(const output::ChartSource& source,
-                           const Graph& graph,
-                           const ChartVariable& variable,
-                           size_t row,
-                           const output::NumberStyle& style) {
-  std::string text = shown_value(variable, row, style);
-  const bool is_text = variable.values.kind(row) == Kind::Text;
-  if (!is_text || variable.label_of(variable.values.text(row)) != nullptr) return text;
-  std::string panel;
-  for (const Facet& facet : graph.facets) {
-    const ChartVariable* of_facet = source.by_role(facet.variable);
-    if (of_facet != nullptr && of_facet->values.kind(row) == Kind::Text) {
-      panel += output::plain_text(of_facet->values.text(row));
-    }
-  }
-  if (text.size() > panel.size() && text.starts_with(panel)) text.erase(0, panel.size());
-  return text;
 }
 
 }  // namespace hierfit::report::chart

@@ -33,12 +33,4 @@ Division divide(std::vector<BoundElement>& elements,
 /// Whether a panel does without a guide: one of its facets has another value than the guide names.
 bool is_hidden(const LineGuide& guide, const Panel& panel);
 
-/// What a row of a variable shows without what only repeats its panel: a key, not a label, tells
-/// panels apart by having the values of their facets ahead.
-std::string shown_in_panel(const output::ChartSource& source,
-                           const Graph& graph,
-                           const ChartVariable& variable,
-                           size_t row,
-                           const output::NumberStyle& style);
-
 }  // namespace hierfit::report::chart

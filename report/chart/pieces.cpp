@@ -11,6 +11,13 @@
 namespace hierfit::report::chart {
 namespace {
 
+// Widths of lines in pixels.
+constexpr double kHairline = 0.75;
+constexpr double kLastHairline = 1.5;
+constexpr double kFirstStrong = 2.5;
+constexpr double kThickest = 5.5;
+constexpr double kPlain = 2.5;
+
 /// The values of a role over all elements.
 Range range_of(const Binding& binding, RoleKind kind) {
   Range range;
@@ -67,8 +74,7 @@ double Opacity::of(double value) const {
   return kLeast + (kMost - kLeast) * share(value, low, high);
 }
 
-LineWidths::LineWidths(const Binding& binding, double thickest_line)
-    : thinnest(std::min(1.0, thickest_line * 0.6)), thickest(thickest_line) {
+LineWidths::LineWidths(const Binding& binding) {
   const Range range = range_of(binding, RoleKind::Size);
   low = range.low;
   high = range.high;
@@ -77,17 +83,30 @@ LineWidths::LineWidths(const Binding& binding, double thickest_line)
     const Role& role = element.element->roles[RoleKind::Size];
     if (role.low) low = *role.low;
     if (role.high) high = *role.high;
+    step = role.step;
     return;
   }
 }
 
 double LineWidths::of(double value) const {
-  if (!is_number(value) || low == high) return (thinnest + thickest) / 2;
-  return thinnest + (thickest - thinnest) * share(value, low, high);
+  if (!is_number(value) || low == high) return kPlain;
+  if (!step) return kHairline + (kThickest - kHairline) * share(value, low, high);
+  if (value < *step) return kHairline + (kLastHairline - kHairline) * share(value, low, *step);
+  return kFirstStrong + (kThickest - kFirstStrong) * share(value, *step, high);
 }
 
 double LineWidths::share_of(double value) const {
   return is_number(value) && low != high ? share(value, low, high) : 0;
+}
+
+double width_of_edge(const LineWidths& widths,
+                     const Binding& binding,
+                     const BoundElement& edges,
+                     size_t row) {
+  if (edges[RoleKind::Size] != nullptr) return widths.of(number_at(edges[RoleKind::Size], row));
+  const Paint paint = binding.paint_of(edges, row);
+  if (paint.part != Part::Significance) return kPlain;
+  return paint.step == 0 ? kHairline : kPlain;
 }
 
 std::vector<size_t> greatest(const std::vector<double>& scores, size_t most) {

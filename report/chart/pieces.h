@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,7 +14,6 @@ namespace hierfit::report::chart {
 /// What a graph's legends have to know of how it was drawn.
 struct LegendFacts {
   double densest = 0;        ///< the sum of weights that a density raster shows strongest
-  double thickest = 8;       ///< the widest line, in pixels
   size_t colors = SIZE_MAX;  ///< colours that are shown
 };
 
@@ -76,18 +76,25 @@ struct Opacity {
   double of(double value) const;
 };
 
-/// How the values of the role `size` become widths of lines in pixels.
+/// How the values of the role `size` become widths of lines in pixels. A role with limits of its
+/// own has the same widths in every chart.
 struct LineWidths {
   double low = 0;
   double high = 0;
-  double thinnest = 1;
-  double thickest = 8;
+  std::optional<double> step;  ///< values below it are hairlines
 
-  LineWidths(const Binding& binding, double thickest_line);
+  explicit LineWidths(const Binding& binding);
   double of(double value) const;
   /// From 0 for the thinnest line to 1 for the thickest; 0 where there is no number.
   double share_of(double value) const;
 };
+
+/// The width of an edge: by its size, else by the step of its palette, of which the first is the
+/// plain one.
+double width_of_edge(const LineWidths& widths,
+                     const Binding& binding,
+                     const BoundElement& edges,
+                     size_t row);
 
 /// The places of the `most` greatest scores, ascending; of equal ones the first count.
 std::vector<size_t> greatest(const std::vector<double>& scores, size_t most);

@@ -135,6 +135,7 @@ Role role_in(const Markup& node) {
   }
   role.low = finite_number(node.value("low"));
   role.high = finite_number(node.value("high"));
+  role.step = finite_number(node.value("step"));
   for (const Markup* child : node.children()) {
     if (child->name != "level") continue;
     Level level{text_of(*child), std::nullopt};
@@ -249,7 +250,7 @@ void read_guide(const Markup& node, const Markup& /*parent*/, Graph& graph) {
   guide.y = finite_number(node.value("y"));
   guide.slope = number_or(node.value("slope"), 0);
   guide.intercept = number_or(node.value("intercept"), 0);
-  guide.hidden = HideCondition(node.value("hideWhen"));
+  guide.hidden = output::HideCondition(node.value("hideWhen"));
   if (guide.y || !node.value("slope").empty()) graph.guides.push_back(std::move(guide));
 }
 
@@ -305,10 +306,15 @@ Graph read_graph(const Markup& node, const std::string& source) {
 
 Texts read_texts(const Markup* node) {
   if (node == nullptr) return {};
-  return {.title = text_of(*node, "title"),
-          .sub_title = text_of(*node, "subTitle"),
-          .caption = text_of(*node, "caption"),
-          .footnote = text_of(*node, "footnote")};
+  Texts texts{.title = text_of(*node, "title"),
+              .sub_title = text_of(*node, "subTitle"),
+              .caption = text_of(*node, "caption"),
+              .footnote = text_of(*node, "footnote"),
+              .notes = {}};
+  for (const Markup* child : node->children()) {
+    if (child->name == "note") texts.notes.push_back(text_of(*child));
+  }
+  return texts;
 }
 
 }  // namespace

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "output/chart.h"
+#include "output/hide_condition.h"
 #include "output/number_format.h"
-#include "report/chart/hide_condition.h"
 #include "report/chart/style.h"
 
 namespace hierfit::report::chart {
@@ -45,6 +45,7 @@ struct Role {
   std::vector<Level> levels;
   std::optional<double> low;
   std::optional<double> high;
+  std::optional<double> step;  ///< from it on values are of the stronger kind
 };
 
 /// An entry of a tooltip.
@@ -92,7 +93,7 @@ struct LineGuide {
   std::optional<double> y;  ///< horizontal; else by slope and intercept
   double slope = 0;
   double intercept = 0;
-  HideCondition hidden{""};
+  output::HideCondition hidden{""};
 };
 
 struct Legend {
@@ -147,6 +148,7 @@ struct Texts {
   std::string sub_title;
   std::string caption;
   std::string footnote;
+  std::vector<std::string> notes;
 };
 
 struct Plan {

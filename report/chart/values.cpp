@@ -41,6 +41,7 @@ double number_at(const ChartVariable* variable, size_t row) {
 
 output::Number number_of(const ChartVariable& variable, double value) {
   constexpr uint8_t kText = 1;
+  if (variable.statistic) return {value, *variable.statistic, 0};
   if (!variable.format || variable.format->type == kText) {
     return {value, output::Format::SigDigit, 0};
   }
@@ -70,6 +71,10 @@ std::string shown_value(const ChartVariable& variable,
     }
   }
   return {};
+}
+
+std::string_view list_mark(const output::NumberStyle& style) {
+  return style.decimal_mark == "," ? "; " : ", ";
 }
 
 const std::string& label_of(const ChartVariable& variable) {

@@ -34,6 +34,8 @@ output::Number number_of(const ChartVariable& variable, double value);
 /// A text of the chart's own, "0.05 \u2264 p < 0.1", with its numbers written in the marks of
 /// `style`.
 std::string with_marks(std::string_view text, const output::NumberStyle& style);
+/// What divides the numbers of an interval: where the comma is the decimal mark, it is a semicolon.
+std::string_view list_mark(const output::NumberStyle& style);
 /// The label of a variable, else its name.
 const std::string& label_of(const ChartVariable& variable);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "report/chart/pieces.h"
 #include "report/typeset/texts.h"
 
 namespace hierfit::report::vega {
@@ -115,14 +116,12 @@ class Looks {
 
   /// Widths whose values have names.
   Json size_channel(const BoundElement& element) const {
-    const chart::Role& role = element.element->roles[RoleKind::Size];
-    const double low = role.low.value_or(facts_.sizes->low);
-    const double high = role.high.value_or(facts_.sizes->high);
+    const chart::LineWidths widths(binding_);
     Json domain = Json::array();
     Json range = Json::array();
     for (const auto& [size, label] : facts_.size_labels) {
       domain.push_back(clean(label));
-      range.push_back(high > low ? 1 + 7 * std::clamp((size - low) / (high - low), 0.0, 1.0) : 2);
+      range.push_back(widths.of(size));
     }
     return {{"field", "size"},
             {"type", "ordinal"},

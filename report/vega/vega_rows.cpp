@@ -155,6 +155,7 @@ class GraphRows {
                                             const ValueIndex& keys) {
     const bool edge = element.element->kind == ElementKind::Edge;
     const auto from = place_of(keys, element[edge ? RoleKind::From : RoleKind::Key], row);
+    if (edge && !chart::is_drawn(element, row)) return std::nullopt;
     const auto to = edge ? place_of(keys, element[RoleKind::To], row) : std::nullopt;
     if (!from || (edge && !to)) return std::nullopt;
     return Spot{{}, *from, to};

@@ -59,7 +59,7 @@ Lines lines_of(const std::string& text) {
   std::istringstream stream(text);
   Lines lines;
   for (std::string line; std::getline(stream, line);)
-    lines.push_back(line);
+    if (line.find_first_not_of(" ") != std::string::npos) lines.push_back(line);
   return lines;
 }
 

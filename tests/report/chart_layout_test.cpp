@@ -4,9 +4,9 @@
 #include <doctest/doctest.h>
 #include <tuple>
 
+#include "output/hide_condition.h"
 #include "report/chart/distribution.h"
 #include "report/chart/figure.h"
-#include "report/chart/hide_condition.h"
 #include "report/chart/metrics.h"
 #include "report/chart/scale.h"
 #include "tests/golden.h"
@@ -157,9 +157,6 @@ TEST_CASE("a target without a histogram takes little room") {
 }
 
 TEST_CASE("circles") {
-  const auto has_text = [](const Scene& scene, const std::string& text) {
-    return std::ranges::any_of(scene.marks, [&](const Mark& mark) { return mark.text == text; });
-  };
   SUBCASE("two nodes lie side by side") { CHECK(scene_of(pairwise_chart(2)).height < 140); }
   SUBCASE("words are cut, not broken") {
     output::Chart chart = pairwise_chart(3);
@@ -173,18 +170,6 @@ TEST_CASE("circles") {
     CHECK(std::ranges::count_if(scene.marks, [](const Mark& mark) {
             return mark.kind == MarkKind::Text && mark.text.starts_with("nn");
           }) == 1);
-  }
-  SUBCASE("keys do not repeat the values of their panel") {
-    output::Chart chart = pairwise_chart(2, 2);
-    for (output::ChartVariable& variable : chart.sources[0].variables) {
-      for (const size_t row : {0, 1, 2, 3}) {
-        const std::string site = row < 2 ? "no" : "yes";
-        variable.values.set(row,
-                            variable.name == "node" ? site + (row % 2 == 0 ? "A" : "B") : site);
-      }
-    }
-    CHECK(has_text(scene_of(chart), "A"));
-    CHECK_FALSE(has_text(scene_of(chart), "noA"));
   }
 }
 
@@ -303,7 +288,7 @@ TEST_CASE("densities hold an area of one") {
 }
 
 TEST_CASE("conditions name the panel of a guide") {
-  using Clauses = std::vector<HideCondition::Clause>;
+  using Clauses = std::vector<output::HideCondition::Clause>;
   struct Row {
     const char* text;
     Clauses clauses;
@@ -320,12 +305,12 @@ TEST_CASE("conditions name the panel of a guide") {
   };
   for (const auto& [text, clauses] : kRows) {
     CAPTURE(text);
-    CHECK(HideCondition(text).clauses() == clauses);
+    CHECK(output::HideCondition(text).clauses() == clauses);
   }
-  CHECK(names_value("01", 1.0));
-  CHECK_FALSE(names_value("1x", 1.0));
-  CHECK_FALSE(names_value("", 0.0));
-  CHECK_FALSE(names_value("01", "1"));
+  CHECK(output::names_value("01", 1.0));
+  CHECK_FALSE(output::names_value("1x", 1.0));
+  CHECK_FALSE(output::names_value("", 0.0));
+  CHECK_FALSE(output::names_value("01", "1"));
 }
 
 }  // namespace hierfit::test

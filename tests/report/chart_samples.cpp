@@ -40,6 +40,7 @@ ChartData& ChartData::variable(const std::string& role,
                                 .prefix = "",
                                 .categorical = categorical,
                                 .format = std::nullopt,
+                                .statistic = std::nullopt,
                                 .number_labels = {},
                                 .text_labels = {},
                                 .values = {}});
@@ -383,7 +384,7 @@ Chart pairwise_chart(size_t categories, size_t panels) {
 <legend id="typeLegend" role="color"/>
 <edge source="edgeSource_1"><from variable="from"/><to variable="to"/>
 <color variable="type" palette="significance"><level>0</level><level>1</level></color>
-<size variable="weight" low="4" high="1"/><tooltip variable="tooltip"/></edge>
+<tooltip variable="tooltip"/></edge>
 <node source="nodeSource_1"><key variable="node"/><label variable="node"/><tooltip variable="node"/></node>)",
       "<footnote>The least significant difference adjusted significance level is 0.05</footnote>"
       "<subTitle>Target: Satisfaction</subTitle>");

@@ -1,10 +1,10 @@
-#include "report/chart/hide_condition.h"
+#include "output/hide_condition.h"
 
 #include <algorithm>
 #include <charconv>
 #include <optional>
 
-namespace hierfit::report::chart {
+namespace hierfit::output {
 namespace {
 
 std::optional<double> whole_number(std::string_view text) {
@@ -63,4 +63,17 @@ bool names_value(std::string_view clause_value, double number) {
   return whole_number(clause_value) == number;
 }
 
-}  // namespace hierfit::report::chart
+bool names_row(std::string_view value, const ChartColumn& values, size_t row) {
+  switch (values.kind(row)) {
+    case ChartColumn::Kind::Unset:
+      return false;
+    case ChartColumn::Kind::Number:
+      return names_value(value, values.number(row));
+    case ChartColumn::Kind::Text:
+      return names_value(value, values.text(row)) ||
+             names_value(value, plain_text(values.text(row)));
+  }
+  return false;
+}
+
+}  // namespace hierfit::output

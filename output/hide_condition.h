@@ -5,7 +5,9 @@
 #include <string_view>
 #include <vector>
 
-namespace hierfit::report::chart {
+#include "output/chart.h"
+
+namespace hierfit::output {
 
 /// When a guide is hidden: a panel where one facet variable has another value than the named one.
 class HideCondition {
@@ -31,5 +33,7 @@ class HideCondition {
 /// Whether a value of a clause names this value of a variable: the same text, or the same number.
 bool names_value(std::string_view clause_value, std::string_view text);
 bool names_value(std::string_view clause_value, double number);
+/// Whether it names the value of a row; a text both as it came and as a reader sees it.
+bool names_row(std::string_view clause_value, const ChartColumn& values, size_t row);
 
-}  // namespace hierfit::report::chart
+}  // namespace hierfit::output
