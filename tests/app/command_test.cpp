@@ -245,7 +245,7 @@ TEST_CASE("a title is that of the option, in every form") {
   CHECK(shell("pdfinfo " + (directory / "r.pdf")).output.find("Ours & <theirs>") !=
         std::string::npos);
   for (const std::string package : {"r.docx", "r.xlsx"}) {
-    CHECK(hierfit::tests::part(text_of(directory / package), "docProps/core.xml")
+    CHECK(hierfit::test::part(text_of(directory / package), "docProps/core.xml")
               .find("<dc:title>Ours &amp; &lt;theirs&gt;</dc:title>") != std::string::npos);
   }
   CHECK(shell("hierfit --title x -o " + (directory / "two") + " " + kDocuments + " " + kDocuments)

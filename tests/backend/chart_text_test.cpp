@@ -245,6 +245,9 @@ TEST_CASE("guides take the levels and panels in the order of their keys") {
   CHECK(applied(template_text, many) ==
         R"(<a><lineGuide y="3" when="facet1!=&quot;third&quot;"></lineGuide>)"
         R"(<lineGuide y="3" when="facet1!=&quot;whenText&quot;"></lineGuide></a>)");
+  // A guide that is passed over is removed, with all behind it.
+  CHECK(applied(R"(<lineGuide when="whenText" y="00">whenText</lineGuide>)",
+                {{"", {{"", ""}, 4}}}) == "");
   CHECK(applied(R"(<lineGuide y="0)", many) == R"(<lineGuide y="0)");
   CHECK(applied(R"(<lineGuide y="00" whenText</lineGuide><lineGuide)", {}) == "<lineGuide");
 }

@@ -107,6 +107,14 @@ std::string GuideCondition(const LineGuideData& guide) {
   return DocumentText(std::move(condition));
 }
 
+/// The first `literal` that lies between two places; npos when there is none.
+std::size_t FindBetween(const std::string& text,
+                        std::string_view literal,
+                        std::size_t begin,
+                        std::size_t end) {
+  return std::string_view(text).substr(0, end).find(literal, begin);
+}
+
 /// Takes the guides that got no data out of the text: from the last one ahead of a place to the
 /// end of the last of all.
 void RemoveGuidesFrom(std::string& text, std::size_t place) {
@@ -325,15 +333,19 @@ void HFITChartImpl::ApplyLineGuides(std::string& text, const LineGuideMap& guide
   constexpr std::string_view kCondition = "whenText";
   std::size_t place = text.find("<lineGuide");
   if (place == std::string::npos) return;
+  std::size_t unused = std::string::npos;
   for (const auto& [key, guide] : guides) {
+    const std::size_t passed = place;
     place = text.find("y=", place);
     if (place == std::string::npos) return;
+    if (unused == std::string::npos) unused = FindBetween(text, kCondition, passed, place);
     ReplaceAt(text, place, 3, 2, NumberText(guide.fReferenceMean));
     const std::string condition = GuideCondition(guide);
     place = ReplaceFirst(text, kCondition, condition, place);
-    // A value of a facet is no part of the template: the next guide is sought behind it.
+    // What was put in is never searched again: a value of a facet may hold either literal. So the
+    // next guide is sought behind it, and so is a condition that is left.
     if (place != std::string::npos) place += condition.size();
   }
-  const std::size_t unused = text.find(kCondition, place);
+  if (unused == std::string::npos) unused = text.find(kCondition, place);
   if (unused != std::string::npos) RemoveGuidesFrom(text, unused);
 }
