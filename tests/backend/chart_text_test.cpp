@@ -195,12 +195,12 @@ TEST_CASE("facets") {
       R"(</faceting><facetLayout><facetLevel n="1"/><facetLevel n="2"></facetLevel></facetLayout></g>)";
   SUBCASE("both go") {
     std::string text = kBoth;
-    RemoveFaceting(text);
+    HFITChartImpl::RemoveFaceting(text);
     CHECK(text == "<g></g>");
   }
   SUBCASE("the second goes") {
     std::string text = kBoth;
-    RemoveSecondFacet(text);
+    HFITChartImpl::RemoveSecondFacet(text);
     CHECK(text == R"(<g><faceting><variableReference ref="f1"/></faceting>)"
                   R"(<facetLayout><facetLevel n="1"/></facetLayout></g>)");
   }
@@ -209,15 +209,15 @@ TEST_CASE("facets") {
                              "<variableReference/>", "<variableReference/><variableReference/>",
                              "</variableReference><variableReference/><variableReference/>"}) {
       std::string edited = text;
-      RemoveFaceting(edited);
-      RemoveSecondFacet(edited);
+      HFITChartImpl::RemoveFaceting(edited);
+      HFITChartImpl::RemoveSecondFacet(edited);
       CHECK(edited == text);
     }
   }
   SUBCASE("a reference goes without its level") {
     std::string text =
         "<variableReference/><variableReference></variableReference><facetLevel n=\"1\"/>";
-    RemoveSecondFacet(text);
+    HFITChartImpl::RemoveSecondFacet(text);
     CHECK(text == "<variableReference/><facetLevel n=\"1\"/>");
   }
 }

@@ -39,6 +39,32 @@ TEST_CASE("fit statistics: absent, empty, repeated, unknown") {
   CHECK(diagnostics.fNumOfCommonSubjects == -1);
 }
 
+TEST_CASE("a record that is read again starts from its defaults") {
+  Reading reading(with(kDistribution));
+  REQUIRE(reading.reads);
+  SDOMXMLWrapper root;
+  SDOMXMLWrapper* element = root.LoadFromString(
+      "<x><Statistic name='BIC' value='7'/><UnivariateData description='TargetDistribution'>"
+      "<Statistic/><Coordinates><Array/></Coordinates></UnivariateData>"
+      "<BivariateData description='other'/><Parameter name='TargetField' value='y'/></x>");
+  REQUIRE(element != nullptr);
+
+  ModelDiagnostics& diagnostics = *reading.store.GetModelDiagnostics();
+  CHECK(reading.reader.ReadModelDiagnostics(element, diagnostics));
+  CHECK(diagnostics.fBIC == 7);
+  CHECK(diagnostics.fAICC == kSystemMissing);
+  CHECK(diagnostics.fNumOfColsOfRandom == -1);
+  CHECK(diagnostics.fTargetDistribution.fMean == 0);
+  CHECK(diagnostics.fTargetDistribution.fTotalFreq == 0);
+  CHECK(diagnostics.fPredByObserved.fMaxValue == 0);
+
+  BuildSettingsStruct& settings = *reading.store.GetBuildSettings();
+  CHECK(reading.reader.ReadBuildSettings(element, settings));
+  CHECK(settings.fAlgorithmName == "GLMM");
+  CHECK(settings.fDistribution == Distribution::kUnknown);
+  CHECK(settings.fvFixedEffectList.empty());
+}
+
 TEST_CASE("the target's distribution: the first usable element counts") {
   SUBCASE("empty statistics are zero, unknown features need their array alone") {
     const Reading reading(with(R"(<UnivariateData description="TargetDistribution"><Counts/>

@@ -4,8 +4,10 @@
 #include "host/chart_document.h"
 #include "host/editor.h"
 
+#include "tests/tiny_host/faults.h"
 #include "tests/tiny_host/tiny_host.h"
 
+using tiny::Call;
 using tiny::count;
 
 struct JNIEnvironment {};
@@ -16,26 +18,28 @@ namespace {
 
 class Variable final : public XVariable {
  public:
-  void setLabel(const ChartString&) override { count("XVariable::setLabel"); }
-  void setFormat(const VELT_Format&) override { count("XVariable::setFormat"); }
-  void setCategorical(bool) override { count("XVariable::setCategorical"); }
-  void setVELTVariable(VELT_Variable*) override { count("XVariable::setVELTVariable"); }
+  void setLabel(const ChartString&) override { const Call call("XVariable::setLabel"); }
+  void setFormat(const VELT_Format&) override { const Call call("XVariable::setFormat"); }
+  void setCategorical(bool) override { const Call call("XVariable::setCategorical"); }
+  void setVELTVariable(VELT_Variable*) override { const Call call("XVariable::setVELTVariable"); }
   void setFormatBasedOnVELTVariable(VELT_Variable*) override {
-    count("XVariable::setFormatBasedOnVELTVariable");
+    const Call call("XVariable::setFormatBasedOnVELTVariable");
   }
-  void addRelabels() override { count("XVariable::addRelabels"); }
-  void addRelabel(double, const ChartString&) override { count("XVariable::addRelabel"); }
+  void addRelabels() override { const Call call("XVariable::addRelabels"); }
+  void addRelabel(double, const ChartString&) override { const Call call("XVariable::addRelabel"); }
   void addRelabel(const ChartString&, const ChartString&) override {
-    count("XVariable::addRelabel");
+    const Call call("XVariable::addRelabel");
   }
-  void SetFormatPrefix(const ChartString&) override { count("XVariable::SetFormatPrefix"); }
+  void SetFormatPrefix(const ChartString&) override {
+    const Call call("XVariable::SetFormatPrefix");
+  }
 };
 
 class Graph final : public XGraph {
  public:
   XVariable* getVariable(const std::string&, int32_t) override {
-    count("XGraph::getVariable");
-    return &variable_;
+    const Call call("XGraph::getVariable");
+    return call.gives_nothing() ? nullptr : &variable_;
   }
 
  private:
@@ -52,16 +56,19 @@ struct XDocument::Impl {
 };
 
 // The text of this host is nothing: nobody but this host looks into it.
-ChartString::ChartString(const char*) {}
-void ChartString::replaceSubstring(const ChartString&, const ChartString&) {}
-std::string ChartString::toUTF8() const { return {}; }
+ChartString::ChartString(const char*) { const Call call; }
+void ChartString::replaceSubstring(const ChartString&, const ChartString&) { const Call call; }
+std::string ChartString::toUTF8() const {
+  const Call call;
+  return {};
+}
 ChartString XUtility::ChartStringFromOLANG(const char* text) { return ChartString(text); }
 ChartString XUtility::ChartStringFromLocalCodePage(const char* text) { return ChartString(text); }
 
-XGlyphTemplate::XGlyphTemplate() { count("XGlyphTemplate::XGlyphTemplate"); }
+XGlyphTemplate::XGlyphTemplate() { const Call call("XGlyphTemplate::XGlyphTemplate"); }
 XGlyphTemplate::~XGlyphTemplate() { count("release"); }
 void XGlyphTemplate::setTemplateInternalName(const std::string&) {
-  count("XGlyphTemplate::setTemplateInternalName");
+  const Call call("XGlyphTemplate::setTemplateInternalName");
 }
 void XGlyphTemplate::addVariable(const std::string&,
                                  const std::string&,
@@ -72,94 +79,103 @@ void XGlyphTemplate::addVariable(const std::string&,
                                  const char*,
                                  int32_t,
                                  const void*) {
-  count("XGlyphTemplate::addVariable");
+  const Call call("XGlyphTemplate::addVariable");
 }
-void XGlyphTemplate::addLabel(int32_t, const std::string&) { count("XGlyphTemplate::addLabel"); }
+void XGlyphTemplate::addLabel(int32_t, const std::string&) {
+  const Call call("XGlyphTemplate::addLabel");
+}
 bool XGlyphTemplate::convert(std::string& xml, std::string& second) {
-  count("XGlyphTemplate::convert");
-  xml = "<chart/>";
+  const Call call("XGlyphTemplate::convert");
+  xml = call.gives_nothing() ? "" : "<chart/>";
   second.clear();
-  return true;
+  return !call.gives_nothing();
 }
 
-VarDataProcessor::VarDataProcessor() { count("VarDataProcessor::VarDataProcessor"); }
+VarDataProcessor::VarDataProcessor() { const Call call("VarDataProcessor::VarDataProcessor"); }
 VarDataProcessor::~VarDataProcessor() { count("release"); }
 void VarDataProcessor::AddDataSource(const std::string&, int32_t) {
-  count("VarDataProcessor::AddDataSource");
+  const Call call("VarDataProcessor::AddDataSource");
 }
 void VarDataProcessor::AddVariable(const std::string&, const std::string&, _varinfo*) {
-  count("VarDataProcessor::AddVariable");
+  const Call call("VarDataProcessor::AddVariable");
 }
 void VarDataProcessor::SetVariableValue(const _varinfo*, int32_t, double) {
-  count("VarDataProcessor::SetVariableValue");
+  const Call call("VarDataProcessor::SetVariableValue");
 }
 void VarDataProcessor::SetVariableValue(const std::string&, const std::string&, int32_t, double) {
-  count("VarDataProcessor::SetVariableValue");
+  const Call call("VarDataProcessor::SetVariableValue");
 }
 void VarDataProcessor::SetStringVariableValue(const _varinfo*, int32_t, const std::string&) {
-  count("VarDataProcessor::SetStringVariableValue");
+  const Call call("VarDataProcessor::SetStringVariableValue");
 }
 void VarDataProcessor::SetStringVariableValue(const std::string&,
                                               const std::string&,
                                               int32_t,
                                               const std::string&) {
-  count("VarDataProcessor::SetStringVariableValue");
+  const Call call("VarDataProcessor::SetStringVariableValue");
 }
 char* VarDataProcessor::GetDataStream(int32_t& length) {
-  count("VarDataProcessor::GetDataStream");
-  length = 0;
-  return std::make_unique<char[]>(0).release();
+  const Call call("VarDataProcessor::GetDataStream");
+  length = call.gives_nonsense() ? -1 : 0;
+  return call.gives_nothing() ? nullptr : std::make_unique<char[]>(0).release();
 }
 
 XDocument::XDocument(const std::string&) : impl_(std::make_unique<Impl>()) {
-  count("XDocument::XDocument");
+  const Call call("XDocument::XDocument");
 }
 XDocument::~XDocument() { count("release"); }
-void XDocument::setEditor(int32_t) { count("XDocument::setEditor"); }
-void XDocument::setLanguage() { count("XDocument::setLanguage"); }
-void XDocument::SetDescription(const char16_t*) { count("XDocument::SetDescription"); }
-void XDocument::SetChartData(VarDataProcessor*) { count("XDocument::SetChartData"); }
-void XDocument::applyCTemplate(bool) { count("XDocument::applyCTemplate"); }
-void XDocument::applyStyleTemplate() { count("XDocument::applyStyleTemplate"); }
+void XDocument::setEditor(int32_t) { const Call call("XDocument::setEditor"); }
+void XDocument::setLanguage() { const Call call("XDocument::setLanguage"); }
+void XDocument::SetDescription(const char16_t*) { const Call call("XDocument::SetDescription"); }
+void XDocument::SetChartData(VarDataProcessor*) { const Call call("XDocument::SetChartData"); }
+void XDocument::applyCTemplate(bool) { const Call call("XDocument::applyCTemplate"); }
+void XDocument::applyStyleTemplate() { const Call call("XDocument::applyStyleTemplate"); }
 std::string XDocument::AsUTF8() const {
-  count("XDocument::AsUTF8");
+  const Call call("XDocument::AsUTF8");
   return {};
 }
 XGraph* XDocument::getExternalGraph() {
-  count("XDocument::getExternalGraph");
-  return &impl_->graph;
+  const Call call("XDocument::getExternalGraph");
+  return call.gives_nothing() ? nullptr : &impl_->graph;
 }
-void XDocument::SendChart(bool, bool, bool) { count("XDocument::SendChart"); }
+void XDocument::SendChart(bool, bool, bool) { const Call call("XDocument::SendChart"); }
 
 VeltJVM& VeltJVM::GetInstance() {
   static VeltJVM machine;
   return machine;
 }
-bool VeltJVM::IsStarted() const { return machine_runs; }
+bool VeltJVM::IsStarted() const {
+  const Call call;
+  return machine_runs && !call.gives_nothing();
+}
 void VeltJVM::StartJVM() {
-  count("VeltJVM::StartJVM");
-  machine_runs = true;
+  const Call call("VeltJVM::StartJVM");
+  machine_runs = !call.gives_nothing();
 }
 void VeltJVM::AttachCurrentThread(JNIEnvironment** environment) {
-  count("VeltJVM::AttachCurrentThread");
-  *environment = GetEnv();
+  const Call call("VeltJVM::AttachCurrentThread");
+  *environment = call.gives_nothing() ? nullptr : GetEnv();
 }
 JNIEnvironment* VeltJVM::GetEnv() {
   static JNIEnvironment environment;
-  return &environment;
+  const Call call;
+  return call.gives_nothing() ? nullptr : &environment;
 }
 
 GlyphEditor& GlyphEditor::GetInstance() {
   static GlyphEditor editor;
   return editor;
 }
-bool GlyphEditor::IsStartedHeadless() const { return editor_runs; }
+bool GlyphEditor::IsStartedHeadless() const {
+  const Call call;
+  return editor_runs && !call.gives_nothing();
+}
 void GlyphEditor::StartEditorHeadless(JNIEnvironment*) {
-  count("GlyphEditor::StartEditorHeadless");
+  const Call call("GlyphEditor::StartEditorHeadless");
   editor_runs = true;
 }
 std::string GlyphEditor::EmbedHistogramInGraph(
     const std::string&, const std::string&, const char*, int32_t, int32_t) {
-  count("GlyphEditor::EmbedHistogramInGraph");
+  const Call call("GlyphEditor::EmbedHistogramInGraph");
   return {};
 }

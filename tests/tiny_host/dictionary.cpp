@@ -4,11 +4,17 @@
 #include <algorithm>
 #include <iomanip>
 #include <iterator>
+#include <limits>
 #include <sstream>
 
+#include "tests/tiny_host/faults.h"
 #include "tests/tiny_host/tiny_host.h"
 
+using tiny::Call;
+
 namespace {
+
+constexpr int32_t kBeyondAll = std::numeric_limits<int32_t>::max();
 
 constexpr std::string_view kLevels[] = {"", "categorical", "ordinal", "continuous"};
 
@@ -54,30 +60,80 @@ std::deque<Field> fields_of(const std::string& pmml) {
   return fields;
 }
 
+const char* Field::GetLabel() const {
+  const Call call;
+  return label_.empty() || call.gives_nothing() ? nullptr : label_.c_str();
+}
+
+VELT_Format Field::GetFormat() const {
+  const Call call;
+  return call.result(format_, VELT_Format{0, 0, 0}, VELT_Format{65535, 255, 255});
+}
+
+int32_t Field::GetMeasurementLevel() const {
+  const Call call;
+  return call.result(level_, 0, -kBeyondAll);
+}
+
+const VELT_ValueLabels* Field::GetValueLabels() const {
+  const Call call;
+  return call.gives_nothing() ? nullptr : &labels_;
+}
+
+int32_t Field::MeasureCode() const {
+  const Call call;
+  return call.result(level_ == 0 ? 0 : level_ % 3 + 1, 0, kBeyondAll);
+}
+
+void Field::FieldName(std::string& name) const {
+  const Call call;
+  name = call.gives_nothing() ? "" : name_;
+}
+
+int32_t Field::LevelCount() const {
+  const Call call;
+  return call.result(level_count_, 0, -kBeyondAll);
+}
+
 int32_t Dictionary::FindVarIndex(const std::string& name, int32_t) const {
+  const Call call;
   const auto found = std::ranges::find(fields_, name, &Field::GetName);
-  return found == fields_.end() ? -1 : static_cast<int32_t>(found - fields_.begin());
+  const int32_t index = found == fields_.end() ? -1 : static_cast<int32_t>(found - fields_.begin());
+  return call.result(index, -1, kBeyondAll);
+}
+
+int32_t Dictionary::FieldCount() const {
+  const Call call;
+  return call.result(static_cast<int32_t>(fields_.size()), 0, -1);
 }
 
 Field* Dictionary::at(int32_t index) const {
-  return index < 0 || index >= FieldCount() ? nullptr : &fields_[static_cast<size_t>(index)];
+  const Call call;
+  const bool is_there = index >= 0 && index < FieldCount() && !call.gives_nothing();
+  return is_there ? &fields_[static_cast<size_t>(index)] : nullptr;
 }
 
 }  // namespace tiny
 
 const char* VELT_ValueLabelMap::GetLabel(const std::string& value) const {
+  const Call call;
   const auto found = labels_->by_value.find(value);
-  return found == labels_->by_value.end() ? nullptr : found->second.c_str();
+  return found == labels_->by_value.end() || call.gives_nothing() ? nullptr : found->second.c_str();
 }
 const char* VELT_ValueLabelMap::GetLabel(double value) const {
+  const Call call;
+  if (call.gives_nothing()) return nullptr;
   return GetLabel((std::ostringstream() << value).str());
 }
 const char* VELT_ValueLabelMap::GetLabel(const OBS* value) const {
+  const Call call;
+  if (value == nullptr || call.gives_nothing()) return nullptr;
   return value->isString ? GetLabel(value->text) : GetLabel(value->number);
 }
 
 std::string ToString(const OBS* value, VELT_Format format) {
-  if (value == nullptr) return {};
+  const Call call;
+  if (value == nullptr || call.gives_nothing()) return {};
   if (value->isString) return value->text;
   std::ostringstream text;
   text << std::fixed << std::setprecision(format.decimals) << value->number;
@@ -88,22 +144,29 @@ struct MCPMMLParser::Impl {
   std::deque<tiny::Field> fields;
 };
 
-MCVarList::MCVarList() = default;
+MCVarList::MCVarList() { const Call call; }
 MCVarList::~MCVarList() = default;
-int32_t MCVarList::Size() const { return static_cast<int32_t>(variables_.size()); }
+int32_t MCVarList::Size() const {
+  const Call call;
+  return call.result(static_cast<int32_t>(variables_.size()), 0, -1);
+}
 const IMCVariable* MCVarList::GetVarAt(int32_t position) const {
-  return variables_[static_cast<size_t>(position)].get();
+  const Call call;
+  return call.gives_nothing() ? nullptr : variables_[static_cast<size_t>(position)].get();
 }
 
-MCPMMLParser::MCPMMLParser() : impl_(std::make_unique<Impl>()) {}
+MCPMMLParser::MCPMMLParser() : impl_(std::make_unique<Impl>()) { const Call call; }
 MCPMMLParser::~MCPMMLParser() = default;
 
 MCStatus MCPMMLParser::ParseToDOM(std::istream& text) {
+  const Call call;
   impl_->fields = tiny::fields_of({std::istreambuf_iterator<char>(text), {}});
-  return MCStatus(impl_->fields.empty());
+  return MCStatus(impl_->fields.empty() || call.gives_nothing());
 }
 
 MCStatus MCPMMLParser::FillVarList(MCVarList* list, const std::vector<std::string>&, bool) {
+  const Call call;
+  if (call.gives_nothing()) return MCStatus(true);
   for (const tiny::Field& field : impl_->fields)
     list->variables_.push_back(std::make_unique<tiny::Field>(field));
   return MCStatus(false);

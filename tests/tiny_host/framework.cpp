@@ -1,11 +1,17 @@
 // The framework: the XML wrapper over expat, values of fields, the conversions of text.
 #include "host/framework.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <expat.h>
 #include <iomanip>
+#include <limits>
 #include <map>
 #include <sstream>
+
+#include "tests/tiny_host/faults.h"
+
+using tiny::Call;
 
 /// An element of a document, with the wrapper that is handed out for it.
 struct SDOMXMLWrapper::Impl {
@@ -48,6 +54,8 @@ SDOMXMLWrapper::~SDOMXMLWrapper() {
 }
 
 SDOMXMLWrapper* SDOMXMLWrapper::LoadFromString(const std::string& text) {
+  const Call call;
+  if (call.gives_nothing()) return nullptr;
   using Open = std::vector<Impl*>;
   Impl above;
   Open open = {&above};
@@ -76,30 +84,35 @@ SDOMXMLWrapper* SDOMXMLWrapper::LoadFromString(const std::string& text) {
 }
 
 bool SDOMXMLWrapper::GetFirstElement(std::string_view path, SDOMXMLWrapper** element, bool) {
+  const Call call;
   const std::vector<Impl*> found = impl_->find(path);
-  *element = found.empty() ? nullptr : &found.front()->wrapper;
-  return !found.empty();
+  *element = found.empty() || call.gives_nonsense() ? nullptr : &found.front()->wrapper;
+  return !found.empty() && !call.gives_nothing();
 }
 
 bool SDOMXMLWrapper::GetElementIterator(std::string_view name, SDOMXMLIterator** iterator, bool) {
+  const Call call;
   std::vector<SDOMXMLWrapper*> elements;
   for (Impl* element : impl_->find(name))
     elements.push_back(&element->wrapper);
   const auto walk = std::make_shared<SDOMXMLIterator::Impl>(std::move(elements));
   impl_->walks.push_back(walk);
-  *iterator = walk->elements.empty() ? nullptr : &walk->iterator;
-  return *iterator != nullptr;
+  *iterator = walk->elements.empty() || call.gives_nonsense() ? nullptr : &walk->iterator;
+  return !walk->elements.empty() && !call.gives_nothing();
 }
 
 bool SDOMXMLWrapper::GetAttribute(std::string_view name, std::string& value) {
+  const Call call;
   const auto found = impl_->attributes.find(name);
-  if (found == impl_->attributes.end()) return false;
+  if (found == impl_->attributes.end() || call.gives_nothing()) return false;
   value = found->second;
   return true;
 }
 
 bool SDOMXMLWrapper::GetSimpleArray(std::vector<std::string>& items) {
+  const Call call;
   items.clear();
+  if (call.gives_nothing() || call.gives_nonsense()) return call.gives_nonsense();
   std::istringstream text(impl_->text);
   for (std::string item; text >> std::quoted(item);)
     items.push_back(item);
@@ -109,8 +122,9 @@ bool SDOMXMLWrapper::GetSimpleArray(std::vector<std::string>& items) {
 SDOMXMLIterator::~SDOMXMLIterator() = default;
 
 bool SDOMXMLIterator::Next(SDOMXMLWrapper** element) {
-  const bool is_there = impl_->next < impl_->elements.size();
-  *element = is_there ? impl_->elements[impl_->next++] : nullptr;
+  const Call call;
+  const bool is_there = impl_->next < impl_->elements.size() && !call.gives_nothing();
+  *element = is_there && !call.gives_nonsense() ? impl_->elements[impl_->next++] : nullptr;
   return is_there;
 }
 
@@ -120,8 +134,10 @@ void CFStatVariableValue::SetStringValue(const std::string& text) {
 }
 
 bool CFStatVariableValue::LoadObsValue(const VELT_Variable* variable, int32_t) {
+  const Call call;
   value_.reset();
-  if (variable == nullptr) return false;
+  if (call.gives_nonsense()) return true;
+  if (variable == nullptr || call.gives_nothing()) return false;
   const bool is_string = variable->GetFormat().type == kStringFormatType;
   value_ = is_string ? OBS{.isString = true, .text = text_}
                      : OBS{.number = String2Double(text_), .text = {}};
@@ -135,6 +151,15 @@ bool CFStatVariableValue::SetCompleteValue(const std::string& text,
   return LoadObsValue(variable, flag);
 }
 
-double String2Double(const std::string& text) { return std::strtod(text.c_str(), nullptr); }
-int32_t String2Integer(const std::string& text) { return std::atoi(text.c_str()); }
-int32_t Roman2Integer(const std::string& text) { return text == "III" ? 3 : 0; }
+double String2Double(const std::string& text) {
+  const Call call;
+  return call.result(std::strtod(text.c_str(), nullptr), 0.0, std::nan(""));
+}
+int32_t String2Integer(const std::string& text) {
+  const Call call;
+  return call.result(std::atoi(text.c_str()), 0, std::numeric_limits<int32_t>::max());
+}
+int32_t Roman2Integer(const std::string& text) {
+  const Call call;
+  return text == "III" ? 3 : 0;
+}

@@ -22,14 +22,14 @@ class Field final : public VELT_Variable, public CFField, public IMCVariable {
   explicit Field(SDOMXMLWrapper& element);
 
   const std::string& GetName() const override { return name_; }
-  const char* GetLabel() const override { return label_.empty() ? nullptr : label_.c_str(); }
-  VELT_Format GetFormat() const override { return format_; }
-  int32_t GetMeasurementLevel() const override { return level_; }
-  const VELT_ValueLabels* GetValueLabels() const override { return &labels_; }
-  int32_t GetType() const override { return level_; }
-  int32_t MeasureCode() const override { return level_ == 0 ? 0 : level_ % 3 + 1; }
-  void FieldName(std::string& name) const override { name = name_; }
-  int32_t LevelCount() const override { return level_count_; }
+  const char* GetLabel() const override;
+  VELT_Format GetFormat() const override;
+  int32_t GetMeasurementLevel() const override;
+  const VELT_ValueLabels* GetValueLabels() const override;
+  int32_t GetType() const override { return GetMeasurementLevel(); }
+  int32_t MeasureCode() const override;
+  void FieldName(std::string& name) const override;
+  int32_t LevelCount() const override;
 
  private:
   std::string name_;
@@ -50,7 +50,7 @@ class Dictionary final : public ProcedureDataSource, public CFMetaData {
 
   int32_t FindVarIndex(const std::string& name, int32_t flags) const override;
   VELT_Variable* GetVariable(int32_t index) const override { return at(index); }
-  int32_t FieldCount() const override { return static_cast<int32_t>(fields_.size()); }
+  int32_t FieldCount() const override;
   const CFField* GetField(int32_t index) const override { return at(index); }
   int32_t GetFieldIndex(const std::string& name) const override { return FindVarIndex(name, 0); }
 
@@ -63,8 +63,10 @@ class Dictionary final : public ProcedureDataSource, public CFMetaData {
 /// The topmost heading of the output.
 BpProcedure make_procedure();
 
+/// Whether pivot calls are printed.
+extern bool prints;
 /// Counts a call of an operation.
-void count(const std::string& operation);
+void count(const char* operation);
 /// How often each operation was called.
 std::map<std::string, int>& counts();
 

@@ -7,7 +7,7 @@
 #include <sstream>
 #include <system_error>
 
-#include "host/text.h"
+#include "backend/hierfit/frame/Characters.h"
 
 namespace {
 
@@ -32,13 +32,6 @@ template <std::size_t N>
 const Escape* FindEscape(const Escape (&escapes)[N], char byte) {
   const Escape* found = std::ranges::find(escapes, byte, &Escape::byte);
   return found == std::end(escapes) ? nullptr : found;
-}
-
-/// The bytes of the character at a place of the text.
-std::string_view CharacterAt(std::string_view text, std::size_t place) {
-  // A length of 0 would not advance.
-  const int length = std::max(VELTMBmbclen_A(text.data() + place), 1);
-  return text.substr(place, static_cast<std::size_t>(length));
 }
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
@@ -142,11 +135,12 @@ void EscapeChartText(std::string& text) {
   std::string escaped;
   escaped.reserve(text.size());
   for (std::size_t place = 0; place < text.size();) {
-    const std::string_view character = CharacterAt(text, place);
+    const std::size_t end = EndOfCharacter(text, place);
+    const std::string_view character = std::string_view(text).substr(place, end - place);
     const Escape* escape =
         character.size() == 1 ? FindEscape(kLabelEscapes, character.front()) : nullptr;
     escaped += escape == nullptr ? character : escape->text;
-    place += character.size();
+    place = end;
     if (character == "\r" && place < text.size() && text[place] == '\n') ++place;
   }
   text = std::move(escaped);

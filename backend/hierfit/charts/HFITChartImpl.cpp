@@ -13,16 +13,24 @@ std::string LocalText(const char* text) {
   return XUtility::ChartStringFromLocalCodePage(text).toUTF8();
 }
 
+template <class Value>
+const char* LabelOf(const VELT_Variable& variable, const Value& value) {
+  const VELT_ValueLabels* labels = variable.GetValueLabels();
+  return labels == nullptr ? nullptr : VELT_ValueLabelMap(labels).GetLabel(value);
+}
+
 }  // namespace
 
 HFITChartImpl::HFITChartImpl(BpProcedure* procedure,
                              ProcedureDataSource* dataSource,
                              HFITOutputStats* outputStats)
     : fpProcedure(procedure), fpHFITOutputStats(outputStats), fpDataSource(dataSource) {
-  const std::string path = PathFactory::getPathInstance(kOutputArea)->StringTablePath();
-  fpDictionary = std::make_unique<FacSTDictionary>(path);
-  fpDictionary->SetProcedure("Generalized Linear Mixed Models");
-  fpDictionary->SetGlobalStringTable(path);
+  if (const PathFinder* paths = PathFactory::getPathInstance(kOutputArea)) {
+    const std::string path = paths->StringTablePath();
+    fpDictionary = std::make_unique<FacSTDictionary>(path);
+    fpDictionary->SetProcedure("Generalized Linear Mixed Models");
+    fpDictionary->SetGlobalStringTable(path);
+  }
   fSourceName = "source0";
 
   const BuildSettingsStruct* settings = fpHFITOutputStats->GetBuildSettings();
@@ -32,8 +40,9 @@ HFITChartImpl::HFITChartImpl(BpProcedure* procedure,
   if (target == nullptr) return;
   fTargetFormat = target->GetFormat();
   fTargetName = LocalText(target->GetName().c_str());
-  fTargetHasLabel = target->GetLabel() != nullptr;
-  fTargetLabel = fTargetHasLabel ? LocalText(target->GetLabel()) : fTargetName;
+  const char* label = target->GetLabel();
+  fTargetHasLabel = label != nullptr;
+  fTargetLabel = fTargetHasLabel ? LocalText(label) : fTargetName;
   EscapeChartText(fTargetLabel);
 }
 
@@ -47,11 +56,11 @@ VELT_Variable* HFITChartImpl::FindVariable(const CoordinatesData* coordinates) c
 }
 
 const char* HFITChartImpl::ValueLabelText(const VELT_Variable& variable, double value) {
-  return VELT_ValueLabelMap(variable.GetValueLabels()).GetLabel(value);
+  return LabelOf(variable, value);
 }
 
 const char* HFITChartImpl::ValueLabelText(const VELT_Variable& variable, const std::string& value) {
-  return VELT_ValueLabelMap(variable.GetValueLabels()).GetLabel(value);
+  return LabelOf(variable, value);
 }
 
 ChartString HFITChartImpl::Translated(const char* key) const {
@@ -63,7 +72,9 @@ std::string HFITChartImpl::OutputText(const std::string& text) {
 }
 
 std::string HFITChartImpl::TemplateFileText(const char* fileName) {
-  const std::string path = PathFactory::getPathInstance(kOutputArea)->ResourcePath() + "template" +
+  const PathFinder* paths = PathFactory::getPathInstance(kOutputArea);
+  if (paths == nullptr) return {};
+  const std::string path = paths->ResourcePath() + "template" +
                            static_cast<char>(std::filesystem::path::preferred_separator) + fileName;
   return FetchFile::fetch(path, true, true);
 }

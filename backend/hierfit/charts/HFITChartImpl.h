@@ -62,6 +62,10 @@ class HFITChartImpl {
   /// The label of a value, or null when it has none.
   static const char* ValueLabelText(const VELT_Variable& variable, double value);
   static const char* ValueLabelText(const VELT_Variable& variable, const std::string& value);
+  /// Takes both facets out of a chart's document.
+  static void RemoveFaceting(std::string& text);
+  /// Takes the second facet out of it and leaves the first.
+  static void RemoveSecondFacet(std::string& text);
   /// Places nodes on a curve that bends towards the target: node i of `nodeCount` stands at the
   /// height i, and all edges end in the middle of the right side.
   static NodeLayoutData NodeLayout(std::size_t nodeCount);
@@ -80,8 +84,10 @@ class HFITChartImpl {
   /// The variable of a coordinate's field, or null; null without a coordinate, too.
   VELT_Variable* FindVariable(const CoordinatesData* coordinates) const;
 
-  /// The wording of a key, with its placeholders.
-  std::string LookUp(const char* key) const { return fpDictionary->LookUp(key); }
+  /// The wording of a key, with its placeholders. Without a string table the key stands for itself.
+  std::string LookUp(const char* key) const {
+    return fpDictionary == nullptr ? key : fpDictionary->LookUp(key);
+  }
   ChartString Translated(const char* key) const;
   /// A text of the output language in UTF-8.
   static std::string OutputText(const std::string& text);

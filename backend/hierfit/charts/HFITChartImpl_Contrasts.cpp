@@ -273,7 +273,7 @@ void HFITChartImpl::SendContrasts(const std::string& text,
     XDocument document(text);
     PrepareDocument(document);
     try {
-      LabelContrasts(*document.getExternalGraph(), chart);
+      if (XGraph* graph = document.getExternalGraph()) LabelContrasts(*graph, chart);
     } catch (...) {
       // Whatever the variables throw leaves the rest of them as they are; the chart is sent.
     }

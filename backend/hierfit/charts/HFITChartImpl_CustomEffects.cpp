@@ -5,12 +5,13 @@
 #include "backend/hierfit/charts/ChartDocument.h"
 #include "backend/hierfit/charts/HFITChartImpl.h"
 #include "backend/hierfit/charts/TextEdits.h"
+#include "backend/hierfit/store/EngineMessages.h"
 
 namespace {
 
 constexpr char kSource[] = "source_0";
 /// What the engine reports of an effect that cannot be drawn.
-constexpr const char* kNoChartWarnings[] = {"kGLMM_C20", "kGLMM_C25"};
+constexpr const char* kNoChartWarnings[] = {kGLMM_C20, kGLMM_C25};
 
 enum { kTargetValue, kEffect1, kEffect2, kEffect3, kConfMargin, kVariableCount };
 constexpr std::size_t kMaxFactors = 3;
@@ -62,9 +63,11 @@ void LabelFirstFactor(XVariable* chartVariable, VELT_Variable* variable) {
 
 void LabelFactors(XDocument& document, const std::vector<VELT_Variable*>& variables) {
   XGraph* graph = document.getExternalGraph();
-  if (!variables.empty()) LabelFirstFactor(graph->getVariable("effect1", 0), variables[0]);
-  if (variables.size() >= 2) Relabel(graph->getVariable("effect2", 0), variables[1]);
-  if (variables.size() >= 3) RelabelWithPrefix(graph->getVariable("effect3", 0), variables[2]);
+  if (graph == nullptr) return;
+  const std::size_t nVar = variables.size();
+  if (nVar >= 1) LabelFirstFactor(graph->getVariable("effect1", 0), variables[0]);
+  if (nVar >= 2) Relabel(graph->getVariable("effect2", 0), variables[1]);
+  if (nVar >= 3) RelabelWithPrefix(graph->getVariable("effect3", 0), variables[2]);
 }
 
 /// Takes out what only a second factor needs.
@@ -127,15 +130,15 @@ void HFITChartImpl::CustomEffectsOutput(const EmmeansData& emmeansData) {
 void HFITChartImpl::EditCustomEffects(std::string& text,
                                       const EmmeansData& emmeansData,
                                       const std::vector<VELT_Variable*>& variables) const {
-  const std::size_t factorCount = emmeansData.fEstimates.fvCoordinates.size();
+  const std::size_t nCoord = emmeansData.fEstimates.fvCoordinates.size();
   ReplaceFirst(text, ">TitleText", ">" + OutputText("Estimates"));
   ReplaceFirst(text, "FootnoteText", DocumentText(CustomEffectsFootnote(emmeansData)));
   const std::string factorLabel =
       variables.empty() ? std::string() : DocumentText(VariableChartLabel(*variables.front()));
   const std::size_t tooltip = ReplaceFirst(text, "popup1", factorLabel);
   ReplaceFirst(text, "popup2", DocumentText(Translated("Estimated Mean")), tooltip);
-  if (factorCount < 3) RemoveFaceting(text);
-  if (factorCount < 2) RemoveSecondFactor(text);
+  if (nCoord < 3) RemoveFaceting(text);
+  if (nCoord < 2) RemoveSecondFactor(text);
 }
 
 /// The continuous predictors with the values that the means are taken at; empty without any. A

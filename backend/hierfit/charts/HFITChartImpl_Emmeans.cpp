@@ -27,7 +27,7 @@ ChartFactor FactorOf(const CoordinatesData& coordinates, VELT_Variable* variable
   ChartFactor factor{.coordinates = &coordinates, .variable = variable, .text = coordinates.fField};
   if (variable == nullptr) return factor;
   factor.format = variable->GetFormat();
-  if (variable->GetLabel() != nullptr) factor.text = variable->GetLabel();
+  if (const char* label = variable->GetLabel()) factor.text = label;
   return factor;
 }
 
@@ -60,7 +60,7 @@ void WriteMeans(VarDataProcessor& data,
 void RelabelFactor(XDocument& document, const char* name, VELT_Variable* variable) {
   if (variable == nullptr) return;
   try {
-    Relabel(document.getExternalGraph()->getVariable(name, 0), variable);
+    if (XGraph* graph = document.getExternalGraph()) Relabel(graph->getVariable(name, 0), variable);
   } catch (...) {
     // Whatever is thrown here costs the labels of this factor alone; the chart is sent.
   }

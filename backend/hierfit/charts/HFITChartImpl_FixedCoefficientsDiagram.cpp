@@ -34,7 +34,9 @@ std::string FactorTooltip(const FactorData& factor,
                           const OBS& value) {
   std::string tooltip = factor.fField + " = " + ToString(&value, variable.GetFormat());
   const char* label = variable.GetLabel();
-  const char* valueLabel = VELT_ValueLabelMap(variable.GetValueLabels()).GetLabel(&value);
+  const VELT_ValueLabels* labels = variable.GetValueLabels();
+  const char* valueLabel =
+      labels == nullptr ? nullptr : VELT_ValueLabelMap(labels).GetLabel(&value);
   if (label != nullptr) tooltip += std::string("\n") + label + " = ";
   if (valueLabel == nullptr) return tooltip;
   return tooltip += label != nullptr ? valueLabel : " (" + std::string(valueLabel) + ")";

@@ -112,6 +112,7 @@ void HFITChartImpl::EmbedInEditor(std::string& text,
   try {
     int32_t length = 0;
     const std::unique_ptr<char[]> stream(data.GetDataStream(length));
+    if (stream == nullptr || length < 0) return;
     std::string embedded =
         editor.EmbedHistogramInGraph(text, histogram, stream.get(), length, fieldType);
     if (!embedded.empty()) text = std::move(embedded);

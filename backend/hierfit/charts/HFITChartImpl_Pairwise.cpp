@@ -29,13 +29,9 @@ enum {
   kEdgeVariableCount
 };
 
-/// The panel of each node, by the node's key in byte order. A key has the values of the panel and
-/// the category one behind the other, so that a category is another node in each panel.
-struct Panel {
-  std::string facet1;
-  std::string facet2;
-};
-using NodeMap = std::map<std::string, Panel>;
+/// The value of a facet for each node, by the node's key in byte order. A key has the values of the
+/// panel and the category one behind the other, so that a category is another node in each panel.
+using NodeFacetMap = std::map<std::string, std::string>;
 
 /// A key as the text of the number that the chart's data hold for it.
 std::string WithoutLeadingZeros(std::string key) {
@@ -44,12 +40,14 @@ std::string WithoutLeadingZeros(std::string key) {
 
 void WriteNodes(VarDataProcessor& data,
                 const std::array<_varinfo, kNodeVariableCount>& variables,
-                const NodeMap& nodes) {
+                const NodeFacetMap& nodeFacet1,
+                const NodeFacetMap& nodeFacet2) {
   int32_t row = 0;
-  for (auto node = nodes.rbegin(); node != nodes.rend(); ++node, ++row) {
-    SetNumberOrText(data, variables[kNode], row, node->first);
-    SetNumberOrText(data, variables[kNodeFacet1], row, node->second.facet1);
-    SetNumberOrText(data, variables[kNodeFacet2], row, node->second.facet2);
+  auto facet2 = nodeFacet2.rbegin();  // both maps have the same keys
+  for (auto facet1 = nodeFacet1.rbegin(); facet1 != nodeFacet1.rend(); ++facet1, ++facet2, ++row) {
+    SetNumberOrText(data, variables[kNode], row, facet1->first);
+    SetNumberOrText(data, variables[kNodeFacet1], row, facet1->second);
+    SetNumberOrText(data, variables[kNodeFacet2], row, facet2->second);
   }
 }
 
@@ -65,7 +63,8 @@ struct HFITChartImpl::PairwiseChart {
   VarDataProcessor& data;
   std::array<_varinfo, kNodeVariableCount> nodeVariables{};
   std::array<_varinfo, kEdgeVariableCount> edgeVariables{};
-  NodeMap nodes{};
+  NodeFacetMap nodeFacet1{};
+  NodeFacetMap nodeFacet2{};
   std::map<std::string, std::string> relabels{};  ///< labels by node key without leading zeros
   int32_t edgeCount = 0;
 
@@ -91,8 +90,10 @@ struct HFITChartImpl::PairwiseChart {
     const std::string& facet2 = ValueAt(coordinates.facet2, i);
     const std::string fromKey = facet1 + facet2 + ValueAt(coordinates.second, i);
     const std::string toKey = facet1 + facet2 + ValueAt(coordinates.first, i);
-    nodes.try_emplace(fromKey, Panel{facet1, facet2});
-    nodes.try_emplace(toKey, Panel{facet1, facet2});
+    for (const std::string* key : {&fromKey, &toKey}) {
+      nodeFacet1.try_emplace(*key, facet1);
+      nodeFacet2.try_emplace(*key, facet2);
+    }
 
     SetNumberOrText(data, edgeVariables[kFrom], edgeCount, fromKey);
     if (SetNumberOrText(data, edgeVariables[kTo], edgeCount, toKey)) {
@@ -171,13 +172,13 @@ void HFITChartImpl::PairwiseChartOutput(const EmmeansData& emmeansData) {
                       .data = data};
   chart.AddSources();
   chart.WriteEdges();
-  WriteNodes(data, chart.nodeVariables, chart.nodes);
+  WriteNodes(data, chart.nodeVariables, chart.nodeFacet1, chart.nodeFacet2);
 
   std::string text = TemplateFileText("GLMMPairwiseContrasts.glyphtemplate");
   EditPairwise(text, coordinates, title, footnote);
   try {
     XDocument document(text);
-    LabelPairwise(*document.getExternalGraph(), chart);
+    if (XGraph* graph = document.getExternalGraph()) LabelPairwise(*graph, chart);
     PrepareDocument(document);
     document.SetDescription(title.xc_str());
     document.SetChartData(&data);

@@ -68,9 +68,10 @@ void HFITChartImpl::PredictedByObservedOutput() {
   try {
     XDocument document(text);
     PrepareDocument(document);
-    XGraph* graph = document.getExternalGraph();
-    SetFormat(graph->getVariable("X", 0), fTargetFormat);
-    SetFormat(graph->getVariable("Y", 0), fTargetFormat);
+    if (XGraph* graph = document.getExternalGraph()) {
+      SetFormat(graph->getVariable("X", 0), fTargetFormat);
+      SetFormat(graph->getVariable("Y", 0), fTargetFormat);
+    }
     document.SetDescription(title.xc_str());
     document.SetChartData(&data);
     SendDocument(document);

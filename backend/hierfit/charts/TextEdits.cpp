@@ -6,20 +6,6 @@ namespace {
 
 constexpr std::size_t kNowhere = std::string::npos;
 
-/// Erases from a place through the first `end` at or behind it. False when there is none.
-bool EraseThrough(std::string& text, std::size_t place, std::string_view end) {
-  const std::size_t last = text.find(end, place);
-  if (place == kNowhere || last == kNowhere) return false;
-  text.erase(place, last + end.size() - place);
-  return true;
-}
-
-/// The second `literal` at or behind a place.
-std::size_t FindSecond(const std::string& text, std::string_view literal, std::size_t from) {
-  const std::size_t first = text.find(literal, from);
-  return first == kNowhere ? kNowhere : text.find(literal, first + 2);
-}
-
 }  // namespace
 
 std::size_t ReplaceFirst(std::string& text,
@@ -69,20 +55,13 @@ void InsertBehind(std::string& text, std::string_view literal, std::string_view 
   InsertAt(text, text.find(literal), literal.size(), insertion);
 }
 
+bool EraseThrough(std::string& text, std::size_t place, std::string_view end) {
+  const std::size_t last = text.find(end, place);
+  if (place == kNowhere || last == kNowhere) return false;
+  text.erase(place, last + end.size() - place);
+  return true;
+}
+
 void EraseFromThrough(std::string& text, std::string_view begin, std::string_view end) {
   EraseThrough(text, text.find(begin), end);
-}
-
-void RemoveFaceting(std::string& text) {
-  constexpr std::string_view kEnd = "</facetLayout>";
-  const std::size_t begin = text.find("<faceting");
-  const std::size_t end = text.find(kEnd);
-  if (begin == kNowhere || end == kNowhere || end < begin) return;
-  text.erase(begin, end + kEnd.size() - begin);
-}
-
-void RemoveSecondFacet(std::string& text) {
-  const std::size_t reference = FindSecond(text, "<variableReference", 0);
-  if (!EraseThrough(text, reference, "</variableReference>")) return;
-  EraseThrough(text, FindSecond(text, "<facetLevel ", reference), "</facetLevel>");
 }

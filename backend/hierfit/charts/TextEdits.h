@@ -32,11 +32,9 @@ void InsertAt(std::string& text, std::size_t place, std::size_t offset, std::str
 void InsertAhead(std::string& text, std::string_view literal, std::string_view insertion);
 void InsertBehind(std::string& text, std::string_view literal, std::string_view insertion);
 
+/// Erases from a place through the first `end` at or behind it. False when there is none, or when
+/// the place is npos.
+bool EraseThrough(std::string& text, std::size_t place, std::string_view end);
+
 /// Erases from the first `begin` through the first `end` behind it.
 void EraseFromThrough(std::string& text, std::string_view begin, std::string_view end);
-
-/// Takes both facets out of a chart.
-void RemoveFaceting(std::string& text);
-
-/// Takes the second facet out of a chart and leaves the first.
-void RemoveSecondFacet(std::string& text);

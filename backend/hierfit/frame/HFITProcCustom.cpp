@@ -6,10 +6,25 @@
 #include "backend/hierfit/reader/HFITParseOutXML.h"
 #include "backend/hierfit/tables/HFITOutput.h"
 
-HFITProcCustom::HFITProcCustom() : fpHFITOutputStats(std::make_unique<HFITOutputStats>()) {}
+namespace {
+
+/// Null when there is none to be had.
+std::unique_ptr<HFITOutputStats> MakeStore() {
+  try {
+    return std::make_unique<HFITOutputStats>();
+  } catch (...) {
+    // Whatever the host's string table throws, or the lack of memory, is no exception of the
+    // factory's: a procedure without a store reads nothing.
+    return nullptr;
+  }
+}
+
+}  // namespace
+
+HFITProcCustom::HFITProcCustom() : fpHFITOutputStats(MakeStore()) {}
 
 HFITProcCustom::HFITProcCustom(BpProcedure* procedure, ProcedureDataSource* dataSource)
-    : CFProcCustom(procedure, dataSource), fpHFITOutputStats(std::make_unique<HFITOutputStats>()) {}
+    : CFProcCustom(procedure, dataSource), fpHFITOutputStats(MakeStore()) {}
 
 HFITProcCustom::~HFITProcCustom() = default;
 
@@ -25,6 +40,7 @@ bool HFITProcCustom::GenerateOutput(const std::vector<std::string>& vPMMLStr,
 bool HFITProcCustom::GenerateDocumentOutput(const std::string& pmmlStr,
                                             const StatXMLBlock& statXMLBlock) {
   if (!(fpHFITOutputStats != nullptr)) return false;
+  if (fpProcedure == nullptr || fpDataSource == nullptr) return false;
   fpHFITOutputStats->SetMetaData(fpMetaData);
 
   HFITParseOutXML reader(fpProcedure, fpDataSource, fpHFITOutputStats.get(), pmmlStr,

@@ -24,7 +24,8 @@ class HFITProcCustom : public CFProcCustom {
   bool GenerateOutput(const std::vector<std::string>& vPMMLStr,
                       const std::vector<StatXMLBlock>& vStatXMLBlocks,
                       const std::string& summaryXMLStr) override;
-  /// Whether the documents were read; what the writers make of them does not count.
+  /// Whether the documents were read; what the writers make of them does not count. False, with
+  /// nothing done, without a store, or when the framework set no output or no dictionary.
   bool GenerateDocumentOutput(const std::string& pmmlStr,
                               const StatXMLBlock& statXMLBlock) override;
 
@@ -32,5 +33,6 @@ class HFITProcCustom : public CFProcCustom {
   std::unique_ptr<HFITOutputStats> fpHFITOutputStats;
 };
 
-/// A new procedure, which the caller destroys; null when there is no memory for it.
+/// A new procedure, which the caller destroys; null when there is no memory for it. It throws
+/// nothing: a procedure that got no store reads no documents.
 extern "C" __attribute__((visibility("default"))) CFProcCustom* GetCFProcCustom();

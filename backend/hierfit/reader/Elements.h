@@ -1,6 +1,7 @@
 // Short forms of the look-ups of the XML wrapper.
 #pragma once
 
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -26,7 +27,10 @@ inline SDOMXMLIterator* Children(SDOMXMLWrapper& parent, std::string_view name) 
   return parent.GetElementIterator(name, &iterator, true) ? iterator : nullptr;
 }
 
-/// Steps a walk, which may be null, as one over no elements.
+/// Steps a walk, which may be null, as one over no elements. A host that steps to no element breaks
+/// off the read, as whatever is thrown does.
 inline bool Step(SDOMXMLIterator* iterator, SDOMXMLWrapper*& element) {
-  return iterator != nullptr && iterator->Next(&element);
+  if (iterator == nullptr || !iterator->Next(&element)) return false;
+  if (element == nullptr) throw std::logic_error("a step to no element");
+  return true;
 }

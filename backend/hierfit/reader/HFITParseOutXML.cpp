@@ -53,6 +53,7 @@ bool HFITParseOutXML::ReadPMML(const std::string& pmmlStr) {
   std::istringstream pmmlStream(pmmlStr);
   if (parser.ParseToDOM(pmmlStream).IsError()) return false;
   MCVarList* varList = fpHFITOutputStats->NewVarList();
+  if (!(varList != nullptr)) return false;
   if (parser.FillVarList(varList, {}, false).IsError()) return false;
   fpHFITOutputStats->BuildVarMap();
   fPMMLParsed = true;
@@ -122,12 +123,13 @@ bool HFITParseOutXML::ReadDiagnostics(SDOMXMLWrapper& documentElm) {
 }
 
 bool HFITParseOutXML::ReadStructuredData(SDOMXMLWrapper& modelDiagnosticsElm) {
-  SDOMXMLIterator* structuredDataIter = Children(modelDiagnosticsElm, "StructuredData");
-  if (structuredDataIter == nullptr) return true;
+  SDOMXMLIterator* structuredDataElmIter = Children(modelDiagnosticsElm, "StructuredData");
+  if (structuredDataElmIter == nullptr) return true;
   StructuredData* pStructuredData = fpHFITOutputStats->NewStructuredData();
   if (!(pStructuredData != nullptr)) return false;
 
-  for (SDOMXMLWrapper* structuredDataElm = nullptr; structuredDataIter->Next(&structuredDataElm);) {
+  for (SDOMXMLWrapper* structuredDataElm = nullptr;
+       Step(structuredDataElmIter, structuredDataElm);) {
     if (!ReadStructuredDataElement(*structuredDataElm, *pStructuredData)) return false;
   }
   return true;
@@ -183,7 +185,7 @@ bool HFITParseOutXML::ReadWarningMessages(SDOMXMLIterator* warningMsgElmIter,
                                           std::vector<WarningData>& vWarnings) {
   if (warningMsgElmIter == nullptr) return false;
 
-  for (SDOMXMLWrapper* warningMsgElm = nullptr; warningMsgElmIter->Next(&warningMsgElm);) {
+  for (SDOMXMLWrapper* warningMsgElm = nullptr; Step(warningMsgElmIter, warningMsgElm);) {
     SDOMXMLWrapper* printListElm = FirstElement(*warningMsgElm, "PrintableList");
     if (printListElm == nullptr) return false;
     WarningData warning;

@@ -38,7 +38,11 @@ class HFITParseOutXML {
     return fpDataSource->FindVarIndex(field, 0);
   }
 
-  /// `BuildSettings`. False without a parameter, for one without a name, and for a target or
+  /// The code of a covariance type.
+  static int32_t ParseCovarianceType(const std::string& text);
+
+  /// `BuildSettings`, in place of what the record held, but for the name of the algorithm. False
+  /// without a parameter, for one without a name, and for a target or
   /// trials field that the dictionary does not hold.
   bool ReadBuildSettings(SDOMXMLWrapper* buildSettingsElm,
                          BuildSettingsStruct& buildSettingsStruct);
@@ -49,7 +53,7 @@ class HFITParseOutXML {
   /// Appends the effects of a `ListValue`; none is no failure.
   bool ReadEffectList(SDOMXMLWrapper* effectListElm, std::vector<EffectStruct>& vEffects);
   /// One effect, from a `StructuredValue`. The result is the status of its last `Attribute`.
-  bool ReadEffectStruct(SDOMXMLWrapper* effectStructElm, EffectStruct& effectStruct);
+  bool ReadEffectStruct(SDOMXMLWrapper* structuredValueElm, EffectStruct& effectStruct);
   /// Appends the texts of a `ListValue`. Always true.
   bool ReadStringList(SDOMXMLWrapper* listValueElm, std::vector<std::string>& vTexts);
 

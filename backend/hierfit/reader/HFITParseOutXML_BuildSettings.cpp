@@ -31,7 +31,6 @@ static_assert(std::size(kReferenceTypes) == ReferenceType::kUnknown);
 
 int32_t ParseDistribution(const std::string& text) { return CodeOf(kDistributions, text); }
 int32_t ParseLink(const std::string& text) { return CodeOf(kLinks, text); }
-int32_t ParseCovarianceType(const std::string& text) { return CodeOf(kCovarianceTypes, text); }
 int32_t ParseAdjustment(const std::string& text) { return CodeOf(kAdjustments, text); }
 int32_t ParseContrastType(const std::string& text) { return CodeOf(kContrastTypes, text); }
 int32_t ParseReferenceType(const std::string& text) { return CodeOf(kReferenceTypes, text); }
@@ -55,7 +54,7 @@ constexpr AttributeBinding<Settings> kParameterValues[] = {
     {"LinkFunctionParam", &Settings::fLinkParam},
     {"Intercept", &Settings::fIntercept},
     {"ResidualCovarianceType", &Settings::fResidualCovType, CovarianceType::kUnknown,
-     &ParseCovarianceType},
+     &HFITParseOutXML::ParseCovarianceType},
     {"ResidualCovarianceTBand", &Settings::fResidualCovTBand, kDefaultBand},
     {"CIn", &Settings::fCIn},
     {"pAdjustment", &Settings::fPAdjustment, Adjustment::kUnknown, &ParseAdjustment},
@@ -63,7 +62,7 @@ constexpr AttributeBinding<Settings> kParameterValues[] = {
 
 constexpr AttributeBinding<RandomSpec> kRandomSpecValues[] = {
     {"Intercept", &RandomSpec::fIntercept},
-    {"CovarianceType", &RandomSpec::fCovType, CovarianceType::kUnknown, &ParseCovarianceType},
+    {"CovarianceType", &RandomSpec::fCovType, CovarianceType::kUnknown, &HFITParseOutXML::ParseCovarianceType},
     {"CovarianceTBand", &RandomSpec::fCovTBand, kDefaultBand},
 };
 
@@ -183,7 +182,7 @@ bool ReadNamedAttributes(HFITParseOutXML& reader,
   SDOMXMLIterator* attributeIter = Children(structuredElm, "Attribute");
   if (attributeIter == nullptr) return false;
   std::string name;
-  for (SDOMXMLWrapper* attributeElm = nullptr; attributeIter->Next(&attributeElm);) {
+  for (SDOMXMLWrapper* attributeElm = nullptr; Step(attributeIter, attributeElm);) {
     ReadText(*attributeElm, "name", name);
     if (!ReadNamed(reader, *attributeElm, name, values, structures, record)) return false;
   }
@@ -198,14 +197,22 @@ SDOMXMLIterator* StructuredValues(SDOMXMLWrapper& parameterElm) {
 
 }  // namespace
 
+int32_t HFITParseOutXML::ParseCovarianceType(const std::string& text) {
+  return CodeOf(kCovarianceTypes, text);
+}
+
 bool HFITParseOutXML::ReadBuildSettings(SDOMXMLWrapper* buildSettingsElm,
                                         BuildSettingsStruct& buildSettingsStruct) {
   if (buildSettingsElm == nullptr) return false;
+  // The algorithm does not stand here; it was read before.
+  BuildSettingsStruct fresh;
+  fresh.fAlgorithmName = std::move(buildSettingsStruct.fAlgorithmName);
+  buildSettingsStruct = std::move(fresh);
   SDOMXMLIterator* parameterIter = Children(*buildSettingsElm, "Parameter");
   if (parameterIter == nullptr) return false;
 
   std::string name;
-  for (SDOMXMLWrapper* parameterElm = nullptr; parameterIter->Next(&parameterElm);) {
+  for (SDOMXMLWrapper* parameterElm = nullptr; Step(parameterIter, parameterElm);) {
     if (!parameterElm->GetAttribute("name", name)) return false;
     if (!ReadNamed(*this, *parameterElm, name, kParameterValues, kParameterStructures,
                    buildSettingsStruct)) {
@@ -222,7 +229,7 @@ bool HFITParseOutXML::ReadRandomSpecs(SDOMXMLWrapper* parameterElm,
   SDOMXMLIterator* specIter = StructuredValues(*parameterElm);
   if (specIter == nullptr) return false;
 
-  for (SDOMXMLWrapper* specElm = nullptr; specIter->Next(&specElm);) {
+  for (SDOMXMLWrapper* specElm = nullptr; Step(specIter, specElm);) {
     RandomSpec spec;
     if (!ReadNamedAttributes(*this, *specElm, kRandomSpecValues, kRandomSpecStructures, spec)) {
       return false;
@@ -238,7 +245,7 @@ bool HFITParseOutXML::ReadEmmeansSpecs(SDOMXMLWrapper* EMMEANSElm,
   SDOMXMLIterator* specIter = StructuredValues(*EMMEANSElm);
   if (specIter == nullptr) return false;
 
-  for (SDOMXMLWrapper* specElm = nullptr; specIter->Next(&specElm);) {
+  for (SDOMXMLWrapper* specElm = nullptr; Step(specIter, specElm);) {
     if (Children(*specElm, "Attribute") == nullptr) return false;
     EmmeansSpec& spec = vEmmeansSpecs.emplace_back();
     if (!ReadNamedAttributes(*this, *specElm, kEmmeansSpecValues, kEmmeansSpecStructures, spec)) {
@@ -260,14 +267,14 @@ bool HFITParseOutXML::ReadEffectList(SDOMXMLWrapper* effectListElm,
   return true;
 }
 
-bool HFITParseOutXML::ReadEffectStruct(SDOMXMLWrapper* effectStructElm,
+bool HFITParseOutXML::ReadEffectStruct(SDOMXMLWrapper* structuredValueElm,
                                        EffectStruct& effectStruct) {
-  if (effectStructElm == nullptr) return false;
-  SDOMXMLIterator* attributeIter = Children(*effectStructElm, "Attribute");
+  if (structuredValueElm == nullptr) return false;
+  SDOMXMLIterator* attributeIter = Children(*structuredValueElm, "Attribute");
   if (attributeIter == nullptr) return false;
 
   bool isRead = false;
-  for (SDOMXMLWrapper* attributeElm = nullptr; attributeIter->Next(&attributeElm);) {
+  for (SDOMXMLWrapper* attributeElm = nullptr; Step(attributeIter, attributeElm);) {
     isRead = ReadEffectAttribute(*attributeElm, effectStruct);
   }
   return isRead;

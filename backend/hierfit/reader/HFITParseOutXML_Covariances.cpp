@@ -17,7 +17,7 @@ bool HFITParseOutXML::ReadRandEffCovars(SDOMXMLWrapper* randEffCovarMatElm,
 
   SDOMXMLIterator* segmentDataIter = Children(*randEffCovarMatElm, "SegmentData");
   if (segmentDataIter == nullptr) return false;
-  for (SDOMXMLWrapper* segmentDataElm = nullptr; segmentDataIter->Next(&segmentDataElm);) {
+  for (SDOMXMLWrapper* segmentDataElm = nullptr; Step(segmentDataIter, segmentDataElm);) {
     if (!ReadSegmentMatrix(*segmentDataElm, randEffCovars)) return false;
   }
   return true;

@@ -15,7 +15,7 @@ constexpr AttributeBinding<EmmeansData> kBlockStatistics[] = {
 
 bool HFITParseOutXML::ReadDataGroups(SDOMXMLIterator* dataGroupElmIter) {
   if (!(dataGroupElmIter != nullptr)) return false;
-  for (SDOMXMLWrapper* dataGroupElm = nullptr; dataGroupElmIter->Next(&dataGroupElm);) {
+  for (SDOMXMLWrapper* dataGroupElm = nullptr; Step(dataGroupElmIter, dataGroupElm);) {
     std::string description;
     ReadText(*dataGroupElm, "description", description);
     if (description == "Emmeans" && !ReadTopEffect(*dataGroupElm)) return false;
@@ -27,6 +27,7 @@ bool HFITParseOutXML::ReadDataGroups(SDOMXMLIterator* dataGroupElmIter) {
 bool HFITParseOutXML::ReadTopEffect(SDOMXMLWrapper& dataGroupElm) {
   EmmeansEstimList* pEmmeansEstimList = fpHFITOutputStats->GetEmmeansEstimList();
   if (pEmmeansEstimList == nullptr) pEmmeansEstimList = fpHFITOutputStats->NewEmmeansEstimList();
+  if (!(pEmmeansEstimList != nullptr)) return false;
   EmmeansEstimData emmeansEstimData;
   if (!ReadEmmeansEstimates(FirstElement(dataGroupElm, "MultivariateData"), emmeansEstimData)) {
     return false;
@@ -38,6 +39,7 @@ bool HFITParseOutXML::ReadTopEffect(SDOMXMLWrapper& dataGroupElm) {
 bool HFITParseOutXML::ReadBlock(SDOMXMLWrapper& dataGroupElm) {
   EmmeansList* pEmmeansList = fpHFITOutputStats->GetEmmeansList();
   if (pEmmeansList == nullptr) pEmmeansList = fpHFITOutputStats->NewEmmeansList();
+  if (!(pEmmeansList != nullptr)) return false;
   EmmeansData emmeansData;
   if (!ReadCustomEmmeans(&dataGroupElm, emmeansData)) return false;
   pEmmeansList->push_back(std::move(emmeansData));
@@ -70,7 +72,7 @@ bool HFITParseOutXML::ReadEmmeansLabels(SDOMXMLWrapper& labelListElm,
                                         std::vector<EmmeansLabelData>& vLabels) {
   SDOMXMLIterator* labelIter = Children(labelListElm, "PrintableList");
   if (labelIter == nullptr) return false;
-  for (SDOMXMLWrapper* labelElm = nullptr; labelIter->Next(&labelElm);) {
+  for (SDOMXMLWrapper* labelElm = nullptr; Step(labelIter, labelElm);) {
     if (!ReadEmmeansLabel(*labelElm, vLabels.emplace_back())) return false;
   }
   return true;
@@ -92,7 +94,7 @@ bool HFITParseOutXML::ReadEmmeansTables(SDOMXMLWrapper& emmeansCustomElm,
   SDOMXMLIterator* tableIter = Children(emmeansCustomElm, "MultivariateData");
   if (tableIter == nullptr) return false;
   std::string description;
-  for (SDOMXMLWrapper* tableElm = nullptr; tableIter->Next(&tableElm);) {
+  for (SDOMXMLWrapper* tableElm = nullptr; Step(tableIter, tableElm);) {
     if (!tableElm->GetAttribute("description", description)) return false;
     if (description == "estimates" && !ReadEmmeansEstimates(tableElm, emmeansData.fEstimates)) {
       return false;

@@ -78,7 +78,7 @@ bool ReadColumns(HFITParseOutXML& reader,
                  Table& table) {
   SDOMXMLIterator* coordinatesIter = Children(tableElm, "Coordinates");
   if (coordinatesIter == nullptr) return false;
-  for (SDOMXMLWrapper* coordinatesElm = nullptr; coordinatesIter->Next(&coordinatesElm);) {
+  for (SDOMXMLWrapper* coordinatesElm = nullptr; Step(coordinatesIter, coordinatesElm);) {
     CoordinatesData coordinates;
     if (!reader.ReadCoordinates(coordinatesElm, coordinates)) return false;
     const auto binding =

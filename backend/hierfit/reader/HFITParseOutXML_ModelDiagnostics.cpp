@@ -56,6 +56,14 @@ constexpr AttributeBinding<EffectTestData> kFTestAttributes[] = {
 };
 // clang-format on
 
+/// The statistics as they are before any is read; the data behind them stay.
+void StoreDefaults(ModelDiagnostics& modelDiagnostics) {
+  ModelDiagnostics fresh;
+  std::swap(fresh.fTargetDistribution, modelDiagnostics.fTargetDistribution);
+  std::swap(fresh.fPredByObserved, modelDiagnostics.fPredByObserved);
+  modelDiagnostics = std::move(fresh);
+}
+
 /// A list of numbers of a record by the feature of the coordinates that fill it.
 template <class Record>
 struct FeatureBinding {
@@ -103,7 +111,7 @@ bool ReadDistributionCoordinates(HFITParseOutXML& reader,
                                  SDOMXMLIterator* coordinatesIter,
                                  TargetDistData& targetDistData) {
   std::string feature;
-  for (SDOMXMLWrapper* coordinatesElm = nullptr; coordinatesIter->Next(&coordinatesElm);) {
+  for (SDOMXMLWrapper* coordinatesElm = nullptr; Step(coordinatesIter, coordinatesElm);) {
     ReadText(*coordinatesElm, "feature", feature);
     if (!ReadFeature(reader, *coordinatesElm, feature, kDistributionFeatures, targetDistData)) {
       return false;
@@ -132,11 +140,12 @@ bool HFITParseOutXML::ReadModelDiagnostics(SDOMXMLWrapper* modelDiagnosticsElm,
                                            ModelDiagnostics& modelDiagnostics) {
   if (modelDiagnosticsElm == nullptr) return false;
   SDOMXMLIterator* statisticIter = Children(*modelDiagnosticsElm, "Statistic");
+  StoreDefaults(modelDiagnostics);
   if (statisticIter == nullptr) return false;
 
   std::string name;
   std::string value;
-  for (SDOMXMLWrapper* statisticElm = nullptr; statisticIter->Next(&statisticElm);) {
+  for (SDOMXMLWrapper* statisticElm = nullptr; Step(statisticIter, statisticElm);) {
     if (!statisticElm->GetAttribute("name", name)) return false;
     if (!statisticElm->GetAttribute("value", value)) return false;
     StoreNamed(kFitStatistics, name, value, modelDiagnostics);
@@ -152,18 +161,20 @@ bool HFITParseOutXML::ReadModelDiagnostics(SDOMXMLWrapper* modelDiagnosticsElm,
       !ReadPredByObserved(predByObservIter, modelDiagnostics.fPredByObserved)) {
     return false;
   }
-  SDOMXMLIterator* effectTestIter = Children(*modelDiagnosticsElm, "ModelTestStats");
-  if (effectTestIter == nullptr) return true;
+  SDOMXMLIterator* effectTestElmIter = Children(*modelDiagnosticsElm, "ModelTestStats");
+  if (effectTestElmIter == nullptr) return true;
   EffectStatData* pEffectTest = fpHFITOutputStats->NewEffectStatData();
-  return pEffectTest != nullptr && ReadModelTestStats(effectTestIter, *pEffectTest);
+  return pEffectTest != nullptr && ReadModelTestStats(effectTestElmIter, *pEffectTest);
 }
 
 bool HFITParseOutXML::ReadTargetDistribution(SDOMXMLIterator* targetDistDataElmIter,
                                              TargetDistData& targetDistData) {
   if (targetDistDataElmIter == nullptr) return false;
 
+  targetDistData.fTotalFreq = 0;
+  targetDistData.fMean = targetDistData.fStdDeviation = 0;
   bool isFound = false;
-  for (SDOMXMLWrapper* targetDistElm = nullptr; targetDistDataElmIter->Next(&targetDistElm);) {
+  for (SDOMXMLWrapper* targetDistElm = nullptr; Step(targetDistDataElmIter, targetDistElm);) {
     targetDistData.fShape = targetDistData.fRate = targetDistData.fR = targetDistData.fP = 0;
     isFound = ReadText(*targetDistElm, "description", targetDistData.fDescription);
     if (targetDistData.fDescription != "TargetDistribution") continue;
@@ -184,9 +195,11 @@ bool HFITParseOutXML::ReadPredByObserved(SDOMXMLIterator* predByObservDataElmIte
                                          PredByObservData& predByObservData) {
   if (predByObservDataElmIter == nullptr) return false;
 
+  predByObservData.fTotalFreq = 0;
+  predByObservData.fMinValue = predByObservData.fMaxValue = 0;
   SDOMXMLWrapper* predByObservDataElm = nullptr;
   do {
-    if (!predByObservDataElmIter->Next(&predByObservDataElm)) return true;
+    if (!Step(predByObservDataElmIter, predByObservDataElm)) return true;
     if (!predByObservDataElm->GetAttribute("description", predByObservData.fDescription)) {
       return false;
     }
@@ -198,7 +211,7 @@ bool HFITParseOutXML::ReadPredByObserved(SDOMXMLIterator* predByObservDataElmIte
   SDOMXMLIterator* coordinatesIter = Children(*predByObservDataElm, "Coordinates");
   if (coordinatesIter == nullptr) return false;
   std::string feature;
-  for (SDOMXMLWrapper* coordinatesElm = nullptr; coordinatesIter->Next(&coordinatesElm);) {
+  for (SDOMXMLWrapper* coordinatesElm = nullptr; Step(coordinatesIter, coordinatesElm);) {
     if (!coordinatesElm->GetAttribute("feature", feature)) return false;
     if (!ReadFeature(*this, *coordinatesElm, feature, kPredByObservedFeatures, predByObservData)) {
       return false;
@@ -211,12 +224,13 @@ bool HFITParseOutXML::ReadPredByObserved(SDOMXMLIterator* predByObservDataElmIte
 bool HFITParseOutXML::ReadModelTestStats(SDOMXMLIterator* effectTestDataElmIter,
                                          EffectStatData& effectStatData) {
   std::string description;
-  for (SDOMXMLWrapper* testElm = nullptr; Step(effectTestDataElmIter, testElm);) {
-    ReadText(*testElm, "description", description);
+  for (SDOMXMLWrapper* modelTestStatsElm = nullptr;
+       Step(effectTestDataElmIter, modelTestStatsElm);) {
+    ReadText(*modelTestStatsElm, "description", description);
     EffectTestData test;
-    ReadAttributesUntested(*testElm, kTestAttributes, test);
+    ReadAttributesUntested(*modelTestStatsElm, kTestAttributes, test);
     StoreEmptyTexts(kFTestAttributes, test);
-    if (SDOMXMLWrapper* fTestElm = FirstElement(*testElm, "FTest")) {
+    if (SDOMXMLWrapper* fTestElm = FirstElement(*modelTestStatsElm, "FTest")) {
       ReadAttributesUntested(*fTestElm, kFTestAttributes, test);
     }
     if (description == "correctedModel") {

@@ -73,7 +73,7 @@ bool FileEstimate(ParamEstimData& paramEstim,
 bool HFITParseOutXML::ReadParameterEstimates(SDOMXMLIterator* paramEstimElmIter,
                                              ParamCollect& paramCollect) {
   if (!(paramEstimElmIter != nullptr)) return false;
-  for (SDOMXMLWrapper* paramEstimElm = nullptr; paramEstimElmIter->Next(&paramEstimElm);) {
+  for (SDOMXMLWrapper* paramEstimElm = nullptr; Step(paramEstimElmIter, paramEstimElm);) {
     if (!ReadParameterEstimate(*paramEstimElm, paramCollect)) return false;
   }
   return true;
@@ -88,7 +88,7 @@ bool HFITParseOutXML::ReadParameterEstimate(SDOMXMLWrapper& paramEstimElm,
 
   SDOMXMLIterator* paramStatsIter = Children(paramEstimElm, "ParameterStats");
   if (paramStatsIter == nullptr) return false;
-  for (SDOMXMLWrapper* paramStatsElm = nullptr; paramStatsIter->Next(&paramStatsElm);) {
+  for (SDOMXMLWrapper* paramStatsElm = nullptr; Step(paramStatsIter, paramStatsElm);) {
     ParamStatData paramStat;
     if (!ReadParameterStats(paramStatsElm, paramStat)) return false;
     paramEstim.fvParamStats.push_back(std::move(paramStat));
@@ -119,6 +119,7 @@ bool HFITParseOutXML::ReadParameterStats(SDOMXMLWrapper* paramStatsElm,
       !ReadRegressionParameter(regressionParamElm, paramStatData.fRegressionParam)) {
     return false;
   }
+  paramStatData.fStatIndex = -1;
   if (SDOMXMLWrapper* statisticElm = FirstElement(*paramStatsElm, "Statistic")) {
     if (paramStatData.fRegressionParam.fIsIntercept) return false;
     if (!ReadStatistic(statisticElm, paramStatData.fStatName, paramStatData.fStatValue)) {

@@ -61,7 +61,7 @@ bool HFITParseOutXML::ReadStringMaps(SDOMXMLIterator* stringMapCollectIter,
   if (!(stringMapCollectIter != nullptr)) return false;
 
   bool isRead = true;
-  for (SDOMXMLWrapper* stringMapElm = nullptr; stringMapCollectIter->Next(&stringMapElm);) {
+  for (SDOMXMLWrapper* stringMapElm = nullptr; Step(stringMapCollectIter, stringMapElm);) {
     StringMapData& stringMap = stringMapCollect.emplace_back();
     ReadAttributesUntested(*stringMapElm, kStringMapAttributes, stringMap);
     SDOMXMLIterator* mapEntryIter = Children(*stringMapElm, "MapEntry");

@@ -146,7 +146,7 @@ bool HFITParseOutXML::ReadSubjectGroup(SDOMXMLWrapper& groupElm, StructuredData&
   SDOMXMLIterator* coordinatesIter = Children(groupElm, "Coordinates");
   if (coordinatesIter == nullptr) return false;
 
-  for (SDOMXMLWrapper* coordinatesElm = nullptr; coordinatesIter->Next(&coordinatesElm);) {
+  for (SDOMXMLWrapper* coordinatesElm = nullptr; Step(coordinatesIter, coordinatesElm);) {
     if (isTarget) {
       if (!ReadTargetValues(*coordinatesElm, structuredData)) return false;
       continue;
@@ -225,7 +225,7 @@ bool HFITParseOutXML::ReadRowColLabels(SDOMXMLWrapper& matrixElm, MatrixData& ma
   if (labelIter == nullptr) return false;
 
   std::string text;
-  for (SDOMXMLWrapper* labelElm = nullptr; labelIter->Next(&labelElm);) {
+  for (SDOMXMLWrapper* labelElm = nullptr; Step(labelIter, labelElm);) {
     if (!labelElm->GetAttribute("label", text)) return false;
     // A text that is no value of the target is kept as the text that it is.
     matrixData.fvRowColLabels.emplace_back(text).LoadObsValue(TargetVariable(), 0);

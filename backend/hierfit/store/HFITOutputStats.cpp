@@ -26,8 +26,8 @@ VarMapInfo* HFITOutputStats::BuildVarMap() {
   fVarMapInfo = {};
   if (fpVarList == nullptr || fpMetaData == nullptr) return &fVarMapInfo;
 
-  const auto variableCount = static_cast<std::size_t>(fpVarList->Size());
-  const auto fieldCount = static_cast<std::size_t>(fpMetaData->FieldCount());
+  const auto variableCount = static_cast<std::size_t>(std::max(fpVarList->Size(), 0));
+  const auto fieldCount = static_cast<std::size_t>(std::max(fpMetaData->FieldCount(), 0));
   fVarMapInfo.fvFieldToVar.assign(fieldCount, -1);
   fVarMapInfo.fvVarToField.assign(variableCount, -1);
   fVarMapInfo.fvIsCategorical.assign(variableCount, false);
@@ -37,6 +37,7 @@ VarMapInfo* HFITOutputStats::BuildVarMap() {
   for (std::size_t i = 0; i < variableCount; ++i) {
     const auto position = static_cast<int32_t>(i);
     const IMCVariable* variable = fpVarList->GetVarAt(position);
+    if (variable == nullptr) continue;  // it stays without a field
     variable->FieldName(name);
     const int32_t field = fpMetaData->GetFieldIndex(name);
     if (field >= 0 && static_cast<std::size_t>(field) < fieldCount) {

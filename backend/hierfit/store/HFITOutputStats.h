@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -25,8 +26,9 @@
 
 /// The one object that the reader fills and the writers read. For a record that the documents do
 /// not have, `Get...` gives null; it never makes one. `New...` puts a fresh record in place of the
-/// one that is there and is the only way a record comes into being. `Clear...` leaves none.
-/// Pointers that it hands out live as long as their record.
+/// one that is there and is the only way a record comes into being; without memory for it the
+/// result is null, and no record is there. `Clear...` leaves none. Pointers that it hands out live
+/// as long as their record.
 class HFITOutputStats {
  public:
   HFITOutputStats();
@@ -143,10 +145,15 @@ class HFITOutputStats {
   /// Terms by name within each map; the names are those of the collection.
   using TermsByName = std::unordered_map<std::string_view, const RegressionParamData*>;
 
+  /// Null, and no record, when there is no memory for one.
   template <class Record>
   static Record* Renew(std::unique_ptr<Record>& member) {
     member.reset();
-    member = std::make_unique<Record>();
+    try {
+      member = std::make_unique<Record>();
+    } catch (const std::bad_alloc&) {
+      // The caller tells what follows.
+    }
     return member.get();
   }
 

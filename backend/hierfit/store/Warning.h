@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,7 +13,13 @@ struct WarningData {
   std::vector<std::string> fWarningParameters;
 };
 
+/// The position of the first message that has this key; their number when none has.
+inline std::size_t FindWarning(const std::vector<WarningData>& warnings, std::string_view key) {
+  const auto found = std::ranges::find(warnings, key, &WarningData::fPattern);
+  return static_cast<std::size_t>(found - warnings.begin());
+}
+
 /// Whether one of the messages has this key.
 inline bool HasWarning(const std::vector<WarningData>& warnings, std::string_view key) {
-  return std::ranges::find(warnings, key, &WarningData::fPattern) != warnings.end();
+  return FindWarning(warnings, key) < warnings.size();
 }

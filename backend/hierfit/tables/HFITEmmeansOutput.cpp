@@ -3,6 +3,7 @@
 #include "backend/hierfit/charts/HFITChartOutput.h"
 #include "backend/hierfit/frame/Messages.h"
 #include "backend/hierfit/store/EffectText.h"
+#include "backend/hierfit/store/EngineMessages.h"
 #include "backend/hierfit/tables/CellText.h"
 #include "backend/hierfit/tables/TableShape.h"
 #include "backend/hierfit/tables/TableText.h"
@@ -10,8 +11,6 @@
 namespace {
 
 constexpr std::size_t kManyBlocks = 20;
-constexpr char kTooManyBlocks[] = "kGLMM_C24";
-constexpr char kNotEstimable[] = "kGLMM_C25";
 
 constexpr Column<ModelDiagnostics> kMeanColumns[] = {
     {{"Mean", BpProcedure::Coefficient}, &ModelDiagnostics::fGrandMean},
@@ -45,8 +44,8 @@ void HFITEmmeansOutput::GrandMeansOutput() {
   if (diagnostics == nullptr) return;
   BpPivotTable table = fpProcedure->PivotTable(BlockTitle(-1), Text("GrandMeans"), true);
   table.Note(Footnote(TargetNote(*fpBuildSettings, *fpDataSource)));
-  if (fpEmmeansList->size() >= kManyBlocks && fpHFITOutputStats->HasWarning(kTooManyBlocks)) {
-    table.Caption(Key(kTooManyBlocks));
+  if (fpEmmeansList->size() >= kManyBlocks && fpHFITOutputStats->HasWarning(kGLMM_C24)) {
+    table.Caption(Key(kGLMM_C24));
   }
   BpDimension statistics = AddDimension(table, Key("Statistics"), kColumns, 1, Shown::LabelsAlone);
   WriteColumns(statistics, kMeanColumns, *diagnostics);
@@ -55,11 +54,11 @@ void HFITEmmeansOutput::GrandMeansOutput() {
 }
 
 void HFITEmmeansOutput::BlockOutput(const EmmeansData& emmeansData) {
-  const auto requestCount = static_cast<int64_t>(fpBuildSettings->fvEmmeansSpecs.size());
-  if (emmeansData.fEmmeansIndex < 0 || emmeansData.fEmmeansIndex >= requestCount) return;
+  const auto nEMMEANS = static_cast<int64_t>(fpBuildSettings->fvEmmeansSpecs.size());
+  if (emmeansData.fEmmeansIndex < 0 || !(emmeansData.fEmmeansIndex < nEMMEANS)) return;
   BpHeading heading = fpProcedure->Heading(BlockTitle(emmeansData.fEmmeansIndex));
-  if (HasWarning(emmeansData.fvWarningList, kNotEstimable)) {
-    ReportBlock(Text("EMMEANS"), emmeansData, kNotEstimable);
+  if (HasWarning(emmeansData.fvWarningList, kGLMM_C25)) {
+    ReportBlock(Text("EMMEANS"), emmeansData, kGLMM_C25);
     return;
   }
   EstimatesOutput(heading, emmeansData);

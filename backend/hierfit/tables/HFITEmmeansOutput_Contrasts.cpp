@@ -2,14 +2,13 @@
 #include <optional>
 
 #include "backend/hierfit/charts/HFITChartOutput.h"
+#include "backend/hierfit/store/EngineMessages.h"
 #include "backend/hierfit/tables/CellText.h"
 #include "backend/hierfit/tables/HFITEmmeansOutput.h"
 #include "backend/hierfit/tables/TableShape.h"
 #include "backend/hierfit/tables/TableText.h"
 
 namespace {
-
-constexpr char kNoContrasts[] = "kGLMM_C19_1";
 
 /// The names of a table of contrasts, by `fContrastKind`.
 struct ContrastNames {
@@ -101,8 +100,10 @@ BpComposite HFITEmmeansOutput::ContrastLabel(const EmmeansContrastData& contrast
 void HFITEmmeansOutput::ContrastsOutput(BpHeading& heading, const EmmeansData& emmeansData) {
   const EmmeansContrastData& contrasts = emmeansData.fContrasts;
   if (contrasts.fvCoordinates.empty() || NamesOf(contrasts) == nullptr) return;
-  if (HasWarning(emmeansData.fvWarningList, kNoContrasts)) {
-    ReportBlock(Key("EMMEANS"), emmeansData, kNoContrasts);
+  const std::size_t warningIndex = FindWarning(emmeansData.fvWarningList, kGLMM_C19_1);
+  if (warningIndex < emmeansData.fvWarningList.size()) {
+    if (!(emmeansData.fvWarningList[warningIndex].fWarningParameters.size() == 1)) return;
+    ReportBlock(Key("EMMEANS"), emmeansData, kGLMM_C19_1);
     return;
   }
   // The table stays open until its chart is sent, which shows what there is without a table, too.

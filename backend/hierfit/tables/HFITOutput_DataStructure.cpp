@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "backend/hierfit/frame/Messages.h"
+#include "backend/hierfit/store/EngineMessages.h"
 #include "backend/hierfit/tables/CellText.h"
 #include "backend/hierfit/tables/HFITOutput.h"
 #include "backend/hierfit/tables/TableShape.h"
@@ -11,7 +12,6 @@ namespace {
 
 constexpr int32_t kMostRecords = 10;
 constexpr char kSubjectNotUsed[] = "Subject field not used ...";
-constexpr char kLayoutWarning[] = "kGLMM_C26";
 
 /// The lists of the records are parallel and the subject has a value for each field.
 bool IsConsistent(const StructuredData& records, const BuildSettingsStruct& settings) {
@@ -131,7 +131,7 @@ class RecordColumns {
 void HFITOutput::DataStructureOutput() {
   if (fpHFITOutputStats == nullptr) return;
   const StructuredData* records = fpHFITOutputStats->GetStructuredData();
-  const bool hasWarning = fpHFITOutputStats->HasWarning(kLayoutWarning);
+  const bool hasWarning = fpHFITOutputStats->HasWarning(kGLMM_C26);
   if (records == nullptr || records->fSubjects.fvFieldNames.empty()) {
     if (hasWarning) ReportSubjectNotUsed();
     return;

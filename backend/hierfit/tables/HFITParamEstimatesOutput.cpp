@@ -3,15 +3,20 @@
 #include "host/string_table.h"
 
 #include "backend/hierfit/store/EffectText.h"
+#include "backend/hierfit/store/EngineMessages.h"
 #include "backend/hierfit/store/SystemMissing.h"
 
 namespace {
 
-/// The word for an effect without variables, from the string table of the output.
+/// The word for an effect without variables, from the string table of the output; without one the
+/// key stands for itself.
 std::string InterceptWord() {
-  const FacSTDictionary dictionary(PathFactory::getPathInstance()->StringTablePath());
+  constexpr char kIntercept[] = "Intercept";
+  const PathFinder* paths = PathFactory::getPathInstance();
+  if (paths == nullptr) return kIntercept;
+  const FacSTDictionary dictionary(paths->StringTablePath());
   int32_t code = 0;
-  return dictionary.LookUp("Intercept", code);
+  return dictionary.LookUp(kIntercept, code);
 }
 
 std::string_view NameOf(const VELT_Variable* variable) {
@@ -26,7 +31,14 @@ HFITParamEstimatesOutput::HFITParamEstimatesOutput(BpProcedure* procedure,
     : fpProcedure(procedure),
       fpDataSource(dataSource),
       fpHFITOutputStats(outputStats),
-      fpBuildSettings(outputStats == nullptr ? nullptr : outputStats->GetBuildSettings()) {}
+      fpBuildSettings(outputStats == nullptr ? nullptr : outputStats->GetBuildSettings()) {
+  if (outputStats == nullptr) return;
+  // When the first of the two is there, the rules of the second do not apply.
+  for (const char* key : {kGLMM_C9, kGLMM_C8}) {
+    if (fRowWarning.empty() && outputStats->HasWarning(key)) fRowWarning = key;
+  }
+  fHasEstimateNote = outputStats->HasWarning(kGLMM_C10);
+}
 
 /// Names that are there already stay, and none is added to them.
 void HFITParamEstimatesOutput::EffectNames(const std::vector<EffectStruct>& effectList,

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/framework.h"
@@ -66,7 +67,7 @@ class HFITParamEstimatesOutput {
     const char* note = nullptr;  ///< key of a footnote on each estimate
   };
   struct StyleRule;
-  /// The style of all rows of one table.
+  /// The style of all rows of one block.
   RowStyle StyleOf(int32_t block) const;
   /// How the rows of a covariance table are laid out.
   enum class Layout { Plain, ByGroup, ByTarget };
@@ -87,13 +88,14 @@ class HFITParamEstimatesOutput {
     BpDimension columns;
   };
   CovarianceTable LayOut(BpPivotTable table, const CovarianceLayout& layout);
-  void CovarianceRows(CovarianceTable& table,
-                      const std::vector<ParamEstimData>& estimates,
-                      int32_t block);
-  void CovarianceRows(CovarianceTable& table,
+  void AllCovarianceRows(CovarianceTable& table,
+                         const std::vector<ParamEstimData>& estimates,
+                         int32_t block);
+  /// The rows of one set of estimates, in the outer category last asked for.
+  void CovarianceRows(BpDimension& rows,
+                      BpDimension& columns,
                       const ParamEstimData& paramEstimData,
-                      int32_t block,
-                      const RowStyle& style);
+                      int32_t block);
 
   const RandomSpec* SpecOf(int64_t block) const;
   Layout LayoutOf(const std::vector<std::string>& groupSpec) const;
@@ -114,4 +116,8 @@ class HFITParamEstimatesOutput {
   HFITOutputStats* fpHFITOutputStats;
   BuildSettingsStruct* fpBuildSettings;
   std::vector<std::string> fvEffectNames;
+  /// What the engine says of all rows of covariance parameters, looked up once: the key that
+  /// decides on their style, empty for none, and whether each estimate has a note.
+  std::string_view fRowWarning;
+  bool fHasEstimateNote = false;
 };

@@ -1,6 +1,7 @@
 // The estimates of covariance parameters, row by row.
 #include <string_view>
 
+#include "backend/hierfit/store/EngineMessages.h"
 #include "backend/hierfit/tables/CellText.h"
 #include "backend/hierfit/tables/HFITParamEstimatesOutput.h"
 #include "backend/hierfit/tables/TableShape.h"
@@ -38,43 +39,39 @@ struct HFITParamEstimatesOutput::StyleRule {
   RowStyle style;
 };
 
-/// The first rule that fits decides. When the first warning is there, the rules of the second do
-/// not apply.
+/// The first rule that fits decides.
 HFITParamEstimatesOutput::RowStyle HFITParamEstimatesOutput::StyleOf(int32_t block) const {
   static constexpr StyleRule kRules[] = {
-      {"kGLMM_C9", kWithoutScale, true, {1.0, false, false, "kGLMM_C9"}},
-      {"kGLMM_C9", kWithoutScale, false, {0.0, true, false, nullptr}},
-      {"kGLMM_C8", kWithScale, false, {0.0, true, false, nullptr}},
+      {kGLMM_C9, kWithoutScale, true, {1.0, false, false, kGLMM_C9}},
+      {kGLMM_C9, kWithoutScale, false, {0.0, true, false, nullptr}},
+      {kGLMM_C8, kWithScale, false, {0.0, true, false, nullptr}},
   };
-  const std::string_view warning = fpHFITOutputStats->HasWarning("kGLMM_C9")   ? "kGLMM_C9"
-                                   : fpHFITOutputStats->HasWarning("kGLMM_C8") ? "kGLMM_C8"
-                                                                               : "";
   RowStyle style;
   for (const StyleRule& rule : kRules) {
-    const bool fits = rule.warning == warning && rule.isResidual == (block < 0) &&
+    const bool fits = rule.warning == fRowWarning && rule.isResidual == (block < 0) &&
                       (rule.distributions & (1u << fpBuildSettings->fDistribution)) != 0;
     if (!fits) continue;
     style = rule.style;
     break;
   }
-  if (style.note == nullptr && fpHFITOutputStats->HasWarning("kGLMM_C10")) style.note = "kGLMM_C10";
+  if (style.note == nullptr && fHasEstimateNote) style.note = kGLMM_C10;
   return style;
 }
 
-void HFITParamEstimatesOutput::CovarianceRows(CovarianceTable& table,
-                                              const std::vector<ParamEstimData>& estimates,
-                                              int32_t block) {
-  const RowStyle style = StyleOf(block);
+void HFITParamEstimatesOutput::AllCovarianceRows(CovarianceTable& table,
+                                                 const std::vector<ParamEstimData>& estimates,
+                                                 int32_t block) {
   for (const ParamEstimData& data : estimates) {
     OuterCategory(table, data.fFiledData);
-    CovarianceRows(table, data, block, style);
+    CovarianceRows(table.rows, table.columns, data, block);
   }
 }
 
-void HFITParamEstimatesOutput::CovarianceRows(CovarianceTable& table,
+void HFITParamEstimatesOutput::CovarianceRows(BpDimension& rows,
+                                              BpDimension& columns,
                                               const ParamEstimData& paramEstimData,
-                                              int32_t block,
-                                              const RowStyle& style) {
+                                              int32_t block) {
+  const RowStyle style = StyleOf(block);
   const BpComposite intervalTitle = ConfidenceHeading(kConfidenceInterval, *fpBuildSettings);
 
   for (const ParamStatData& row : paramEstimData.fvParamStats) {
@@ -89,21 +86,21 @@ void HFITParamEstimatesOutput::CovarianceRows(CovarianceTable& table,
     std::string label;
     fpHFITOutputStats->GetPrintableListText(row.fPrintableList, block, key, parameters, label);
 
-    BpCategory category = table.rows.Category(Text(label));
+    BpCategory category = rows.Category(Text(label));
     if (block == kResidualBlock && key == kResidualVariance) {
       category.CellNote(Footnote(Key("This is the scale parameter.")));
     }
     BpCategory estimate =
-        WriteStatistic(table.columns, kEstimate, style.fixedValue.value_or(row.fEstimate));
+        WriteStatistic(columns, kEstimate, style.fixedValue.value_or(row.fEstimate));
     if (row.fIsRedundant) estimate.CellNote(Footnote(Key("Parameter redundant")));
     if (style.note != nullptr) estimate.CellNote(Footnote(Key(style.note)));
-    if (style.hasErrorAndBounds) WriteStatistic(table.columns, kStdError, fixedOr(row.fStdError));
+    if (style.hasErrorAndBounds) WriteStatistic(columns, kStdError, fixedOr(row.fStdError));
     if (style.hasTest) {
-      table.columns.Category(Text("Z")).Cell(
+      columns.Category(Text("Z")).Cell(
           BpNumber(unlessRedundant(row.fZTest), BpProcedure::Coefficient()));
-      WriteStatistic(table.columns, kSig, unlessRedundant(row.fSig));
+      WriteStatistic(columns, kSig, unlessRedundant(row.fSig));
     }
-    BpGroup interval = GroupOf(table.columns, intervalTitle);
+    BpGroup interval = GroupOf(columns, intervalTitle);
     if (style.hasErrorAndBounds) {
       WriteStatistic(interval, kLower, fixedOr(row.fConfIntervalLower));
       WriteStatistic(interval, kUpper, fixedOr(row.fConfIntervalUpper));

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "backend/hierfit/store/EngineMessages.h"
 #include "backend/hierfit/tables/CellText.h"
 #include "backend/hierfit/tables/HFITParamEstimatesOutput.h"
 #include "backend/hierfit/tables/TableShape.h"
@@ -20,9 +21,9 @@ struct CaptionWarning {
 };
 constexpr int32_t kForAll = -1;
 constexpr CaptionWarning kCaptionWarnings[] = {
-    {"kGLMM_C18", kForAll},
-    {"kGLMM_C23", Distribution::kOrdinal},
-    {"kGLMM_C28", kForAll},
+    {kGLMM_C18, kForAll},
+    {kGLMM_C23, Distribution::kOrdinal},
+    {kGLMM_C28, kForAll},
 };
 
 struct SummaryRow {
@@ -70,9 +71,7 @@ BpComposite BlockTitle(double block) {
 
 }  // namespace
 
-bool HFITParamEstimatesOutput::HasNoSubjects() const {
-  return fpHFITOutputStats->HasWarning("kGLMM_C8") || fpHFITOutputStats->HasWarning("kGLMM_C9");
-}
+bool HFITParamEstimatesOutput::HasNoSubjects() const { return !fRowWarning.empty(); }
 
 std::string HFITParamEstimatesOutput::SubjectText(const EffectStruct& subjectSpec) {
   if (subjectSpec.fvFieldNames.empty()) return "(None)";
@@ -190,7 +189,7 @@ void HFITParamEstimatesOutput::RandomEffectBlockOutput(BpHeading& heading,
   const auto hasPlace = [&](const MatrixData& matrix) {
     return HasPlaceFor(matrix, labels.size());
   };
-  const auto fits = [&](const SegmentInfoData& segment) { return Fits(layout, segment); };
+  const auto fits = [&](const SegmentInfoData& subjectData) { return Fits(layout, subjectData); };
   if (!(segments.size() == nCat) || (layout == Layout::Plain && !(nCat == 1))) return;
   if (!std::ranges::all_of(matrices, hasPlace) || !std::ranges::all_of(segments, fits)) return;
 
@@ -259,7 +258,7 @@ void HFITParamEstimatesOutput::ResidualEffectOutput(
               .repeatsWarnings = true,
               .rows = "Residual Effect",
               .columns = "Residual Effect Covariance Column"});
-  CovarianceRows(table, paramEstimVect, kResidualBlock);
+  AllCovarianceRows(table, paramEstimVect, kResidualBlock);
 }
 
 void HFITParamEstimatesOutput::RandomEffectOutput(BpHeading& heading,
@@ -284,5 +283,5 @@ void HFITParamEstimatesOutput::RandomEffectOutput(BpHeading& heading,
                           .rows = layout == Layout::Plain || isOnly ? "Random Effect Covariance"
                                                                     : "Random Effect Block",
                           .columns = "Random Effect Covariance Column"});
-  CovarianceRows(table, paramEstimVect, block);
+  AllCovarianceRows(table, paramEstimVect, block);
 }

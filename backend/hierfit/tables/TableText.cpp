@@ -1,10 +1,8 @@
 #include "backend/hierfit/tables/TableText.h"
 
-#include <algorithm>
-
 #include "host/framework.h"
-#include "host/text.h"
 
+#include "backend/hierfit/frame/Characters.h"
 #include "backend/hierfit/tables/TableShape.h"
 
 namespace {
@@ -14,10 +12,9 @@ constexpr std::size_t kPieceLength = 255;
 /// Where the next `count` characters end, counted from `begin`.
 std::size_t EndOfCharacters(const std::string& text, std::size_t begin, std::size_t count) {
   std::size_t end = begin;
-  for (; count > 0 && end < text.size(); --count) {
-    end += static_cast<std::size_t>(VELTMBmbclen_A(text.c_str() + end));
-  }
-  return std::min(end, text.size());
+  for (; count > 0 && end < text.size(); --count)
+    end = EndOfCharacter(text, end);
+  return end;
 }
 
 void AddTrials(BpComposite& note,
