@@ -1,9 +1,14 @@
 #include "report/selection.h"
 
 #include <algorithm>
+#include <iterator>
+#include <memory>
 
 namespace hierfit::report {
 namespace {
+
+/// What is said about the result, chosen like a table.
+constexpr std::string_view kAbout = "About";
 
 bool is_same_letter(char a, char b) {
   const auto lower = [](char letter) {
@@ -50,6 +55,7 @@ void keep_in(output::Section& section, std::span<const std::string> names) {
 
 std::vector<std::string> names_in(const output::Document& document) {
   std::vector<std::string> names;
+  if (!document.about.facts.empty()) names.emplace_back(kAbout);
   add_names(document.content, names);
   return names;
 }
@@ -62,6 +68,13 @@ bool is_among(std::string_view name, std::span<const std::string> names) {
 
 void keep(std::span<const std::string> names, output::Document& document) {
   keep_in(document.content, names);
+  if (is_among(kAbout, names)) return;
+  std::vector<output::Item> items;
+  for (output::Message& message : document.about.messages)
+    items.emplace_back(std::make_unique<output::Message>(std::move(message)));
+  std::ranges::move(document.content.items, std::back_inserter(items));
+  document.content.items = std::move(items);
+  document.about = {};
 }
 
 }  // namespace hierfit::report

@@ -183,19 +183,24 @@ class HtmlReport {
       out_ += "</section>\n";
   }
 
-  void write(const output::Section& section, const Block& block) {
+  void write_heading(const output::Text& title, const Block& block) {
     // Pages that take a fragment in have headings of their own above it.
     const uint32_t level = std::min(block.level + (options_.fragment ? 2 : 1), kDeepestHeading);
-    append(out_, "<section>\n<h", level, " id=\"", block.anchor(), "\">");
-    html::append_text(out_, section.title, texts_);
+    append(out_, "<h", level, " id=\"", block.anchor(), "\">");
+    html::append_text(out_, title, texts_);
     append(out_, "</h", level, ">\n");
+  }
+
+  void write(const output::Section& section, const Block& block) {
+    out_ += "<section>\n";
+    write_heading(section.title, block);
   }
 
   /// A section, which its messages end.
   void write(const output::About& about, const Block& block) {
-    append(out_, "<section class=\"about\">\n<h2 id=\"", block.anchor(), "\">");
-    html::append_text(out_, about.title, texts_);
-    out_ += "</h2>\n<dl>\n";
+    out_ += "<section class=\"about\">\n";
+    write_heading(about.title, block);
+    out_ += "<dl>\n";
     for (const output::Fact& fact : about.facts) {
       append(out_, "<div data-fact=\"", fact.key, "\"><dt>");
       html::append_text(out_, fact.label, texts_);

@@ -56,7 +56,7 @@ TEST_CASE("tables are chosen by name, and of a name that there is not the others
   CHECK(one.output.find("Table 2") == std::string::npos);
   CHECK(one.output.find("Corrected model") != std::string::npos);
   CHECK(one.errors.starts_with(
-      "hierfit: the report has no table or figure \"Contrast\"; it has Mode"));
+      "hierfit: the report has no table or figure \"Contrast\"; it has Abo"));
 }
 
 TEST_CASE("colour is for terminals, unless it is asked for") {
