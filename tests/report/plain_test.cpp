@@ -153,6 +153,14 @@ TEST_CASE("a chart for Vega-Lite") {
     CHECK(count(diagram, "bin") > 1);
     CHECK(count(diagram, "curve") > 50);
   }
+  SUBCASE("has a bar for each category of a target") {
+    output::Chart chart = diagram_chart(3, 8);
+    for (output::Element* element : output::elements_of(chart.document))
+      if (element->name == "embedded") element->set("fieldType", "1");
+    const json diagram = spec_of(std::move(chart));
+    CHECK(count(diagram, "bin") == 20);
+    CHECK(count(diagram, "curve") == 0);
+  }
   SUBCASE("is one of many, or says that there are none") {
     output::Document document;
     CHECK(json::parse(report::render_vega(document, {}))["mark"]["text"] == "No charts");
