@@ -17,6 +17,8 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 SECONDS = 900
+# Tests that ran already, or that sweep over faults for minutes.
+SLOW = "^(unit|faults|host_faults)$"
 
 # What is changed into what; a rule holds for each place that it matches.
 RULES = [
@@ -68,7 +70,7 @@ def fate(build):
         return None
     if not passes([f"{build}/bin/hierfit_tests", "-sfe=*robustness*,*tests/app/*"]):
         return "unit"
-    if not passes(["cmake", "--build", build]) or not passes(["ctest", "--test-dir", build]):
+    if not passes(["cmake", "--build", build]) or not passes(["ctest", "--test-dir", build, "-E", SLOW]):
         return "others"
     return ""
 
