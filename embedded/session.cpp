@@ -65,6 +65,12 @@ DocumentError explain(const std::string& file, const ReadFailure& failure) {
 
 }  // namespace
 
+void Outputs::tell(const StringTable& strings, const char* key) {
+  auto message = std::make_unique<output::Message>();
+  message->text.shown = strings.text(key);
+  open_section().items.emplace_back(std::move(message));
+}
+
 Session::Session(SessionInput input, const SessionOptions& options)
     : input_(std::move(input)), state_(std::make_unique<State>()) {
   if (session_of_thread != nullptr) {
@@ -72,6 +78,8 @@ Session::Session(SessionInput input, const SessionOptions& options)
   }
   state_->inputs = read_inputs(input_, options);
   state_->outputs.document = empty_document(state_->inputs);
+  state_->outputs.budget = Budget(input_.pmml.size() + input_.statxml.size() +
+                                  (input_.dictionary ? input_.dictionary->size() : size_t{0}));
   if (options.journal != nullptr) {
     state_->journal = std::make_unique<journal::Journal>(*options.journal);
   }
@@ -102,6 +110,15 @@ void Session::connect(CFProcCustom& procedure) {
   procedure.fpMetaData = &state_->inputs.dictionary;
 }
 
+/// Keeps what tables repeat in proportion to the documents.
+void Session::cut_long_labels() {
+  Outputs& outputs = state_->outputs;
+  if (cut_labels(outputs.document.content, outputs.budget.repeated_labels()) == 0) return;
+  outputs.tell(state_->inputs.strings,
+               "The labels of the tables are cut: repeated in every row, they are out of "
+               "proportion to the documents.");
+}
+
 void Session::run(CFProcCustom& procedure) {
   connect(procedure);
   ReadFailure& failure = state_->outputs.failure;
@@ -111,7 +128,10 @@ void Session::run(CFProcCustom& procedure) {
   models.push_back(std::move(input_.pmml));
   std::vector<StatXMLBlock> blocks;
   blocks.push_back({std::move(input_.statxml)});
-  if (procedure.GenerateOutput(models, blocks, {})) return tell_about();
+  if (procedure.GenerateOutput(models, blocks, {})) {
+    cut_long_labels();
+    return tell_about();
+  }
   if (is_empty) failure = {"the document is empty"};
   throw explain(input_.statxml_name, failure);
 }

@@ -70,6 +70,7 @@ class Session {
 
  private:
   void tell_about();
+  void cut_long_labels();
 
   SessionInput input_;
   std::unique_ptr<State> state_;

@@ -10,6 +10,7 @@
 #include "host/string_table.h"
 
 #include "embedded/about/about.h"
+#include "embedded/budget.h"
 #include "embedded/dictionary/data_dictionary.h"
 #include "embedded/editor/editor.h"
 #include "embedded/error.h"
@@ -40,11 +41,14 @@ struct Outputs {
   ReadFailure failure;  ///< the last one; an empty sentence when nothing went wrong
   std::vector<Shortfall> shortfalls;
   about::ResultFacts result;
+  Budget budget;
 
   /// Where a message or a chart goes: under the heading that was opened last and is still open.
   output::Section& open_section() {
     return open_sections.empty() ? document.content : *open_sections.back();
   }
+  /// Says there, in the words of a key, what the report lacks.
+  void tell(const StringTable& strings, const char* key);
 };
 
 /// What the module holds of the host while a run lasts.

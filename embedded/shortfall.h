@@ -14,7 +14,8 @@ struct Shortfall {
   std::string sentence;
 };
 
-/// Notes it in the session of this thread, if there is one.
+/// Notes it in the session of this thread, if there is one; of a chart the report says so, too, in
+/// the chart's place.
 void note_shortfall(Shortfall::Of of, const Error& why);
 
 }  // namespace hierfit

@@ -69,10 +69,12 @@ ChartColumn* VarDataProcessor::Impl::column(const std::string& source,
 }
 
 void VarDataProcessor::Impl::set_text(ChartColumn* column, int32_t row, const std::string& text) {
-  text_bytes += std::min(text.size(), chart::kMaxTextBytes);
-  if (text_bytes <= chart::kMaxTextBytes || text.size() <= chart::kShortText) {
+  if (text.size() <= chart::kShortText) return set_value(column, row, text);
+  Session::State* state = state_of_thread();
+  if (state == nullptr || state->outputs.budget.spend_chart_texts(text.size())) {
     return set_value(column, row, text);
   }
+  is_cut = true;
   std::string cut = text.substr(0, chart::kShortText + 1);
   cut_text(cut, chart::kShortText);
   set_value(column, row, cut);

@@ -16,8 +16,7 @@ namespace hierfit::chart {
 /// Rows of one source, at most. Values of rows beyond it, or of negative rows, are dropped.
 inline constexpr int32_t kMaxRows = 1 << 26;
 
-/// The texts of one chart, in bytes, at most; from there on a text is cut to `kShortText` bytes.
-inline constexpr size_t kMaxTextBytes = size_t{64} << 20;
+/// What a text is cut to, in bytes, where the budget of the charts' texts is spent.
 inline constexpr size_t kShortText = 240;
 
 /// The sources as bytes, for `read_data_stream`; all numbers have their low byte first. A text is
@@ -52,5 +51,5 @@ struct VarDataProcessor::Impl : hierfit::journal::Receiver {
   std::vector<hierfit::output::ChartSource> sources;
   Index source_index;
   std::vector<Index> variable_index;  ///< by source
-  size_t text_bytes = 0;              ///< of all texts so far
+  bool is_cut = false;                ///< a text was
 };

@@ -90,6 +90,7 @@ struct XDocument::Impl : journal::Receiver {
   Impl(const std::string& xml, Session::State& state)
       : Receiver(state.journal.get()),
         outputs(state.outputs),
+        strings(state.inputs.strings),
         root(noted_tree_of(xml, state.inputs.strings)),
         variables(variables_of(root ? &*root : nullptr, journal())),
         graph(variables, journal()) {}
@@ -99,11 +100,21 @@ struct XDocument::Impl : journal::Receiver {
       variable->store();
     }
   }
+  /// Beyond the budget, labels of values that the data lack go. Gives whether others were cut.
+  bool bound_labels(const std::vector<output::ChartSource>& sources) {
+    bool is_cut = false;
+    for (const auto& variable : variables) {
+      if (outputs.budget.spend_chart_texts(variable->label_bytes(sources))) continue;
+      if (variable->keep_labels_of(sources, chart::kShortText)) is_cut = true;
+    }
+    return is_cut;
+  }
   void style() {
     if (root) chart::apply_style(*root);
   }
 
   Outputs& outputs;
+  const StringTable& strings;
   std::optional<Element> root;  ///< none: a document of nothing, which delivers nothing
   Variables variables;
   Graph graph;
@@ -167,10 +178,17 @@ XGraph* XDocument::getExternalGraph() {
 void XDocument::SendChart(bool toOutput, bool flag2, bool flag3) {
   impl_->note("XDocument::SendChart", toOutput, flag2, flag3);
   if (!impl_->root || !toOutput) return;
-  impl_->store_variables();
   // The data are large and are wanted no more: they move.
   std::vector<output::ChartSource> data;
   if (impl_->data != nullptr) data = impl_->data->impl().take_sources();
+  bool is_cut = impl_->data != nullptr && impl_->data->impl().is_cut;
+  if (impl_->bound_labels(data)) is_cut = true;
+  impl_->store_variables();
   impl_->outputs.open_section().items.emplace_back(std::make_unique<output::Chart>(
       chart::join(*impl_->root, std::move(data), impl_->description)));
+  if (is_cut) {
+    impl_->outputs.tell(
+        impl_->strings,
+        "Texts of the chart above are cut: they are out of proportion to the documents.");
+  }
 }

@@ -8,6 +8,7 @@
 #include "embedded/chart/journal_values.h"
 #include "embedded/dictionary/variable.h"
 #include "embedded/framework/number_text.h"
+#include "embedded/strings/cut_text.h"
 #include "output/number_format.h"
 
 namespace hierfit::chart {
@@ -46,6 +47,31 @@ void read_values(output::ChartColumn& column, const Element& values) {
     if (value->name == "n") column.set(row, number_of(text).value_or(output::kSystemMissing));
     ++row;
   }
+}
+
+/// Calls `visit` for each value of the variables of a name, a number or a text.
+template <class Visit>
+void for_each_value(const std::vector<output::ChartSource>& data,
+                    std::string_view name,
+                    const Visit& visit) {
+  using Kind = output::ChartColumn::Kind;
+  for (const output::ChartSource& source : data) {
+    for (const ChartVariable& variable : source.variables) {
+      if (variable.name != name) continue;
+      const output::ChartColumn& values = variable.values;
+      for (size_t row = 0; row < values.rows(); ++row) {
+        if (values.kind(row) == Kind::Number) visit(values.number(row));
+        if (values.kind(row) == Kind::Text) visit(values.text(row));
+      }
+    }
+  }
+}
+
+void add_label(ChartVariable& variable, double value, std::string label) {
+  variable.number_labels.emplace(value, std::move(label));
+}
+void add_label(ChartVariable& variable, const std::string& value, std::string label) {
+  variable.text_labels.emplace(value, std::move(label));
 }
 
 }  // namespace
@@ -183,6 +209,38 @@ void Variable::relabel(double value, std::string text) {
 void Variable::relabel(const std::string& value, std::string text) {
   described_.text_labels.insert_or_assign(xml_characters(value), std::move(text));
   changed_ = true;
+}
+
+size_t Variable::label_bytes(const std::vector<output::ChartSource>& data) const {
+  constexpr size_t kLabel = 64;  // what it takes beside its text
+  size_t bytes = 0;
+  for (const auto& [value, text] : described_.number_labels)
+    bytes += kLabel + text.size();
+  for (const auto& [value, text] : described_.text_labels)
+    bytes += kLabel + value.size() + text.size();
+  if (bytes == 0) return 0;
+  for_each_value(data, described_.name, [&](const auto& value) {
+    if (const std::string* text = described_.label_of(value)) bytes += text->size();
+  });
+  return bytes;
+}
+
+bool Variable::keep_labels_of(const std::vector<output::ChartSource>& data, size_t most) {
+  output::ChartVariable kept;
+  bool is_cut = false;
+  for_each_value(data, described_.name, [&](const auto& value) {
+    const std::string* text = described_.label_of(value);
+    if (text == nullptr || kept.label_of(value) != nullptr) return;
+    std::string label = *text;
+    if (label.size() > most) {
+      cut_text(label, most);
+      is_cut = true;
+    }
+    add_label(kept, value, std::move(label));
+  });
+  described_.number_labels = std::move(kept.number_labels);
+  described_.text_labels = std::move(kept.text_labels);
+  return is_cut;
 }
 
 void Variable::store() {

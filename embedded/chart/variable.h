@@ -41,6 +41,12 @@ class Variable final : public XVariable, public journal::Receiver {
   void SetFormatPrefix(const ChartString& prefix) override;
 
   const std::string& name() const { return described_.name; }
+  /// What the labels of its values take, in bytes, once as they are and once for each row of the
+  /// data that shows them.
+  size_t label_bytes(const std::vector<output::ChartSource>& data) const;
+  /// Keeps the labels of the values that stand in the data, none longer than `most` bytes. Gives
+  /// whether one was cut.
+  bool keep_labels_of(const std::vector<output::ChartSource>& data, size_t most);
   void store();
 
  private:

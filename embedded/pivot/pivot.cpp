@@ -35,7 +35,8 @@ BpHeading BpHeading::Heading(const BpCellText& title) {
 
 BpPivotTable BpHeading::PivotTable(const BpCellText& title, const BpCellText& subtype, bool flag) {
   const auto table = std::make_shared<BpPivotTable::Impl>(
-      impl_->add_table(title.impl(), subtype.impl()), impl_->wording, impl_->journal());
+      impl_->add_table(title.impl(), subtype.impl()), impl_->wording, Session::current().outputs,
+      impl_->journal());
   impl_->note("BpHeading::PivotTable", title, subtype, flag, Result{table->id()});
   return BpPivotTable(table);
 }

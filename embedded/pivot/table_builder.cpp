@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <functional>
 
+#include "embedded/session_state.h"
+
 namespace {
 
 using namespace hierfit;
@@ -26,10 +28,16 @@ void widen(output::Cells& cells) {
 
 BpPivotTable::Impl::Impl(output::Table& into,
                          const pivot::Wording& words,
+                         Outputs& outputs,
                          journal::Journal* journal)
-    : Receiver(journal, "BpPivotTable"), table(into), wording(words) {}
+    : Receiver(journal, "BpPivotTable"),
+      table(into),
+      wording(words),
+      outputs_(outputs),
+      cell_limit_(outputs.budget.cells_of_table()) {}
 
 BpPivotTable::Impl::~Impl() {
+  outputs_.budget.spend_cells(table.cells.size());
   settle_positions();
   note("release");
 }
@@ -108,12 +116,13 @@ BpCategory::Impl& BpPivotTable::Impl::category(const BpGroup::Impl& parent,
   DimensionState& state = states_[parent.dimension];
   const uint32_t number = number_of(state, 'c', parent.node, label, categories_.size());
   if (number == categories_.size()) {
-    const uint32_t node = add_node(parent, label, false);
+    const uint32_t node = is_cut_ ? kNone : add_node(parent, label, false);
     categories_.emplace_back(
         BpCategory::Impl{{journal(), "BpCategory"}, this, parent.dimension, node});
   }
   BpCategory::Impl& category = categories_[number];
-  state.current = node_of(category).leaf;
+  state.is_cut = category.node == kNone;
+  state.current = state.is_cut ? kNone : node_of(category).leaf;
   return category;
 }
 
@@ -129,10 +138,30 @@ const std::vector<uint32_t>& BpPivotTable::Impl::crossing(const BpCategory::Impl
   return crossing_;
 }
 
+bool BpPivotTable::Impl::is_cut(const BpCategory::Impl& category) const {
+  return is_cut_ &&
+         (category.node == kNone || std::ranges::any_of(states_, &DimensionState::is_cut));
+}
+
+void BpPivotTable::Impl::cut() {
+  if (std::exchange(is_cut_, true)) return;
+  outputs_.tell(wording.strings,
+                "The table above is cut: it is out of proportion to the documents.");
+}
+
+uint32_t BpPivotTable::Impl::cell_to_write(const BpCategory::Impl& category) {
+  if (is_cut(category)) return kNone;
+  if (table.cells.size() < cell_limit_) return index_.find_or_add(table.cells, crossing(category));
+  const uint32_t cell = index_.find(table.cells, crossing(category));
+  if (cell == kNone) cut();
+  return cell;
+}
+
 void BpPivotTable::Impl::write_cell(const BpCategory::Impl& category,
                                     const BpCellText::Impl& value) {
   output::Cells& cells = table.cells;
-  const uint32_t cell = index_.find_or_add(cells, crossing(category));
+  const uint32_t cell = cell_to_write(category);
+  if (cell == kNone) return;
   if (const auto number = pivot::as_number(value)) {
     cells.values[cell] = *number;
     return;
@@ -157,11 +186,12 @@ void BpPivotTable::Impl::add_note(std::vector<uint32_t>& notes, const BpAnnotati
 
 void BpPivotTable::Impl::note_label(const BpCategory::Impl& category,
                                     const BpAnnotation::Impl& note) {
-  add_note(node_of(category).notes, note);
+  if (category.node != kNone) add_note(node_of(category).notes, note);
 }
 
 void BpPivotTable::Impl::note_cell(const BpCategory::Impl& category,
                                    const BpAnnotation::Impl& note) {
+  if (is_cut(category)) return;
   const uint32_t cell = index_.find(table.cells, crossing(category));
   if (cell == kNone) return add_note(row_label(category).notes, note);
   add_note(table.cells.notes[cell], note);

@@ -12,6 +12,10 @@
 #include "embedded/pivot/cell_text.h"
 #include "embedded/pivot/hash_index.h"
 
+namespace hierfit {
+struct Outputs;
+}
+
 /// What a group handle refers to: a dimension as a whole, or a group node inside it.
 struct BpGroup::Impl : hierfit::journal::Receiver {
   BpPivotTable::Impl* table = nullptr;
@@ -22,15 +26,17 @@ struct BpGroup::Impl : hierfit::journal::Receiver {
 struct BpCategory::Impl : hierfit::journal::Receiver {
   BpPivotTable::Impl* table = nullptr;
   uint32_t dimension = 0;
-  uint32_t node = 0;
+  uint32_t node = 0;  ///< `kNone`: the table was cut ahead of it
 };
 
 /// The state of an open table. It goes with the last handle to the table or into it, and then
-/// settles where the dimensions without a place stand.
+/// settles where the dimensions without a place stand. Beyond its share of the budget it is cut: it
+/// takes no further cells and categories.
 struct BpPivotTable::Impl : hierfit::journal::Receiver {
  public:
   Impl(hierfit::output::Table& into,
        const hierfit::pivot::Wording& words,
+       hierfit::Outputs& outputs,
        hierfit::journal::Journal* journal);
   ~Impl();
   Impl(const Impl&) = delete;
@@ -65,6 +71,7 @@ struct BpPivotTable::Impl : hierfit::journal::Receiver {
   struct DimensionState {
     bool positioned = false;
     uint32_t current = hierfit::output::kNone;  ///< leaf of the category last asked for
+    bool is_cut = false;                        ///< that category was cut
     std::deque<Made> made;
     hierfit::pivot::HashIndex made_by_hash;
     uint32_t last = 0;  ///< in `made`: what was asked for last
@@ -79,6 +86,10 @@ struct BpPivotTable::Impl : hierfit::journal::Receiver {
   uint32_t find_made(DimensionState& state, size_t next);
   uint32_t add_node(const BpGroup::Impl& parent, const BpCellText::Impl& label, bool is_group);
   const std::vector<uint32_t>& crossing(const BpCategory::Impl& category);
+  /// The cell where it crosses those last asked for; `kNone` when it is cut.
+  uint32_t cell_to_write(const BpCategory::Impl& category);
+  bool is_cut(const BpCategory::Impl& category) const;
+  void cut();
   void add_note(std::vector<uint32_t>& notes, const BpAnnotation::Impl& note);
   uint32_t note_number(const BpAnnotation::Impl& note);
   hierfit::output::Node& row_label(const BpCategory::Impl& category);
@@ -87,6 +98,9 @@ struct BpPivotTable::Impl : hierfit::journal::Receiver {
   bool is_taken(hierfit::output::Place place, int level, size_t end) const;
   int free_level(hierfit::output::Place place, int from) const;
 
+  hierfit::Outputs& outputs_;
+  const size_t cell_limit_;
+  bool is_cut_ = false;
   std::deque<DimensionState> states_;
   std::deque<BpGroup::Impl> groups_;
   std::deque<BpCategory::Impl> categories_;

@@ -21,8 +21,10 @@ VELT_Variable* ChartSession::variable(const std::string& name) {
 
 std::vector<output::Chart> ChartSession::take_charts() {
   std::vector<output::Chart> charts;
-  for (output::Item& item : session_.take_document().content.items) {
-    charts.push_back(std::move(*std::get<std::unique_ptr<output::Chart>>(item)));
+  output::Document document = session_.take_document();
+  for (output::Item& item : document.content.items) {
+    auto* chart = std::get_if<std::unique_ptr<output::Chart>>(&item);
+    if (chart != nullptr) charts.push_back(std::move(**chart));
   }
   return charts;
 }

@@ -116,6 +116,74 @@ DocumentFiles ten_factors() {
   return {string_fields(names), means_result(names, table + "</MultivariateData>"), {}};
 }
 
+std::string table_of_means(const std::string& factors, int rows) {
+  std::string table = R"(<MultivariateData description="estimates"><CoordinatesGroup>)" + factors +
+                      "</CoordinatesGroup>";
+  for (const char* statistic : {"mean", "stdErr", "confIntervalLower", "confIntervalUpper"})
+    table += column(statistic, rows);
+  return table + "</MultivariateData>";
+}
+
+/// A matrix of `size` numbers that stands for a table of all its cells.
+DocumentFiles diagonal(int size) {
+  std::string result = means_result({"a"}, table_of_means(factor("a", "x y"), 2));
+  std::string labels;
+  for (int i = 0; i < size; ++i)
+    labels += "<Label><PrintableList pattern=\"r" + std::to_string(i) + "\"/></Label>";
+  const std::string matrix =
+      R"(<StructuredData description="randomEffectCovariances"><Statistic name="b" value="0"/>
+<MatrixLabels><RowColLabels>)" +
+      labels + R"(</RowColLabels></MatrixLabels><SegmentData><SegmentInfo/><Matrix kind="diagonal"
+nbRows=")" +
+      std::to_string(size) + "\"><Array>" + repeated("1 ", size) +
+      "</Array></Matrix></SegmentData></StructuredData>";
+  constexpr char kBlock[] =
+      R"(<Parameter name="RandomSpecs"><ListValue><StructuredValue><Attribute name="Intercept"
+value="true"/></StructuredValue></ListValue></Parameter>)";
+  result.insert(result.find("<DataGroup"), matrix);
+  result.insert(result.find("</BuildSettings>"), kBlock);
+  return {string_fields({"a"}), result, {}};
+}
+
+/// Gives the first string field of a model values.
+void add_values(std::string& model, const std::string& values) {
+  constexpr std::string_view kEnd = "dataType=\"string\"/>";
+  const std::size_t place = model.find(kEnd);
+  REQUIRE(place != std::string::npos);
+  model.replace(place, kEnd.size(), "dataType=\"string\">" + values + "</DataField>");
+}
+
+/// A label that stands in each of many rows.
+DocumentFiles label_in_rows(int bytes, int rows) {
+  std::string names;
+  for (int i = 0; i < rows; ++i)
+    names += "r" + std::to_string(i) + ' ';
+  DocumentFiles files = {
+      string_fields({"a", "b"}),
+      means_result({"a", "b"},
+                   table_of_means(factor("a", repeated("x ", rows)) + factor("b", names), rows)),
+      {}};
+  add_values(files.model,
+             R"(<Value value="x" displayValue=")" + repeated("long ", bytes / 5) + "\"/>");
+  return files;
+}
+
+/// Labels of values that all charts could show.
+DocumentFiles labels_of_charts(int labels, int charts) {
+  std::string values;
+  for (int i = 0; i < labels; ++i) {
+    const std::string number = std::to_string(i);
+    values += "<Value value=\"l" + number + "\" displayValue=\"label " + number + "\"/>";
+  }
+  DocumentFiles files = {
+      string_fields({"a"}), means_result({"a"}, table_of_means(factor("a", "l1 l2"), 2)), {}};
+  add_values(files.model, values);
+  const size_t begin = files.result.find("<DataGroup");
+  const size_t end = files.result.find("</ModelDiagnostics>");
+  files.result.insert(end, repeated(files.result.substr(begin, end - begin), charts - 1));
+  return files;
+}
+
 constexpr char kEntities[] = R"(<!DOCTYPE x [<!ENTITY a "aaaaaaaaaa"><!ENTITY b "&a;&a;&a;&a;">]>)";
 
 void add_broken_texts(std::vector<HostileCase>& cases) {
@@ -202,6 +270,10 @@ std::vector<HostileCase> hostile_cases() {
   add_sizes(cases);
   add_values(cases);
   return cases;
+}
+
+std::vector<DocumentFiles> documents_that_stand_for_much() {
+  return {diagonal(1500), label_in_rows(30'000, 3000), labels_of_charts(3000, 300)};
 }
 
 std::vector<DocumentFiles> altered_documents() {

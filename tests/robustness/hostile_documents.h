@@ -25,4 +25,7 @@ std::vector<HostileCase> hostile_cases();
 /// none, out of range or too large.
 std::vector<DocumentFiles> altered_documents();
 
+/// Documents of some hundred kilobytes that stand for much more.
+std::vector<DocumentFiles> documents_that_stand_for_much();
+
 }  // namespace hierfit::test

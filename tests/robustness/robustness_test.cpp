@@ -32,6 +32,7 @@ struct Outcome {
   int status = -1;
   std::string errors;
   std::string page;
+  size_t largest = 0;  ///< of the outputs, in bytes
 };
 
 /// Runs the command on files of its own; it ends by itself, or is ended.
@@ -45,10 +46,15 @@ Outcome run_command(const DocumentFiles& files) {
                               std::to_string(kMostSeconds) +
                               " " HIERFIT_BINARY_DIR
                               "/bin/hierfit --quiet model.pmml result.xml -o r.html -o r.txt "
-                              "-o r.json 2>errors";
+                              "-o r.json -o r.csv -o r.vl.json 2>errors";
   const int status = std::system(command.c_str());
   Outcome outcome{WIFEXITED(status) ? WEXITSTATUS(status) : -1, text_of(folder / "errors"),
                   text_of(folder / "r.html")};
+  for (const fs::directory_entry& file : fs::directory_iterator(folder)) {
+    if (file.path().filename().string().starts_with("r.")) {
+      outcome.largest = std::max(outcome.largest, static_cast<size_t>(file.file_size()));
+    }
+  }
   fs::remove_all(folder);
   return outcome;
 }
@@ -82,5 +88,20 @@ TEST_CASE("values that are none, out of range or too large") {
     const TableRun left = run(files, "en");
     for (const report::Form& form : report::kForms)
       CHECK_FALSE(form.render(left.document, {}).empty());
+  }
+}
+
+TEST_CASE("what stands for much is cut, and the report says so") {
+  constexpr size_t kMost = size_t{64} << 20;  // for documents of a megabyte; these are smaller
+  for (const DocumentFiles& files : documents_that_stand_for_much()) {
+    CAPTURE(files.model.size());
+    REQUIRE(files.model.size() + files.result.size() < size_t{1} << 20);
+    const Outcome outcome = run_command(files);
+    CAPTURE(outcome.errors);
+    CHECK(outcome.status == 0);
+    CHECK(outcome.largest < kMost);
+    // Labels of values that no chart shows are missed by nobody.
+    const bool is_cut = outcome.page.find("out of proportion") != std::string::npos;
+    CHECK(is_cut == (files.model.find("label 1") == std::string::npos));
   }
 }
