@@ -7,6 +7,7 @@
 #include <pango/pangocairo.h>
 #include <stdexcept>
 
+#include "output/utf8.h"
 #include "report/chart/metrics.h"
 #include "report/picture/picture.h"
 
@@ -54,8 +55,7 @@ void insert(PangoAttrList* list, PangoAttribute* attribute, size_t begin, size_t
   pango_attr_list_insert(list, attribute);
 }
 
-void insert_look(PangoAttrList* list, const Run& run, double size, size_t begin) {
-  const size_t end = begin + run.text.size();
+void insert_look(PangoAttrList* list, const Run& run, double size, size_t begin, size_t end) {
   if (run.bold) insert(list, pango_attr_weight_new(PANGO_WEIGHT_BOLD), begin, end);
   if (run.italic) insert(list, pango_attr_style_new(PANGO_STYLE_ITALIC), begin, end);
   if (run.quiet) {
@@ -89,6 +89,32 @@ bool in_font(std::string_view text) {
     text.remove_prefix(bytes);
   }
   return true;
+}
+
+/// A word that is longer than any line is shaped anew for each of its lines, all of what is left of
+/// it, and of many paragraphs each one counts all text behind it. So where a text goes on and on,
+/// words get places to break at, which show nothing, and lines are divided as lines.
+constexpr size_t kLongWord = 256;  // characters
+
+void append_with_breaks(std::string& all, std::string_view text) {
+  if (text.size() <= kLongWord) {
+    all += text;
+    return;
+  }
+  size_t characters = 0;
+  for (const utf8::Character& each : utf8::Characters(text)) {
+    if (each.code == U'\n') {
+      all += "\u2028";
+      characters = 0;
+      continue;
+    }
+    if (each.code == U' ') characters = 0;
+    if (characters++ == kLongWord) {
+      all += "\u200B";
+      characters = 1;
+    }
+    all += each.bytes;
+  }
 }
 
 PangoFontDescription* font_of(double size) {
@@ -166,8 +192,9 @@ void Pen::set_layout(const Runs& runs, const TextLook& look, double width) {
   std::string all;
   PangoAttrList* attributes = pango_attr_list_new();
   for (const Run& run : runs) {
-    insert_look(attributes, run, look.size, all.size());
-    all += run.text;
+    const size_t begin = all.size();
+    append_with_breaks(all, run.text);
+    insert_look(attributes, run, look.size, begin, all.size());
   }
   PangoFontDescription* font = font_of(look.size);
   pango_layout_set_font_description(layout_, font);
