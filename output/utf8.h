@@ -63,6 +63,11 @@ class Characters {
 /// Appends a character; it must be one.
 void append(std::string& out, char32_t code);
 
+/// Whether Unicode keeps this code from ever being a character (U+FDD0, U+FFFE, U+1FFFE, ...).
+constexpr bool is_noncharacter(char32_t code) {
+  return (code >= 0xFDD0 && code <= 0xFDEF) || (code & 0xFFFE) == 0xFFFE;
+}
+
 /// Whether XML 1.0 has this character.
 bool is_xml_character(char32_t code);
 

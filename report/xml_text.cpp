@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "output/utf8.h"
+
 namespace hierfit::report {
 namespace {
 
@@ -26,12 +28,21 @@ constexpr std::array<std::string_view, 256> kEscapes = [] {
 }  // namespace
 
 void append_escaped(std::string& out, std::string_view text) {
+  constexpr unsigned char kFirstOfNoncharacters = 0xEF;  // of their bytes, the lowest
   size_t begin = 0;
-  for (size_t at = 0; at < text.size(); ++at) {
-    const std::string_view escape = kEscapes[static_cast<unsigned char>(text[at])];
+  for (size_t at = 0; at < text.size();) {
+    const auto byte = static_cast<unsigned char>(text[at]);
+    std::string_view escape = kEscapes[byte];
+    size_t length = 1;
+    if (byte >= kFirstOfNoncharacters) {
+      const utf8::Character character = utf8::first_character(text.substr(at));
+      length = character.bytes.size();
+      if (character.valid && utf8::is_noncharacter(character.code)) escape = kReplacement;
+    }
+    at += length;
     if (escape.empty()) continue;
-    out.append(text, begin, at - begin).append(escape);
-    begin = at + 1;
+    out.append(text, begin, at - length - begin).append(escape);
+    begin = at;
   }
   out.append(text, begin);
 }

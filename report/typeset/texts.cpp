@@ -14,10 +14,11 @@ namespace {
 
 constexpr std::string_view kTrueMinus = "\u2212";
 
-/// Whether files of markup take the character: those of XML, less the controls of Latin-1.
+/// Whether files of markup and the libraries that draw take the character: those of XML, less the
+/// controls of Latin-1 and what is never a character.
 bool is_plain(char32_t code) {
   if (code < 0x20) return code == '\n';
-  return code < 0x7F || (code >= 0xA0 && code != 0xFFFE && code != 0xFFFF);
+  return code < 0x7F || (code >= 0xA0 && !utf8::is_noncharacter(code));
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The workbook form: a sheet of contents, and one for each table and chart.
 #include <algorithm>
 
+#include "output/utf8.h"
 #include "report/chart/figure.h"
 #include "report/picture/picture.h"
 #include "report/report.h"
@@ -25,6 +26,24 @@ constexpr size_t kManySheets = 200;
 constexpr double kPictureScale = 2;
 
 constexpr char kContentsLink[] = "internal:'";
+
+/// The library cuts a picture's text where its bytes end, be that inside a character.
+constexpr size_t kMostAttributeBytes = 2000;  // as markup
+
+/// As much of a picture's text as goes into a workbook, with an ellipsis when that is not all.
+std::string alternative_text(std::string text) {
+  constexpr size_t kLongestEscape = 6;
+  size_t bytes = 0;
+  for (const utf8::Character& each : utf8::Characters(text)) {
+    const bool is_markup = std::string_view("&<>\"\n").find(each.bytes) != std::string_view::npos;
+    bytes += is_markup ? kLongestEscape : each.bytes.size();
+    if (bytes <= kMostAttributeBytes) continue;
+    text.resize(static_cast<size_t>(each.bytes.data() - text.data()));
+    text += "\u2026";
+    break;
+  }
+  return text;
+}
 
 class Report {
  public:
@@ -152,7 +171,7 @@ class Report {
     const std::string svg = figure.svg({.width = options_.chart_width});
     const Grid under = fix_grid(sheet, size_of_svg(svg));
     const std::string png = png_of_svg(svg, kPictureScale);
-    std::string description = clean(figure.description());
+    std::string description = alternative_text(clean(figure.description()));
     lxw_image_options place = {};
     place.description = description.data();
     place.object_position = LXW_OBJECT_MOVE_DONT_SIZE;
