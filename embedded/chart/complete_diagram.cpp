@@ -113,12 +113,25 @@ void drop_curve(const Work& work) {
   }
 }
 
+/// Labels of the target's categories in the histogram that a diagram carries inside.
+void label_histogram(const Work& work) {
+  for (ChartSource& source : work.chart.sources) {
+    ChartVariable* values = by_role(&source, "X");
+    const Variable* target =
+        values == nullptr ? nullptr : work.background.dictionary.find(values->label);
+    if (target == nullptr) continue;
+    for (const auto& [value, label] : target->GetValueLabels()->by_number)
+      values->number_labels.emplace(value, output::plain_text(label));
+  }
+}
+
 }  // namespace
 
 void complete_diagram(const Work& work) {
   if (work.graph() == nullptr) return;
   set_scale(work);
   if (work.background.of_trials) drop_curve(work);
+  label_histogram(work);
   ChartSource* points = source_of(work.chart, kNodes);
   ChartSource* edges = source_of(work.chart, kEdges);
   ChartVariable* nodes = by_role(points, "Nodes");

@@ -1,8 +1,10 @@
 #include "report/chart/axes.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
+#include <utility>
 
 namespace hierfit::report::chart {
 namespace {
@@ -10,7 +12,8 @@ namespace {
 constexpr double kGap = 8;       ///< between names
 constexpr double kTightGap = 4;  ///< between names that would have to turn else
 constexpr size_t kMostLabelLines = 3;
-constexpr double kLongestTurned = 130;
+constexpr double kLongestTurned = 130;                      ///< names at half a right angle
+constexpr std::array<double, 2> kLongestUpright{170, 240};  ///< the longer for those cut alike else
 constexpr double kSlantedBand = 24;  ///< the narrowest for names at half a right angle
 constexpr double kNearZero = 0.2;    ///< a share of the range
 constexpr double kSlope = 0.70710678;
@@ -107,6 +110,32 @@ std::optional<double> place_on(const HorizontalAxis& axis, const ChartVariable& 
   return shown ? std::optional(value) : std::nullopt;
 }
 
+/// Turns the names. False when two of them would be cut to the same text.
+bool turn(TickLabels& labels, const Font& font, double degrees, double room) {
+  std::vector<std::string> names;
+  for (const TickLabel& label : labels.labels)
+    names.push_back(label.text);
+  if (are_cut_alike(names, [&](const std::string& name) { return fit_line(name, font, room); })) {
+    return false;
+  }
+  labels.turn = degrees;
+  labels.room = room;
+  const double length = std::min(longest(labels, font), room);
+  labels.height = degrees == -90 ? length + 4 : length * kSlope + font.size;
+  return true;
+}
+
+/// Numbers in place of the names.
+TickLabels numbered(TickLabels labels, const Font& font, double band, size_t every) {
+  for (size_t i = 0; i < labels.labels.size(); ++i) {
+    std::string number = std::to_string(i * every + 1);
+    labels.keys.push_back(std::exchange(labels.labels[i].text, std::move(number)));
+  }
+  labels.turn = 0;
+  if (every > 1 || !upright_labels(labels, font, band)) turn(labels, font, -90, kLongestTurned);
+  return labels;
+}
+
 }  // namespace
 
 HorizontalAxis horizontal_axis(const Binding& binding) {
@@ -174,14 +203,13 @@ TickLabels category_labels(
     if (every == 1 && upright_labels(labels, font, band - gap)) return labels;
   }
   labels.lines = 1;
-  const bool slanted = band >= kSlantedBand;
-  labels.turn = slanted ? -45 : -90;
-  labels.room = kLongestTurned;
   // A slanted name runs down to the left; the first must not run out of the picture.
-  if (slanted) labels.room = std::clamp((lead + band / 2) / kSlope, 40.0, kLongestTurned);
-  const double length = std::min(longest(labels, font), labels.room);
-  labels.height = slanted ? length * kSlope + font.size : length + 4;
-  return labels;
+  const double slanted = std::clamp((lead + band / 2) / kSlope, 40.0, kLongestTurned);
+  if (band >= kSlantedBand && turn(labels, font, -45, slanted)) return labels;
+  for (const double room : kLongestUpright) {
+    if (turn(labels, font, -90, room)) return labels;
+  }
+  return numbered(std::move(labels), font, band, every);
 }
 
 std::vector<TickLabel> number_labels(const Binding& binding,

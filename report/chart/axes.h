@@ -44,10 +44,12 @@ struct TickLabels {
   double room = 0;  ///< length of the longest that is let stand, or width of a line
   size_t lines = 1;
   double height = 0;
+  std::vector<std::string> keys;  ///< the names by number, where there is room for numbers alone
 };
 
 /// Names of the first `count` categories in bands of `band` pixels: in lines, else turned, else
-/// every n-th; `lead` is the room ahead of the axis.
+/// every n-th; `lead` is the room ahead of the axis. Where names cut to their room would look the
+/// same they have more of it, and in the end numbers stand for them.
 TickLabels category_labels(
     const HorizontalAxis& axis, size_t count, const Font& font, double band, double lead);
 

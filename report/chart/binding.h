@@ -45,6 +45,10 @@ struct Binding {
   /// The symbol of a row, by its shape, else by its colour.
   Symbol symbol_of(const BoundElement& element, size_t row) const;
   Symbol symbol_of_step(uint32_t step) const;
+  /// The dashes of the whiskers of a colour: whole lines, but for the second time round the palette
+  /// and so on. With the symbol they tell it from all others without its colour.
+  std::string_view dash_of_step(uint32_t step) const;
+  std::string_view dash_of(const BoundElement& element, size_t row) const;
   Symbol symbol_of_shape(uint32_t shape) const;
   std::string tooltip_of(const BoundElement& element, MarkRows rows) const;
   /// What tells the panel of a row from the others; empty for a row that is in all of them.

@@ -26,6 +26,16 @@ Symbol Binding::symbol_of_step(uint32_t step) const {
   return plan.style.series({palette, static_cast<uint8_t>(turned % steps)}).symbol;
 }
 
+std::string_view Binding::dash_of_step(uint32_t step) const {
+  constexpr std::array<std::string_view, 4> kDashes = {"", "4 2", "1.5 1.5", "7 2 1.5 2"};
+  return kDashes[step / plan.style.steps(colors.role->palette) % kDashes.size()];
+}
+
+std::string_view Binding::dash_of(const BoundElement& element, size_t row) const {
+  const uint32_t step = colors.of(element, RoleKind::Color, row);
+  return step == ValueIndex::kNone ? std::string_view() : dash_of_step(step);
+}
+
 Symbol Binding::symbol_of_shape(uint32_t shape) const {
   const std::vector<Level>& levels = shapes.role->levels;
   if (shape < levels.size() && levels[shape].symbol) return *levels[shape].symbol;

@@ -1,6 +1,7 @@
 // Nodes on a circle and the edges between them.
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <numbers>
 
 #include "report/chart/circle.h"
@@ -89,7 +90,7 @@ class Circles {
     joined_ = edges > kMostEdges;
   }
 
-  Piece draw(double width) const {
+  Piece draw(double width) {
     const size_t count = circles_.size();
     const double fitting = std::floor((width + kPanelGap) / (kNarrowestPanel + kPanelGap));
     const size_t columns =
@@ -111,11 +112,14 @@ class Circles {
       }
       y += height + kPanelGap;
     }
+    piece.legend.keys.resize(numbers_.size());
+    for (const auto& [label, number] : numbers_)
+      piece.legend.keys[number - 1] = label;
     return piece;
   }
 
  private:
-  Piece draw_panel(size_t index, double width) const {
+  Piece draw_panel(size_t index, double width) {
     const Circle& circle = circles_[index];
     Piece piece;
     piece.width = width;
@@ -126,8 +130,11 @@ class Circles {
     if (nodes.size() > kMostUpright || !upright_labels(labels, nodes, width / 2 - radius)) {
       radius = turned_radius(nodes.size(), width);
       nodes = placed(circle, radius);
-      labels =
-          turned_labels(nodes, std::clamp(width / 2 - radius - 20, 50.0, kLongestTurned), radius);
+      const double room = std::clamp(width / 2 - radius - 20, 50.0, kLongestTurned);
+      number_labels(nodes, room);
+      labels = turned_labels(nodes, room, radius);
+      std::vector<Mark> numbers;
+      if (!numbers_.empty() && upright_labels(numbers, nodes, room)) labels = std::move(numbers);
     }
     std::vector<Mark> marks = draw_edges(circle, nodes);
     draw_nodes(marks, nodes);
@@ -138,10 +145,11 @@ class Circles {
 
   double draw_titles(Piece& piece, size_t index, double width) const {
     const Font& font = binding_.font(Lettering::FacetTitle);
+    const size_t lines = lines_of_titles(binding_, width);
     double y = 0;
     for (const std::string& title : binding_.panels[index].titles) {
       if (title.empty()) continue;
-      y = put_lines(piece.marks, fit_text(title, font, width, 2), width / 2, y, font,
+      y = put_lines(piece.marks, fit_text(title, font, width, lines), width / 2, y, font,
                     Anchor::Middle, title);
     }
     return y == 0 ? 0 : y + 8;
@@ -169,6 +177,23 @@ class Circles {
     piece.height = top + low - high + 4;
   }
 
+  /// Numbers stand for labels that would be cut to the same text.
+  void number_labels(const Nodes& nodes, double room) {
+    std::vector<std::string> labels;
+    for (const PlacedNode& node : nodes)
+      labels.push_back(label_of_node(node.of));
+    const auto shown = [&](const std::string& label) { return fit_line(label, font_, room); };
+    if (!are_cut_alike(labels, shown)) return;
+    for (const std::string& label : labels)
+      numbers_.try_emplace(label, numbers_.size() + 1);
+  }
+
+  std::string name_of(const PlacedNode& node) const {
+    std::string label = label_of_node(node.of);
+    const auto number = numbers_.find(label);
+    return number == numbers_.end() ? label : std::to_string(number->second);
+  }
+
   std::string label_of_node(const ElementRow& node) const {
     const ChartVariable* label = (*node.element)[RoleKind::Label];
     if (label == nullptr) return {};
@@ -178,8 +203,14 @@ class Circles {
   /// Labels beside their nodes in lines. False when two of them would touch.
   bool upright_labels(std::vector<Mark>& labels, const Nodes& nodes, double half) const {
     std::vector<Box> boxes;
+    std::map<std::string, std::string> shown;
     for (const PlacedNode& node : nodes) {
       std::vector<Mark> lines = upright_label(node, half);
+      std::string text;
+      for (const Mark& line : lines)
+        (text += line.text) += '\n';
+      const std::string label = name_of(node);
+      if (shown.try_emplace(std::move(text), label).first->second != label) return false;
       Box box = box_of(group_mark("", lines));
       for (const Box& other : boxes) {
         if (overlap(box, other)) return false;
@@ -198,7 +229,7 @@ class Circles {
     const bool middle = std::fabs(side) < 0.2;
     const double away = kNodeRadius + kLabelGap;
     const double room = std::max(middle ? half : half - away - 4, 40.0);
-    const std::string text = label_of_node(node.of);
+    const std::string text = name_of(node);
     const bool whole_words = widest_word(text, font_) <= room;
     const TextLines lines = fit_text(text, font_, room, whole_words ? kMostLabelLines : 1);
     const double height = static_cast<double>(lines.lines.size()) * font_.line_height();
@@ -252,7 +283,7 @@ class Circles {
     const double turn = (right ? degrees : degrees + 180) * std::numbers::pi / 180;
     const Point at{node.at.x * away - down * std::sin(turn),
                    node.at.y * away + down * std::cos(turn)};
-    const std::string text = label_of_node(node.of);
+    const std::string text = name_of(node);
     bool cut = false;
     Mark mark = text_mark(at, fit_line(text, font_, room, &cut), font_,
                           right ? Anchor::Start : Anchor::End);
@@ -309,7 +340,8 @@ class Circles {
   const Binding& binding_;
   const Font& font_;
   const std::vector<Circle>& circles_;
-  bool joined_ = false;  ///< the edges of a colour are one mark
+  std::map<std::string, size_t> numbers_;  ///< of labels, where there are
+  bool joined_ = false;                    ///< the edges of a colour are one mark
 };
 
 }  // namespace

@@ -69,7 +69,7 @@ class HistogramDrawing {
     const Bins bins = bins_of(tally_, histogram_, std::floor(box_.width / 2));
     double top = *std::ranges::max_element(bins.heights);
     for (const double height : bins.curve)
-      top = std::max(top, height);
+      top = std::max(top, std::min(height, bins.highest));
     draw_bin_bars(bins, top);
     draw_curve(bins.curve, top);
     draw_range_labels(bins.range);
@@ -81,19 +81,26 @@ class HistogramDrawing {
       const double height = bins.heights[i];
       if (height <= 0) continue;
       draw_bar(box_.x + static_cast<double>(i) * step, step - std::min(1.0, step / 4), height / top,
-               shown(bins.edge(i)) + " \u2013 " + shown(bins.edge(i) + bins.width()), height);
+               shown(bins.values_of(i)), height);
     }
   }
 
+  /// What lies above the picture is left out; the line runs to its upper side.
   void draw_curve(const std::vector<double>& curve, double top) {
-    if (curve.empty()) return;
     std::vector<Point> points;
+    const auto put = [&](double step, double height) {
+      const double along = step / static_cast<double>(curve.size() - 1);
+      points.push_back({box_.x + box_.width * along, box_.bottom() - height / top * box_.height});
+    };
     for (size_t i = 0; i < curve.size(); ++i) {
-      const double share = std::clamp(curve[i] / top, 0.0, 1.0);
-      const double along = static_cast<double>(i) / static_cast<double>(curve.size() - 1);
-      points.push_back({box_.x + box_.width * along, box_.bottom() - share * box_.height});
+      const auto step = static_cast<double>(i);
+      if (i > 0 && (curve[i] > top) != (curve[i - 1] > top)) {
+        put(step - (curve[i] - top) / (curve[i] - curve[i - 1]), top);
+        if (curve[i] > top) points.push_back(kBreak);
+      }
+      if (curve[i] <= top) put(step, std::max(curve[i], 0.0));
     }
-    marks_.push_back(path_mark(std::move(points), {Part::Curve}, 2));
+    if (!points.empty()) marks_.push_back(path_mark(std::move(points), {Part::Curve}, 2));
   }
 
   void draw_range_labels(const Range& range) {
@@ -106,6 +113,12 @@ class HistogramDrawing {
       put_label(std::clamp(x, box_.x - 4 + half, std::max(box_.right() + 4 - half, box_.x)),
                 label.text, "");
     }
+  }
+
+  /// "3", or "3 – 5".
+  std::string shown(const Range& values) const {
+    if (values.low == values.high) return shown(values.low);
+    return shown(values.low) + " \u2013 " + shown(values.high);
   }
 
   std::string shown(double value) const {

@@ -34,9 +34,11 @@ Span span_of(const PanelFrame& frame, const BoundElement& element, MarkRows rows
 Mark whisker(const PanelFrame& frame, const BoundElement& element, size_t row, const Span& span) {
   const auto [x, from, to] = span;
   const double cap = std::clamp(frame.slots.slot * 0.3, 1.0, 7.0);
-  return path_mark(
+  Mark mark = path_mark(
       {{x - cap, from}, {x + cap, from}, {x, from}, {x, to}, {x - cap, to}, {x + cap, to}},
       frame.binding.paint_of(element, row), std::clamp(frame.slots.slot * 0.3, 0.75, 1.75));
+  mark.dash = frame.binding.dash_of(element, row);
+  return mark;
 }
 
 Mark bar(const PanelFrame& frame, const BoundElement& element, size_t row, const Span& span) {

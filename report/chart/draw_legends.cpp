@@ -15,6 +15,7 @@ constexpr double kEntryGap = 18;
 constexpr double kSampleGap = 6;
 constexpr double kRowHeight = 19;
 constexpr size_t kMostEntries = 60;
+constexpr size_t kMostEntryLines = 8;
 
 /// A legend's entry: what it looks like, drawn around the middle of a row, and what it means.
 struct Entry {
@@ -60,7 +61,14 @@ Entry color_entry(const Binding& binding, uint32_t step, const std::string& text
     return {line_sample(paint, plain ? 1 : 2.5, dash), 28, text};
   }
   if (has_bars(binding)) return {bar_sample(paint, dash, binding.symbol_of_step(step)), 20, text};
-  return {{symbol_mark({6, 0}, 4.5, binding.symbol_of_step(step), paint)}, 12, text};
+  Entry entry{{symbol_mark({6, 0}, 4.5, binding.symbol_of_step(step), paint)}, 12, text};
+  const bool dashed = binding.colors.values.size() > binding.plan.style.steps(palette);
+  if (dashed && has_kind(binding, RoleKind::Color, ElementKind::Interval)) {
+    Mark whisker = rule_mark({6, -9}, {6, 9}, paint, 1.75);
+    whisker.dash = binding.dash_of_step(step);
+    entry.sample.insert(entry.sample.begin(), std::move(whisker));
+  }
+  return entry;
 }
 
 std::vector<Entry> color_entries(const Binding& binding, const LegendFacts& facts) {
@@ -95,31 +103,12 @@ const ChartVariable* variable_of(const Binding& binding, RoleKind kind) {
   return nullptr;
 }
 
-/// The numbers to explain: those with labels that occur, from the greatest; else a few of the
-/// range.
-std::vector<double> values_to_show(const ChartVariable& variable) {
-  Range range;
-  std::set<double, std::greater<>> labelled;
-  for (const double value : variable.values.numbers()) {
-    if (!is_number(value)) continue;
-    range.add(value);
-    if (labelled.size() < kMostEntries && variable.label_of(value) != nullptr)
-      labelled.insert(value);
-  }
-  std::vector<double> values(labelled.begin(), labelled.end());
-  if (!values.empty() || range.empty) return values;
-  if (range.low == range.high) return {range.low};
-  values = ticks_of(range, 5).values;
-  if (values.size() < 2) values = {range.low, range.high};
-  return values;
-}
-
 std::vector<Entry> size_entries(const Binding& binding, const LegendFacts& /*facts*/) {
   std::vector<Entry> entries;
   const ChartVariable* variable = variable_of(binding, RoleKind::Size);
   if (variable == nullptr) return entries;
   const LineWidths widths(binding);
-  for (const double value : values_to_show(*variable)) {
+  for (const double value : legend_values(*variable)) {
     const std::string range = shown_number(*variable, value, binding.numbers);
     const bool has_label = variable->label_of(value) != nullptr;
     entries.push_back({line_sample({Part::Text}, widths.of(value), ""), 28,
@@ -168,7 +157,7 @@ std::vector<Entry> opacity_entries(const Binding& binding, const LegendFacts& fa
   if (facts.densest > 0) return raster_entries(binding, *variable, facts.densest);
   std::vector<Entry> entries;
   const Opacity opacity(binding);
-  for (const double value : values_to_show(*variable)) {
+  for (const double value : legend_values(*variable)) {
     Mark mark = circle_mark({6, 0}, 5, {Part::Mark});
     mark.opacity = opacity.of(value);
     mark.stroke = {Part::Mark};
@@ -214,24 +203,28 @@ class Flow {
     x_ = text_width(line, title_font_) + kEntryGap;
   }
 
+  /// What does not fit into a line has several of its own.
   void entry(Entry&& entry) {
-    bool cut = false;
     const double gap = entry.sample.empty() ? 0 : kSampleGap;
-    const std::string line =
-        fit_line(entry.text, font_, std::max(width_ - entry.width - gap - 4, 40.0), &cut);
-    const double width = entry.width + gap + text_width(line, font_);
+    const double room = std::max(width_ - entry.width - gap - 4, 40.0);
+    const TextLines lines = fit_text(entry.text, font_, room, kMostEntryLines);
+    const double width = entry.width + gap + lines.width(font_);
     if (x_ > 0 && x_ + width > width_) next_row();
     for (Mark& mark : entry.sample) {
       shift(mark, x_, y_ + kRowHeight / 2);
       piece_.marks.push_back(std::move(mark));
     }
-    Mark text = text_mark({x_ + entry.width + gap, baseline(font_)}, line, font_);
-    if (cut) text.tooltip = entry.text;
-    piece_.marks.push_back(std::move(text));
+    const double left = x_ + entry.width + gap;
+    put_lines(piece_.marks, lines, left, baseline(font_) - font_.size, font_, Anchor::Start,
+              entry.text);
     x_ += width + kEntryGap;
+    if (lines.lines.size() < 2) return;
+    y_ += static_cast<double>(lines.lines.size() - 1) * font_.line_height();
+    next_row();
   }
 
   void next_row() {
+    if (x_ == 0) return;
     x_ = 0;
     y_ += kRowHeight;
   }
@@ -261,6 +254,25 @@ std::string title_of(const Legend& legend, const Binding& binding) {
 
 }  // namespace
 
+std::vector<double> legend_values(const ChartVariable& variable) {
+  Range range;
+  bool whole = true;
+  std::set<double, std::greater<>> labelled;
+  for (const double value : variable.values.numbers()) {
+    if (!is_number(value)) continue;
+    range.add(value);
+    whole = whole && value == std::floor(value);
+    if (labelled.size() < kMostEntries && variable.label_of(value) != nullptr)
+      labelled.insert(value);
+  }
+  if (!labelled.empty()) return {labelled.begin(), labelled.end()};
+  if (range.empty || range.low == range.high) return {};
+  std::vector<double> values = ticks_of(range, 5).values;
+  if (whole) std::erase_if(values, [](double value) { return value != std::floor(value); });
+  if (values.size() < 2) values = {range.low, range.high};
+  return values;
+}
+
 Piece draw_legends(const Binding& binding, const LegendFacts& facts, double width) {
   Flow flow(binding, width);
   for (const Legend& legend : binding.graph.legends) {
@@ -276,6 +288,11 @@ Piece draw_legends(const Binding& binding, const LegendFacts& facts, double widt
     }
     flow.next_row();
   }
+  if (facts.keys.empty()) return flow.take();
+  flow.title(facts.keys_title);
+  for (size_t i = 0; i < facts.keys.size(); ++i)
+    flow.entry({{}, 0, std::to_string(i + 1) + "\u2002" + facts.keys[i]});
+  flow.next_row();
   return flow.take();
 }
 

@@ -18,7 +18,8 @@ constexpr double kLongestLabel = 250;
 constexpr double kShortestLabel = 80;
 constexpr double kClearance = 70;  ///< wished for between the nodes and the box of the target
 constexpr double kTallest = 30000;
-constexpr size_t kMostLabelLines = 2;
+constexpr size_t kUsualLabelLines = 2;
+constexpr size_t kMostLabelLines = 6;  ///< of labels that would be cut alike else
 constexpr size_t kMostNodes = 100;
 
 using Place = std::pair<double, double>;
@@ -179,12 +180,25 @@ class Network {
     return std::isfinite(scale) ? scale : 1;
   }
 
+  TextLines lines_of(const std::string& label) const {
+    return fit_text(label, font_, label_room_, label_lines_);
+  }
+
+  void find_label_lines() {
+    std::vector<std::string> labels;
+    for (const PlacedNode& node : nodes_)
+      labels.push_back(node.label);
+    const auto shown = [&](const std::string& label) { return joined(lines_of(label)); };
+    while (label_lines_ < kMostLabelLines && are_cut_alike(labels, shown))
+      ++label_lines_;
+  }
+
   void find_heights() {
+    find_label_lines();
     size_t lines = 1;
     for (const PlacedNode& node : nodes_) {
       if (!node.boxed) {
-        lines =
-            std::max(lines, fit_text(node.label, font_, label_room_, kMostLabelLines).lines.size());
+        lines = std::max(lines, lines_of(node.label).lines.size());
       }
     }
     line_room_ = static_cast<double>(lines) * font_.line_height();
@@ -250,7 +264,7 @@ class Network {
   /// Labels that would touch the one above are left out: the nodes are too many for them all.
   void draw_label(const PlacedNode& node, Point at) {
     const double left = at.x - kNodeRadius - kLabelGap;
-    const TextLines lines = fit_text(node.label, font_, label_room_, kMostLabelLines);
+    const TextLines lines = lines_of(node.label);
     const double height = static_cast<double>(lines.lines.size()) * font_.line_height();
     if (unit_ < font_.line_height() && at.y - last_label_ < height && at.y >= last_label_) return;
     last_label_ = at.y;
@@ -295,6 +309,7 @@ class Network {
   double unit_ = 1;   ///< pixels per unit along y
   double top_ = 0;    ///< the pixel of the greatest y
   double label_room_ = 0;
+  size_t label_lines_ = kUsualLabelLines;
   double line_room_ = 0;
   double last_label_ = -HUGE_VAL;
 };

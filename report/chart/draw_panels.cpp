@@ -25,6 +25,8 @@ class Panels {
     piece_.width = frame_.grid.width;
     piece_.notes = frame_.limits.notes;
     piece_.legend.colors = frame_.limits.colors;
+    piece_.legend.keys = frame_.x_labels.keys;
+    piece_.legend.keys_title = frame_.x.title;
     rasters_ = count_points(frame_);
     for (const DensityRaster& raster : rasters_)
       piece_.legend.densest = std::max(piece_.legend.densest, raster.most());

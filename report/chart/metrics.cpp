@@ -128,6 +128,13 @@ TextLines fit_text(std::string_view text, const Font& font, double width, size_t
   return fitted;
 }
 
+std::string joined(const TextLines& lines) {
+  std::string text;
+  for (const std::string& line : lines.lines)
+    (text += line) += '\n';
+  return text;
+}
+
 double widest_word(std::string_view text, const Font& font) {
   text = utf8::first_bytes(text, kMostBytes);
   double widest = 0;

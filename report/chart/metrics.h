@@ -1,6 +1,7 @@
 // Text measured and broken into lines by the widths of a real font, the same on every machine.
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,6 +36,20 @@ TextLines fit_text(std::string_view text, const Font& font, double width, size_t
 
 /// The same in one line; line feeds count as blanks.
 std::string fit_line(std::string_view text, const Font& font, double width, bool* cut = nullptr);
+
+/// Whether two different texts look the same once `fit` has cut them.
+template <class Texts, class Fit>
+bool are_cut_alike(const Texts& texts, Fit fit) {
+  std::map<std::string, std::string_view> whole;
+  for (const std::string& text : texts) {
+    const auto [found, is_new] = whole.try_emplace(fit(text), text);
+    if (!is_new && found->second != text) return true;
+  }
+  return false;
+}
+
+/// The lines of a text as one, to be compared.
+std::string joined(const TextLines& lines);
 
 /// The width of the widest word, for deciding whether a text can be broken at blanks alone.
 double widest_word(std::string_view text, const Font& font);

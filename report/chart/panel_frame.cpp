@@ -55,10 +55,13 @@ LinearScale scale_along_y(const VerticalAxis& y, const Grid& grid) {
   return {y.range, grid.panel.height - kInset, kInset};
 }
 
-std::vector<TextLines> fitted_titles(const Panel& panel, const Font& font, double width) {
+std::vector<TextLines> fitted_titles(const Panel& panel,
+                                     const Font& font,
+                                     double width,
+                                     size_t most_lines) {
   std::vector<TextLines> titles;
   for (const std::string& title : panel.titles) {
-    if (!title.empty()) titles.push_back(fit_text(title, font, width, 2));
+    if (!title.empty()) titles.push_back(fit_text(title, font, width, most_lines));
   }
   return titles;
 }
@@ -66,10 +69,11 @@ std::vector<TextLines> fitted_titles(const Panel& panel, const Font& font, doubl
 /// The lines of the highest title.
 size_t title_lines(const Binding& binding, const Grid& grid) {
   size_t most = 0;
+  const size_t limit = lines_of_titles(binding, grid.panel.width);
   for (const Panel& panel : binding.panels) {
     size_t lines = 0;
     for (const TextLines& title :
-         fitted_titles(panel, binding.font(Lettering::FacetTitle), grid.panel.width))
+         fitted_titles(panel, binding.font(Lettering::FacetTitle), grid.panel.width, limit))
       lines += title.lines.size();
     most = std::max(most, lines);
   }
@@ -315,7 +319,8 @@ double PanelFrame::title_height() const {
 }
 
 std::vector<TextLines> PanelFrame::titles_of(const Panel& of) const {
-  return fitted_titles(of, font(Lettering::FacetTitle), grid.panel.width);
+  return fitted_titles(of, font(Lettering::FacetTitle), grid.panel.width,
+                       std::max<size_t>(title_lines, 1));
 }
 
 uint32_t PanelFrame::column_of(uint32_t index) const {

@@ -63,6 +63,22 @@ double put_lines(std::vector<Mark>& marks,
   return y;
 }
 
+size_t lines_of_titles(const Binding& binding, double width) {
+  constexpr size_t kUsual = 2;
+  constexpr size_t kMost = 6;
+  const Font& font = binding.font(Lettering::FacetTitle);
+  std::vector<std::string> titles;
+  for (const Panel& panel : binding.panels)
+    titles.insert(titles.end(), panel.titles.begin(), panel.titles.end());
+  size_t lines = kUsual;
+  const auto shown = [&](const std::string& title) {
+    return joined(fit_text(title, font, width, lines));
+  };
+  while (lines < kMost && are_cut_alike(titles, shown))
+    ++lines;
+  return lines;
+}
+
 Opacity::Opacity(const Binding& binding) {
   const Range range = range_of(binding, RoleKind::Transparency);
   low = range.low;

@@ -13,8 +13,10 @@ namespace hierfit::report::chart {
 
 /// What a graph's legends have to know of how it was drawn.
 struct LegendFacts {
-  double densest = 0;        ///< the sum of weights that a density raster shows strongest
-  size_t colors = SIZE_MAX;  ///< colours that are shown
+  double densest = 0;             ///< the sum of weights that a density raster shows strongest
+  size_t colors = SIZE_MAX;       ///< colours that are shown
+  std::string keys_title;         ///< what the keys are categories of
+  std::vector<std::string> keys;  ///< what numbers stand for, from 1
 };
 
 /// Marks and the room that they take.
@@ -42,8 +44,16 @@ Piece draw_circles(const Binding& binding, double width);
 /// Nodes and edges where the data put them, with labels.
 Piece draw_network(const Binding& binding, double width);
 
+/// The lines that the titles of panels take at most in this width: as many as tell each from the
+/// others.
+size_t lines_of_titles(const Binding& binding, double width);
+
 /// What the colours, symbols, widths and transparencies mean.
 Piece draw_legends(const Binding& binding, const LegendFacts& facts, double width);
+
+/// The numbers of a variable that a legend explains: those with labels that occur, from the
+/// greatest; else a few of the range, whole ones of whole numbers. None where all are the same.
+std::vector<double> legend_values(const ChartVariable& variable);
 
 /// Whether an element has a histogram inside, and values for it.
 bool has_histogram(const Binding& binding, const Element& element);

@@ -14,13 +14,16 @@ constexpr int kOrdinal = 2;
 
 constexpr int kCurveSteps = 96;
 constexpr double kCurveRoom = 1.25;  ///< how far above the highest bin a curve may rise
+constexpr double kTooHigh = 1e3;     ///< times the highest bin
+constexpr size_t kFewestValues = 3;  ///< of a distribution that is worth a curve
 
-/// The heights of the curve over bins that cover `area`, at most `highest`.
+/// The heights of the curve over these bins.
 std::vector<double> curve_of(const Tally& tally,
                              const Histogram& histogram,
+                             const Range& range,
                              double area,
-                             double highest) {
-  if (!histogram.curve) return {};
+                             double too_high) {
+  if (!histogram.curve || tally.weights.size() < kFewestValues) return {};
   double mean = 0;
   for (const auto& [value, weight] : tally.weights)
     mean += value * (weight / tally.total);
@@ -30,13 +33,20 @@ std::vector<double> curve_of(const Tally& tally,
   const auto density =
       density_of(*histogram.curve, mean, std::sqrt(squares / std::max(tally.total - 1, 1.0)));
   if (!density) return {};
-  const Range range = tally.range.proper();
   std::vector<double> curve;
   for (int i = 0; i <= kCurveSteps; ++i) {
     const double height = density(range.low + (range.high - range.low) * i / kCurveSteps) * area;
-    curve.push_back(std::isnan(height) ? 0 : std::min(height, highest));
+    curve.push_back(std::isnan(height) ? 0 : std::min(height, too_high));
   }
   return curve;
+}
+
+/// Whether all values are whole numbers that can be counted one by one.
+bool are_whole(const Tally& tally) {
+  constexpr double kMostWhole = 1e9;
+  return tally.range.high - tally.range.low < kMostWhole &&
+         std::ranges::all_of(tally.weights,
+                             [](const auto& each) { return each.first == std::floor(each.first); });
 }
 
 }  // namespace
@@ -61,11 +71,24 @@ Tally tally(const Embedded& embedded, const output::Chart& chart) {
   return counted;
 }
 
+Range Bins::values_of(size_t bin) const {
+  const double low = edge(bin);
+  return whole ? Range{low + 0.5, low + width() - 0.5, false} : Range{low, low + width(), false};
+}
+
 Bins bins_of(const Tally& tally, const Histogram& histogram, double most) {
   Bins bins{.range = tally.range.proper(), .heights = {}, .curve = {}};
   const double wanted =
       histogram.bins > 0 ? static_cast<double>(histogram.bins) : std::ceil(std::sqrt(tally.rows));
-  const double count = std::clamp(wanted, 1.0, std::clamp(most, 1.0, kMostBins));
+  double count = std::clamp(wanted, 1.0, std::clamp(most, 1.0, kMostBins));
+  bins.whole = are_whole(tally);
+  if (bins.whole) {
+    const double numbers = tally.range.high - tally.range.low + 1;
+    const double width = std::ceil(numbers / count);
+    count = std::ceil(numbers / width);
+    const double low = tally.range.low - 0.5;
+    bins.range = {low, low + count * width, false};
+  }
   bins.heights.resize(static_cast<size_t>(count));
   for (const auto& [value, weight] : tally.weights) {
     // A value at an edge, reckoned with rounding, belongs to the bin above.
@@ -73,7 +96,9 @@ Bins bins_of(const Tally& tally, const Histogram& histogram, double most) {
     bins.heights[static_cast<size_t>(std::clamp(place, 0.0, count - 1))] += weight;
   }
   const double highest = *std::ranges::max_element(bins.heights);
-  bins.curve = curve_of(tally, histogram, tally.total * bins.width(), kCurveRoom * highest);
+  bins.highest = kCurveRoom * highest;
+  bins.curve =
+      curve_of(tally, histogram, bins.range, tally.total * bins.width(), kTooHigh * highest);
   return bins;
 }
 

@@ -24,17 +24,22 @@ Tally tally(const Embedded& embedded, const output::Chart& chart);
 
 inline constexpr double kMostBins = 60;
 
-/// Bins of equal width over the proper range of a tally, and the curve above them.
+/// Bins of equal width over the values of a tally, and the curve above them. Whole numbers have
+/// bins that begin and end halfway between two of them, so that each holds as many as any other.
 struct Bins {
   Range range;
+  bool whole = false;           ///< bins of whole numbers
   std::vector<double> heights;  ///< the weights in each
-  /// Heights at equal steps from the one end of the range to the other, cut where the curve rises
-  /// far above the highest bin; empty for a histogram without.
+  /// Heights at equal steps from the one end of the range to the other; empty for a histogram
+  /// without.
   std::vector<double> curve;
+  double highest = 0;  ///< how far up the curve is drawn
 
   double width() const { return (range.high - range.low) / static_cast<double>(heights.size()); }
   /// Where a bin begins, and the one before it ends.
   double edge(size_t bin) const { return range.low + static_cast<double>(bin) * width(); }
+  /// The least and the greatest value that a bin is for: its edges, or the whole numbers in it.
+  Range values_of(size_t bin) const;
 };
 
 /// As many bins as the histogram asks for, else the root of the rows; `most` at most. The tally is

@@ -111,7 +111,9 @@ class Looks {
              {{"domain", {bound.low.value_or(proper.low), bound.high.value_or(proper.high)}},
               {"range", {range.first, range.second}}}},
             {"title", legend_title(role, *element[role])},
-            {"legend", amounts.low == amounts.high ? Json(nullptr) : Json::object()}};
+            {"legend", amounts.low == amounts.high
+                           ? Json(nullptr)
+                           : Json{{"values", chart::legend_values(*element[role])}}}};
   }
 
   /// Widths whose values have names.

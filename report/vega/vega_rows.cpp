@@ -236,7 +236,8 @@ class HistogramRows {
       const double along = static_cast<double>(i) / static_cast<double>(bins.curve.size() - 1);
       rows_.begin("curve");
       rows_.number("from", bins.range.low + (bins.range.high - bins.range.low) * along);
-      rows_.number("count", bins.curve[i]);
+      // Without a height the line breaks off.
+      if (bins.curve[i] <= bins.highest) rows_.number("count", bins.curve[i]);
       rows_.end();
     }
   }
