@@ -41,6 +41,26 @@ std::vector<double> curve_of(const Tally& tally,
   return curve;
 }
 
+/// The numbers of a variable, and the step from each to the next; 0 when they have none.
+Range middles_of(const ChartVariable& variable, const ChartSource& source, double& step) {
+  Range range;
+  std::vector<double> numbers;
+  for (size_t row = 0; row < source.rows; ++row) {
+    const double value = number_at(&variable, row);
+    if (!is_number(value)) continue;
+    numbers.push_back(value);
+    range.add(value);
+  }
+  step = 0;
+  if (numbers.size() < kFewestValues) return range;
+  const double mean = (range.high - range.low) / static_cast<double>(numbers.size() - 1);
+  for (size_t i = 1; i < numbers.size(); ++i) {
+    if (!(std::fabs(numbers[i] - numbers[i - 1] - mean) <= 1e-6 * mean)) return range;
+  }
+  step = mean;
+  return range;
+}
+
 /// Whether all values are whole numbers that can be counted one by one.
 bool are_whole(const Tally& tally) {
   constexpr double kMostWhole = 1e9;
@@ -58,6 +78,7 @@ Tally tally(const Embedded& embedded, const output::Chart& chart) {
   if (source == nullptr) return counted;
   counted.variable = source->by_role(embedded.graph.histogram->variable);
   if (counted.variable == nullptr) return counted;
+  counted.middles = middles_of(*counted.variable, *source, counted.step);
   const ChartVariable* weight = source->by_role(embedded.graph.histogram->weight);
   for (size_t row = 0; row < source->rows; ++row) {
     const double value = number_at(counted.variable, row);
@@ -81,13 +102,15 @@ Bins bins_of(const Tally& tally, const Histogram& histogram, double most) {
   const double wanted =
       histogram.bins > 0 ? static_cast<double>(histogram.bins) : std::ceil(std::sqrt(tally.rows));
   double count = std::clamp(wanted, 1.0, std::clamp(most, 1.0, kMostBins));
-  bins.whole = are_whole(tally);
-  if (bins.whole) {
-    const double numbers = tally.range.high - tally.range.low + 1;
-    const double width = std::ceil(numbers / count);
-    count = std::ceil(numbers / width);
-    const double low = tally.range.low - 0.5;
-    bins.range = {low, low + count * width, false};
+  bins.whole = are_whole(tally) && (tally.step == 0 || tally.step == 1);
+  if (bins.whole || tally.step > 0) {
+    const double step = bins.whole ? 1 : tally.step;
+    const Range& middles = bins.whole ? tally.range : tally.middles;
+    const double numbers = std::round((middles.high - middles.low) / step) + 1;
+    const double several = std::ceil(numbers / count);
+    count = std::ceil(numbers / several);
+    const double low = middles.low - step / 2;
+    bins.range = {low, low + count * several * step, false};
   }
   bins.heights.resize(static_cast<size_t>(count));
   for (const auto& [value, weight] : tally.weights) {

@@ -17,6 +17,10 @@ struct Tally {
   double total = 0;                         ///< of the weights
   double rows = 0;                          ///< that count
   Range range;
+  /// The distance from each row to the next where all are the same: the rows are middles of bins.
+  /// Those that count nothing tell it, too. 0 where there is no such step.
+  double step = 0;
+  Range middles;  ///< of all rows
 };
 
 /// Counts the rows that have a number and a weight above 0.
@@ -24,7 +28,8 @@ Tally tally(const Embedded& embedded, const output::Chart& chart);
 
 inline constexpr double kMostBins = 60;
 
-/// Bins of equal width over the values of a tally, and the curve above them. Whole numbers have
+/// Bins of equal width over the values of a tally, and the curve above them. Values at equal steps
+/// are middles of bins, and several of these make one where they are too many. Whole numbers have
 /// bins that begin and end halfway between two of them, so that each holds as many as any other.
 struct Bins {
   Range range;

@@ -151,6 +151,29 @@ TEST_CASE("bins of whole numbers hold as many of them each") {
     CHECK(bins.values_of(0).low == 0);
     CHECK(bins.values_of(0).high == 1);
   }
+  SUBCASE("values at equal steps are middles of bins") {
+    output::Chart chart;
+    ChartData(chart, "s")
+        .variable("X")
+        .number(0, 1.1)
+        .number(1, 1.3)
+        .number(2, 1.5)
+        .variable("Y")
+        .number(0, 4)
+        .number(1, 0)
+        .number(2, 5);
+    Embedded embedded;
+    embedded.source = "s";
+    embedded.graph.histogram.emplace();
+    embedded.graph.histogram->variable = "X";
+    embedded.graph.histogram->weight = "Y";
+    embedded.graph.histogram->bins = 3;
+    const Tally counted = tally(embedded, chart);
+    const Bins bins = bins_of(counted, *embedded.graph.histogram, 60);
+    CHECK(bins.heights == std::vector<double>{4, 0, 5});
+    CHECK(bins.edge(0) == doctest::Approx(1));
+    CHECK(bins.edge(3) == doctest::Approx(1.6));
+  }
   SUBCASE("other numbers as before") {
     histogram.bins = 2;
     const Bins bins = bins_of(tally_of({{0, 1}, {0.5, 1}, {1, 1}}), histogram, 60);
@@ -158,7 +181,7 @@ TEST_CASE("bins of whole numbers hold as many of them each") {
     CHECK(bins.edge(1) == 0.5);
   }
   SUBCASE("two values have no curve") {
-    histogram.curve = Distribution{.method = "normal"};
+    histogram.curve.emplace().method = "normal";
     CHECK(bins_of(tally_of({{0, 5}, {1, 9}}), histogram).curve.empty());
     CHECK_FALSE(bins_of(tally_of({{0, 5}, {1, 9}, {2, 3}}), histogram).curve.empty());
   }
