@@ -1,7 +1,9 @@
 // Charts of pairwise contrasts: networks of categories.
 #include <algorithm>
+#include <array>
 #include <numeric>
 #include <optional>
+#include <span>
 
 #include "embedded/chart/completion.h"
 #include "embedded/framework/number_text.h"
@@ -123,6 +125,49 @@ void sort_nodes(ChartSource& nodes) {
   }
 }
 
+/// A sentence of a pattern with both categories by their labels; nothing where it is not of that
+/// pattern with these categories.
+std::optional<std::string> with_labels(const Background& background,
+                                       std::string_view key,
+                                       const std::string& sentence,
+                                       std::span<const std::string, 2> categories,
+                                       std::span<const std::string, 2> labels) {
+  constexpr std::string_view kTarget = "^1";
+  const std::string pattern =
+      background.filled(key, {std::string(kTarget), categories[0], categories[1]});
+  const size_t at = pattern.find(kTarget);
+  if (at == std::string::npos) return std::nullopt;
+  const std::string_view ahead = std::string_view(pattern).substr(0, at);
+  const std::string_view behind = std::string_view(pattern).substr(at + kTarget.size());
+  if (sentence.size() < ahead.size() + behind.size() || !sentence.starts_with(ahead) ||
+      !sentence.ends_with(behind)) {
+    return std::nullopt;
+  }
+  const std::string target = sentence.substr(at, sentence.size() - ahead.size() - behind.size());
+  return background.filled(key, {target, labels[0], labels[1]});
+}
+
+/// The sentences on the pairs name categories of strings by their values.
+void name_in_sentences(const Work& work, ChartSource& edges) {
+  ChartVariable* sentences = by_role(&edges, "tooltip");
+  const ChartVariable* from = by_role(&edges, "from");
+  const ChartVariable* to = by_role(&edges, "to");
+  if (sentences == nullptr || from == nullptr || to == nullptr) return;
+  for (size_t row = 0; row < sentences->values.rows(); ++row) {
+    if (sentences->values.kind(row) != ChartColumn::Kind::Text) continue;
+    std::array<std::string, 2> categories{text_at(from, row), text_at(to, row)};
+    std::array<std::string, 2> labels{category_at(*from, row), category_at(*to, row)};
+    for (const bool turned : {false, true}) {
+      if (turned) std::ranges::reverse(categories), std::ranges::reverse(labels);
+      for (const std::string_view key : {"Simple Higher", "Simple Same"}) {
+        const auto named =
+            with_labels(work.background, key, sentences->values.text(row), categories, labels);
+        if (named) sentences->values.set(row, *named);
+      }
+    }
+  }
+}
+
 bool is_left_out(const Record& record) { return record.numbers[kSig].value == 1; }
 
 /// Joins the edges with the lines of their table, from which those are missing that show nothing.
@@ -181,6 +226,7 @@ void complete_pairs(const Work& work) {
   for (const std::string_view role : {"from", "to"}) {
     if (ChartVariable* end = by_role(edges, role)) name_categories(*end, *edges, compared);
   }
+  name_in_sentences(work, *edges);
   sort_nodes(*nodes);
   // A weight says how significant a pair is, but only pairs of numbers have one: the class of
   // significance says it for all.

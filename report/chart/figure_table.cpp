@@ -89,7 +89,7 @@ class SourceTable {
   std::vector<Column> columns() const {
     std::vector<Column> columns;
     for (const ChartVariable& variable : source_.variables) {
-      if (variable.values.rows() == 0) continue;
+      if (!says_something(variable)) continue;
       if (is_whisker(variable) && variable.label.empty()) continue;
       std::string title = title_of(variable);
       if (is_interval(variable)) {
@@ -103,6 +103,14 @@ class SourceTable {
       }
     }
     return columns;
+  }
+
+  bool says_something(const ChartVariable& variable) const {
+    for (size_t row = 0; row < variable.values.rows(); ++row) {
+      const bool is_text = variable.values.kind(row) == output::ChartColumn::Kind::Text;
+      if (!is_text || !variable.values.text(row).empty()) return true;
+    }
+    return false;
   }
 
   /// Whether its rows are the ends of an interval that is drawn so, in twos.
