@@ -16,6 +16,7 @@
 #include "embedded/strings/string_table.h"
 #include "report/picture/png.h"
 #include "report/preset.h"
+#include "report/repeats.h"
 #include "report/selection.h"
 #include "report/words.h"
 
@@ -80,6 +81,7 @@ output::Document make_document(SessionInput input,
   refuse_if_memory_ran_out();
   tell_of(session.shortfalls(), workshop);
   output::Document document = session.take_document();
+  if (workshop.options.no_repeats) report::leave_out_repeats(document);
   report::apply(*report::preset_by_name(workshop.options.style), document);
   choose(document, workshop);
   return document;

@@ -71,6 +71,8 @@ constexpr OptionRow kRows[] = {
     {Section::Display, "-s,--style", "STYLE", Takes::Word,
      "the house style of numbers and symbols; which cells there are does not depend on it",
      &Options::style, &style_names},
+    {Section::Display, "--no-repeats", nullptr, Takes::Nothing,
+     "leave out tables and charts that show what an earlier one shows", &Options::no_repeats},
     {Section::Display, "--width", "COLUMNS", Takes::Number,
      "the width of the text form, else that of the terminal, else 80; 0 for no limit",
      &Options::width, nullptr, 0, 100000},

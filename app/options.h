@@ -41,6 +41,7 @@ struct Options {
   std::string journal;                 ///< empty: none
   std::string colour = "auto";         ///< auto, always, never
   std::string completion;              ///< a shell
+  bool no_repeats = false;
   bool manual = false;
   bool quiet = false;
   bool help = false;
