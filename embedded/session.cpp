@@ -1,7 +1,10 @@
 #include "embedded/session.h"
 
+#include <algorithm>
+#include <iterator>
 #include <stdexcept>
 
+#include "embedded/about/messages.h"
 #include "embedded/chart/complete.h"
 #include "embedded/dictionary/read_dictionary.h"
 #include "embedded/files/paths.h"
@@ -140,8 +143,15 @@ void Session::run(CFProcCustom& procedure) {
 void Session::tell_about() {
   const Inputs& inputs = state_->inputs;
   output::Document& document = state_->outputs.document;
-  document.about = about::about(inputs.model, state_->outputs.result, inputs.files, document,
-                                {inputs.strings, inputs.dictionary});
+  if (!state_->outputs.result) return;
+  const about::Wording wording = {inputs.strings, inputs.dictionary};
+  about::add_notes(*state_->outputs.result, document.content, wording);
+  std::vector<output::Message> of_tables = std::move(document.about.messages);
+  document.about =
+      about::about(inputs.model, *state_->outputs.result, inputs.files, document, wording);
+  std::vector<output::Message>& messages = document.about.messages;
+  std::ranges::move(of_tables, std::back_inserter(messages));
+  about::sort_by_severity(messages);
 }
 
 const std::vector<Shortfall>& Session::shortfalls() const { return state_->outputs.shortfalls; }

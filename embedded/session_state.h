@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 
@@ -40,7 +41,7 @@ struct Outputs {
   OpenSections open_sections;
   ReadFailure failure;  ///< the last one; an empty sentence when nothing went wrong
   std::vector<Shortfall> shortfalls;
-  about::ResultFacts result;
+  std::optional<about::ResultFacts> result;  ///< none as long as no result document is read
   Budget budget;
 
   /// Where a message or a chart goes: under the heading that was opened last and is still open.

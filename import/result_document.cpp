@@ -22,6 +22,8 @@ void write_remarks(const Prepared& prepared, XmlWriter& xml) {
   if (fit.target.reference) write_remark("target.reference", fit.target.reference->text, xml);
   for (size_t at = 0; at < fit.means.size(); ++at)
     write_remark("means[" + std::to_string(at) + "].scale", fit.means[at].scale, xml);
+  for (const std::string& condition : fit.engine.conditions)
+    write_remark("condition", condition, xml);
   for (const std::string& note : fit.engine.notes)
     write_remark("note", note, xml);
   for (const std::string& sentence : prepared.reckoned)

@@ -42,6 +42,9 @@ constexpr Meaning kScales[] = {
     {"link", "Scale of the linear predictor"},
 };
 
+/// The tables that hold estimated means, by subtype.
+constexpr std::string_view kMeansTables[] = {"GrandMeans", "Estimates"};
+
 template <size_t Size>
 const char* key_of(const Meaning (&meanings)[Size], std::string_view word) {
   const Meaning* found = std::ranges::find(meanings, word, &Meaning::word);
@@ -302,6 +305,23 @@ output::About about(const ModelFacts& model,
                     const Wording& wording) {
   return {wording.text("About this result"), Facts(model, result, files, document, wording).write(),
           messages_about(result, document.content, wording)};
+}
+
+void add_notes(const ResultFacts& result, output::Section& content, const Wording& wording) {
+  if (!result.uses_trials || result.trials.empty()) return;
+  const bool on_link_scale = std::ranges::any_of(result.remarks, [](const Remark& remark) {
+    return remark.name.starts_with("means[") && remark.value == "link";
+  });
+  if (on_link_scale) return;
+  for (output::Item& item : content.items) {
+    if (auto* inner = std::get_if<std::unique_ptr<output::Section>>(&item)) {
+      add_notes(result, **inner, wording);
+    } else if (auto* table = std::get_if<std::unique_ptr<output::Table>>(&item)) {
+      if (std::ranges::find(kMeansTables, (*table)->subtype) == std::end(kMeansTables)) continue;
+      (*table)->table_notes.push_back(static_cast<uint32_t>((*table)->notes.size()));
+      (*table)->notes.push_back(wording.text("Means are proportions ..."));
+    }
+  }
 }
 
 }  // namespace hierfit::about

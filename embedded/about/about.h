@@ -37,4 +37,8 @@ output::About about(const ModelFacts& model,
                     const output::Document& document,
                     const Wording& wording);
 
+/// Adds what a reader needs to the tables themselves: a note that estimated means are proportions
+/// where the target is events out of trials, whose label reads like a count.
+void add_notes(const ResultFacts& result, output::Section& content, const Wording& wording);
+
 }  // namespace hierfit::about

@@ -100,7 +100,7 @@ class Messages {
       if (remark.name == "condition") add_condition(remark.value);
       if (remark.name == "note") add(plain(remark.value), Severity::Note, "engineNote");
     }
-    std::ranges::stable_sort(messages_, std::ranges::greater(), &Message::severity);
+    sort_by_severity(messages_);
     return std::move(messages_);
   }
 
@@ -180,6 +180,10 @@ std::vector<Message> messages_about(const ResultFacts& facts,
                                     const output::Section& content,
                                     const Wording& wording) {
   return Messages(facts, wording).write(content);
+}
+
+void sort_by_severity(std::vector<Message>& messages) {
+  std::ranges::stable_sort(messages, std::ranges::greater(), &Message::severity);
 }
 
 }  // namespace hierfit::about

@@ -16,4 +16,7 @@ std::vector<output::Message> messages_about(const ResultFacts& facts,
                                             const output::Section& content,
                                             const Wording& wording);
 
+/// Puts the most severe first; those of one severity stay in their order.
+void sort_by_severity(std::vector<output::Message>& messages);
+
 }  // namespace hierfit::about

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 #include "embedded/session_state.h"
+#include "embedded/strings/pattern.h"
 
 namespace {
 
@@ -122,12 +124,23 @@ BpCategory::Impl& BpPivotTable::Impl::category(const BpGroup::Impl& parent,
   }
   BpCategory::Impl& category = categories_[number];
   state.is_cut = category.node == kNone;
-  state.current = state.is_cut ? kNone : node_of(category).leaf;
+  state.current = state.is_cut ? kNone : newest_leaf(category);
+  state.asked = ++clock_;
+  if (table.dimensions[parent.dimension].place == output::Place::Rows) again_.clear();
   return category;
 }
 
+uint32_t BpPivotTable::Impl::newest_leaf(const BpCategory::Impl& category) {
+  const uint32_t leaf = table.dimensions[category.dimension].nodes[category.node].leaf;
+  const auto& newest = states_[category.dimension].newest;
+  if (newest.empty()) return leaf;
+  const auto found = newest.find(leaf);
+  return found == newest.end() ? leaf : found->second;
+}
+
 output::Node& BpPivotTable::Impl::node_of(const BpCategory::Impl& category) {
-  return table.dimensions[category.dimension].nodes[category.node];
+  output::Dimension& dimension = table.dimensions[category.dimension];
+  return dimension.nodes[dimension.leaves[newest_leaf(category)]];
 }
 
 const std::vector<uint32_t>& BpPivotTable::Impl::crossing(const BpCategory::Impl& category) {
@@ -149,25 +162,104 @@ void BpPivotTable::Impl::cut() {
                 "The table above is cut: it is out of proportion to the documents.");
 }
 
-uint32_t BpPivotTable::Impl::cell_to_write(const BpCategory::Impl& category) {
-  if (is_cut(category)) return kNone;
-  if (table.cells.size() < cell_limit_) return index_.find_or_add(table.cells, crossing(category));
-  const uint32_t cell = index_.find(table.cells, crossing(category));
-  if (cell == kNone) cut();
-  return cell;
-}
-
 void BpPivotTable::Impl::write_cell(const BpCategory::Impl& category,
                                     const BpCellText::Impl& value) {
   output::Cells& cells = table.cells;
-  const uint32_t cell = cell_to_write(category);
-  if (cell == kNone) return;
-  if (const auto number = pivot::as_number(value)) {
-    cells.values[cell] = *number;
+  if (is_cut(category)) return;
+  const auto number = pivot::as_number(value);
+  output::Text text;
+  if (!number) text = pivot::shown_text(value, wording);
+  const auto is_same = [&](const output::CellValue& old) {
+    const auto* old_text = std::get_if<uint32_t>(&old);
+    if (old_text != nullptr) return !number && table.texts[*old_text] == text;
+    return number && std::get<output::Number>(old) == *number;
+  };
+
+  uint32_t cell = index_.find(cells, crossing(category));
+  if (cell != kNone && is_same(cells.values[cell])) {
+    again_.push_back(cell);
     return;
   }
-  cells.values[cell] = static_cast<uint32_t>(table.texts.size());
-  table.texts.push_back(pivot::shown_text(value, wording));
+  const size_t repeated = cell == kNone ? kNone : repeated_dimension(cell);
+  const bool is_new = cell == kNone || repeated != kNone;
+  if (is_new && cells.size() >= cell_limit_) return cut();
+  if (repeated != kNone) {
+    divide(repeated);
+    crossing(category);
+    cell = kNone;
+  }
+  output::CellValue kept;
+  if (number) {
+    kept = *number;
+  } else {
+    kept = static_cast<uint32_t>(table.texts.size());
+    table.texts.push_back(std::move(text));
+  }
+  if (cell == kNone) {
+    add_cell(kept);
+  } else {
+    cells.values[cell] = kept;
+  }
+}
+
+/// At `crossing_`.
+uint32_t BpPivotTable::Impl::add_cell(const output::CellValue& value) {
+  const uint32_t cell = index_.find_or_add(table.cells, crossing_);
+  table.cells.values[cell] = value;
+  written_.resize(table.cells.size());
+  written_[cell] = clock_;
+  return cell;
+}
+
+size_t BpPivotTable::Impl::repeated_dimension(uint32_t cell) const {
+  for (const output::Place place : {output::Place::Rows, output::Place::Columns}) {
+    size_t last = kNone;
+    for (size_t d = 0; d < states_.size(); ++d) {
+      if (table.dimensions[d].place != place || states_[d].asked <= written_[cell]) continue;
+      if (last == kNone || states_[d].asked > states_[last].asked) last = d;
+    }
+    if (last != kNone) return last;
+  }
+  return kNone;
+}
+
+/// The current category of the dimension gets another one of its label, which is current then. What
+/// was written again since its row was asked for belongs to both.
+void BpPivotTable::Impl::divide(size_t dimension) {
+  DimensionState& state = states_[dimension];
+  output::Dimension& target = table.dimensions[dimension];
+  const uint32_t old_leaf = state.current;
+  uint32_t first = old_leaf;
+  size_t count = 2;
+  for (const auto& [leaf, newest] : state.newest)
+    if (newest == old_leaf) first = leaf;
+  if (first != old_leaf) count = state.divided[first] + 1;
+  state.divided[first] = count;
+
+  output::Node node = target.nodes[target.leaves[first]];
+  if (count == 2) warn_of(node.label);
+  node.label.shown += " (" + std::to_string(count) + ")";
+  node.leaf = static_cast<uint32_t>(target.leaves.size());
+  node.notes.clear();
+  target.leaves.push_back(static_cast<uint32_t>(target.nodes.size()));
+  target.nodes.push_back(std::move(node));
+  state.newest[first] = state.current = target.nodes.back().leaf;
+
+  for (const uint32_t cell : std::exchange(again_, {})) {
+    const uint32_t* at = table.cells.at(cell);
+    if (at[dimension] != old_leaf) continue;
+    crossing_.assign(at, at + table.cells.dimensions);
+    crossing_[dimension] = state.current;
+    const output::CellValue value = table.cells.values[cell];
+    add_cell(value);
+  }
+}
+
+void BpPivotTable::Impl::warn_of(const output::Text& label) {
+  const PatternArgument arguments[] = {label, table.title};
+  wording.document.about.messages.push_back(
+      {fill_pattern(wording.strings.text("Rows of one label ^1 in ^2 ..."), arguments),
+       output::Severity::Warning, "sameLabels"});
 }
 
 uint32_t BpPivotTable::Impl::note_number(const BpAnnotation::Impl& note) {

@@ -47,6 +47,10 @@ struct BpPivotTable::Impl : hierfit::journal::Receiver {
       uint32_t dimension, int32_t place, int32_t level, bool hide_title, bool hide_labels);
   BpGroup::Impl& group(const BpGroup::Impl& parent, const BpCellText::Impl& title);
   /// The category of this label; the next cells of the table cross it.
+  ///
+  /// Two rows of a procedure may have one label. When a cell gets another value after its row was
+  /// asked for anew, that is a row of its own: it gets a category with a number behind the label,
+  /// so that neither value is lost, and the report warns of it.
   BpCategory::Impl& category(const BpGroup::Impl& parent, const BpCellText::Impl& label);
 
   void write_cell(const BpCategory::Impl& category, const BpCellText::Impl& value);
@@ -72,6 +76,10 @@ struct BpPivotTable::Impl : hierfit::journal::Receiver {
     bool positioned = false;
     uint32_t current = hierfit::output::kNone;  ///< leaf of the category last asked for
     bool is_cut = false;                        ///< that category was cut
+    uint32_t asked = 0;  ///< when a category was asked for the last time, by the clock
+    /// By leaf: the last of the categories that share its label; only where there are several.
+    std::unordered_map<uint32_t, uint32_t> newest;
+    std::unordered_map<uint32_t, size_t> divided;  ///< likewise: how many they are
     std::deque<Made> made;
     hierfit::pivot::HashIndex made_by_hash;
     uint32_t last = 0;  ///< in `made`: what was asked for last
@@ -86,14 +94,19 @@ struct BpPivotTable::Impl : hierfit::journal::Receiver {
   uint32_t find_made(DimensionState& state, size_t next);
   uint32_t add_node(const BpGroup::Impl& parent, const BpCellText::Impl& label, bool is_group);
   const std::vector<uint32_t>& crossing(const BpCategory::Impl& category);
-  /// The cell where it crosses those last asked for; `kNone` when it is cut.
-  uint32_t cell_to_write(const BpCategory::Impl& category);
   bool is_cut(const BpCategory::Impl& category) const;
   void cut();
   void add_note(std::vector<uint32_t>& notes, const BpAnnotation::Impl& note);
   uint32_t note_number(const BpAnnotation::Impl& note);
   hierfit::output::Node& row_label(const BpCategory::Impl& category);
   hierfit::output::Node& node_of(const BpCategory::Impl& category);
+  uint32_t newest_leaf(const BpCategory::Impl& category);
+  /// The dimension whose category was asked for anew since the cell was written, or `kNone`: of the
+  /// rows the one asked last, else that of the columns.
+  size_t repeated_dimension(uint32_t cell) const;
+  void divide(size_t dimension);
+  void warn_of(const hierfit::output::Text& label);
+  uint32_t add_cell(const hierfit::output::CellValue& value);
   void settle_positions();
   bool is_taken(hierfit::output::Place place, int level, size_t end) const;
   int free_level(hierfit::output::Place place, int from) const;
@@ -106,6 +119,9 @@ struct BpPivotTable::Impl : hierfit::journal::Receiver {
   std::deque<BpCategory::Impl> categories_;
   std::unordered_map<std::string, uint32_t> notes_;
   hierfit::pivot::CellIndex index_;
+  uint32_t clock_ = 0;             ///< counts the categories that were asked for
+  std::vector<uint32_t> written_;  ///< by cell: when it was written
+  std::vector<uint32_t> again_;    ///< cells that got the value they had since rows were asked last
   std::string scratch_;
   std::vector<uint32_t> crossing_;
 };

@@ -188,6 +188,41 @@ TEST_CASE("what the engine says of a fit is said, the gravest first") {
   }
 }
 
+TEST_CASE("means of events out of trials are said to be proportions") {
+  const auto notes = [](const DocumentFiles& files, const char* subtype) {
+    const TableRun run = test::run(files, "en");
+    REQUIRE(run.table(subtype) != nullptr);
+    const output::Table& table = *run.table(subtype);
+    std::string text;
+    for (const uint32_t note : table.table_notes)
+      text += table.notes[note].shown + "\n";
+    return text;
+  };
+  const std::string sentence = "The means are proportions: events out of trials.\n";
+  CHECK(notes(example_files("cbpp"), "GrandMeans").ends_with(sentence));
+  CHECK(notes(example_files("cbpp"), "Estimates").ends_with(sentence));
+  CHECK(notes(example_files("cbpp"), "Contrasts").find("proportions") == std::string::npos);
+  CHECK(notes(example_files("salamanders"), "Estimates").find("proportions") == std::string::npos);
+  const DocumentFiles on_link =
+      changed("cbpp", {{"<PredictiveSummary",
+                        R"(<Extension extender="hierfit" name="means[0].scale" value="link"/>)"
+                        "<PredictiveSummary"}});
+  CHECK(notes(on_link, "Estimates").find("proportions") == std::string::npos);
+}
+
+TEST_CASE("two variances of one name are both shown, with a word about it") {
+  const std::string name = R"x(<PrintableList pattern="Var(^1)" isKey="true">
+            <PrintableList pattern=)x";
+  const TableRun run = test::run(changed("sleepstudy", {{name + "\"e1\"", name + "\"e0\""}}), "en");
+  REQUIRE(run.reads);
+  CHECK(run.cell("CovarianceParameters", {"Var(Intercept)", "Estimate"}) == "612.100");
+  CHECK(run.cell("CovarianceParameters", {"Var(Intercept) (2)", "Estimate"}) == "35.072");
+  CHECK(run.cell("CovarianceParameters", {"Var(Intercept) (2)", "Upper"}) == "76.622");
+  CHECK(messages(run.document) ==
+        "sameLabels warning: Random effect: several rows have the label Var(Intercept); a number "
+        "behind it tells them apart.\n");
+}
+
 TEST_CASE("a variance on its boundary is said to be there, a covariance of 0 is not") {
   const auto run = [](const std::string& parameter, const std::string& estimate) {
     const std::string label = "paramLabel=\"" + parameter + "\" estimate=\"";

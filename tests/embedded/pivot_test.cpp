@@ -165,6 +165,33 @@ TEST_CASE("a cell crosses what was last asked for, whichever dimension came firs
   CHECK(cells_of(outcome.table()) == "a - 1\nb x 2\na y Yield\na x 5\n");
 }
 
+TEST_CASE("rows of one label both stay, and the report says so") {
+  const Outcome outcome = run([](Script& s) {
+    BpPivotTable table = s.table();
+    BpDimension rows = table.Dimension(s.text("R"), 2);
+    BpDimension columns = table.Dimension(s.text("C"), 2);
+    columns.Position(1, 1, true, false);
+    const auto write = [&](const char* row, double x, double y) {
+      BpCategory handle = rows.Category(s.text(row));
+      columns.Category(s.text("x")).Cell(s.count(x));
+      columns.Category(s.text("y")).Cell(s.count(y));
+      handle.Note(s.note("n"));
+    };
+    write("a", 1, 2);
+    write("b", 1, 2);
+    write("a", 1, 3);  // the first value is the same, and yet it is another row
+    write("a", 4, 3);
+    write("b", 1, 2);  // says the same again
+  });
+  CHECK(cells_of(outcome.table()) ==
+        "a x 1\na y 2\nb x 1\nb y 2\na (2) x 1\na (2) y 3\na (3) x 4\na (3) y 3\n");
+  CHECK(outcome.table().dimensions[0].nodes.back().notes.size() == 1);
+  REQUIRE(outcome.document.about.messages.size() == 1);
+  CHECK(outcome.document.about.messages[0].code == "sameLabels");
+  // What the module called has no part in it.
+  CHECK(outcome.journal.find("(2)") == std::string::npos);
+}
+
 TEST_CASE("a dimension without a place takes the innermost free level of the rows") {
   const Outcome outcome = run([](Script& s) {
     BpPivotTable table = s.table();

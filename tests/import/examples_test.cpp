@@ -37,6 +37,20 @@ TEST_CASE("a fit comes to the report of its pair, to the last bit") {
   }
 }
 
+TEST_CASE("a fit that did not converge says so first, with its warnings") {
+  nlohmann::ordered_json fit = small_fit();
+  fit["engine"]["conditions"] = {"not converged"};
+  fit["engine"]["warnings"] = {"nearly singular"};
+  const TableRun run = import_json(fit).run();
+  REQUIRE(run.reads);
+  const std::vector<output::Message>& messages = run.document.about.messages;
+  REQUIRE(messages.size() >= 2);
+  CHECK(messages[0].code == "notConverged");
+  CHECK(messages[0].severity == output::Severity::Error);
+  CHECK(messages[1].text.shown == "The engine gave the warning kGLMM_C11: nearly singular");
+  CHECK(messages[1].severity == output::Severity::Warning);
+}
+
 TEST_CASE("the small fit of the manual comes to a report") {
   std::ifstream file(HIERFIT_SOURCE_DIR "/docs/fit.md", std::ios::binary);
   const std::string page{std::istreambuf_iterator<char>(file), {}};
