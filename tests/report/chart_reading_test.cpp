@@ -9,7 +9,7 @@
 #include "report/report.h"
 #include "tests/report/chart_samples.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 using namespace report::chart;
 
@@ -241,4 +241,4 @@ TEST_CASE("an interval in a language of the decimal comma is divided by a semico
   }));
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test

@@ -9,7 +9,7 @@
 #include "tests/report/chart_samples.h"
 #include "tests/report/table_builder.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 namespace {
 
@@ -64,4 +64,4 @@ TEST_CASE("repeats go, with headings that hold nothing else") {
   CHECK(text.find("another") != std::string::npos);
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test
