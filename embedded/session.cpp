@@ -135,7 +135,7 @@ void Session::run(CFProcCustom& procedure) {
     cut_long_labels();
     return tell_about();
   }
-  if (is_empty) failure = {"the document is empty"};
+  if (is_empty) failure = {"the document is empty", 1, 1};
   throw explain(input_.statxml_name, failure);
 }
 

@@ -125,7 +125,7 @@ class Reader {
 }  // namespace
 
 ModelDocument read_model_document(std::string_view text, const std::string& file) {
-  if (text.empty()) throw DocumentError({file, 0, 0}, "the document is empty");
+  if (text.empty()) throw DocumentError({file, 1, 1}, "the document is empty");
   Tree tree;
   if (const auto failure = tree.parse(text)) {
     throw DocumentError({file, failure->line, failure->column}, failure->sentence);

@@ -54,6 +54,15 @@ bool declares_name_space(std::string_view name) {
   return name.starts_with("xmlns") && (name.size() == 5 || name[5] == ':');
 }
 
+/// Whether the encoding that a document names is the one that its mark has settled. Of texts with the
+/// mark of UTF-16 the parser sees to that itself.
+bool agrees_with_mark(std::string_view text, std::string_view encoding) {
+  constexpr std::string_view kMark = "\xEF\xBB\xBF";
+  constexpr std::string_view kEncoding = "utf-8";
+  const auto equal = [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a + 32 : a) == b; };
+  return !text.starts_with(kMark) || std::ranges::equal(encoding, kEncoding, equal);
+}
+
 /// Whether each "&" of a tag begins a character reference or one of the five predefined entities.
 bool entities_are_known(std::string_view tag) {
   constexpr std::string_view kKnown[] = {"#", "lt;", "gt;", "amp;", "quot;", "apos;"};
@@ -83,6 +92,7 @@ class TreeBuilder {
     XML_SetEntityDeclHandler(parser_.get(), &on_entity_declaration);
     XML_SetSkippedEntityHandler(parser_.get(), &on_skipped_entity);
     XML_SetStartDoctypeDeclHandler(parser_.get(), &on_doctype);
+    XML_SetXmlDeclHandler(parser_.get(), &on_declaration);
   }
 
   std::optional<ReadFailure> parse() {
@@ -136,6 +146,10 @@ class TreeBuilder {
   }
   static void on_skipped_entity(void* user, const char*, int) {
     self(user).stop(sentence_of(XML_ERROR_UNDEFINED_ENTITY).c_str());
+  }
+  static void on_declaration(void* user, const char*, const char* encoding, int) {
+    if (encoding != nullptr && !agrees_with_mark(self(user).text_, encoding))
+      self(user).stop(sentence_of(XML_ERROR_INCORRECT_ENCODING).c_str());
   }
   static void on_doctype(void* user, const char*, const char*, const char*, int) {
     self(user).has_doctype_ = true;

@@ -82,8 +82,8 @@ TEST_CASE("a failure is one sentence with its file, and a status") {
   };
   const std::string at = HIERFIT_BINARY_DIR "/command-test/";
   const Row rows[] = {
-      {model + at + "empty", 1, "hierfit: " + at + "empty: the document is empty"},
-      {at + "empty" + result, 1, "hierfit: " + at + "empty: the document is empty"},
+      {model + at + "empty", 1, at + "empty:1:1: the document is empty"},
+      {at + "empty" + result, 1, at + "empty:1:1: the document is empty"},
       {model + at + "broken.xml", 1,
        at + "broken.xml:2:8: not well-formed: this end tag does not match its start tag"},
       {model + at + "other.xml", 1,

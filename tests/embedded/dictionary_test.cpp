@@ -112,7 +112,7 @@ TEST_CASE("a model document is refused with what it lacks") {
     const char* complaint;
   };
   const Row rows[] = {
-      {"", "1 model.pmml: the document is empty"},
+      {"", "1 model.pmml:1:1: the document is empty"},
       {"<PMML>\n<Header></PMML>",
        "1 model.pmml:2:11: not well-formed: this end tag does not match its start tag"},
       {"<PMML><Header/><DataDictionary/><Extension/></PMML>",

@@ -79,7 +79,7 @@ TEST_CASE("a text that is no document is refused with its place") {
     std::string complaint;
   };
   const Refusal refusals[] = {
-      {"empty", "", "result.xml: the document is empty"},
+      {"empty", "", "result.xml:1:1: the document is empty"},
       {"blank", " \n ", "result.xml:2:2: the text ends before the root element is complete"},
       {"cut off", "<a>\n<b", "result.xml:2:1: not well-formed: a tag or a comment is left open"},
       {"two roots", "<a/>\n<b/>",
