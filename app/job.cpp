@@ -14,6 +14,7 @@
 #include "embedded/session.h"
 #include "embedded/strings/language.h"
 #include "embedded/strings/string_table.h"
+#include "report/extra/extra_charts.h"
 #include "report/picture/png.h"
 #include "report/preset.h"
 #include "report/repeats.h"
@@ -82,6 +83,7 @@ output::Document make_document(SessionInput input,
   tell_of(session.shortfalls(), workshop);
   output::Document document = session.take_document();
   if (workshop.options.no_repeats) report::leave_out_repeats(document);
+  if (!workshop.options.no_extra_charts) report::add_extra_charts(document);
   report::apply(*report::preset_by_name(workshop.options.style), document);
   choose(document, workshop);
   return document;

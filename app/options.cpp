@@ -84,6 +84,8 @@ constexpr OptionRow kRows[] = {
     {Section::Charts, "--chart", "NUMBER", Takes::Number,
      "the only chart that an output of pictures shows, else all of them", &Options::chart, nullptr,
      1, 1e6},
+    {Section::Charts, "--no-extra-charts", nullptr, Takes::Nothing,
+     "leave out the charts that the report makes of the tables itself", &Options::no_extra_charts},
     {Section::Charts, "--chart-width", "PIXELS", Takes::Number,
      "the width of a chart in pixels of 1/96 inch, else 720", &Options::chart_width, nullptr, 200,
      10000},

@@ -42,6 +42,7 @@ struct Options {
   std::string colour = "auto";         ///< auto, always, never
   std::string completion;              ///< a shell
   bool no_repeats = false;
+  bool no_extra_charts = false;
   bool manual = false;
   bool quiet = false;
   bool help = false;

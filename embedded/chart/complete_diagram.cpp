@@ -17,7 +17,7 @@ namespace {
 
 constexpr char kNodes[] = "pointSource";
 constexpr char kEdges[] = "edgeSource";
-constexpr std::string_view kColumns[] = {"Coefficient", "Sig."};
+constexpr output::ColumnKey kColumns[] = {{"Coefficient"}, {"Sig."}};
 enum { kCoefficient, kSig };
 
 /// Weights are classes of significance; those from .05 on stand ahead of the step.
@@ -33,15 +33,15 @@ std::string squeezed(std::string_view term) {
 }
 
 /// The lines of the table that the nodes stand for, in their order; none when a node has no line.
-std::optional<std::vector<Record>> records_of_nodes(const ChartVariable& nodes,
-                                                    const output::Table& table) {
-  const std::vector<Record> records = records_of(table, kColumns);
-  std::vector<Record> found;
+std::optional<std::vector<output::Record>> records_of_nodes(const ChartVariable& nodes,
+                                                            const output::Table& table) {
+  const std::vector<output::Record> records = output::records_of(table, kColumns);
+  std::vector<output::Record> found;
   auto next = records.begin();
   for (size_t row = 0; row < nodes.values.rows(); ++row) {
     if (nodes.values.kind(row) != output::ChartColumn::Kind::Text) return std::nullopt;
     const std::string term = squeezed(nodes.values.text(row));
-    next = std::find_if(next, records.end(), [&](const Record& record) {
+    next = std::find_if(next, records.end(), [&](const output::Record& record) {
       return !record.heads.empty() && squeezed(record.heads.front()) == term;
     });
     if (next == records.end()) return std::nullopt;
@@ -51,7 +51,7 @@ std::optional<std::vector<Record>> records_of_nodes(const ChartVariable& nodes,
 }
 
 /// Terms of several categories of the target say which one they are of.
-void name_categories(ChartVariable& nodes, const std::vector<Record>& records) {
+void name_categories(ChartVariable& nodes, const std::vector<output::Record>& records) {
   for (size_t row = 0; row < records.size(); ++row) {
     if (records[row].heads.size() < 2) continue;
     const std::string term = nodes.values.text(row);
@@ -64,7 +64,7 @@ void add_column(ChartSource& edges,
                 const char* role,
                 std::string label,
                 Format format,
-                const std::vector<Record>& records,
+                const std::vector<output::Record>& records,
                 size_t column) {
   ChartVariable& variable = add_variable(edges, role, std::move(label), format);
   for (size_t row = 0; row < records.size(); ++row)
@@ -76,7 +76,7 @@ void add_column(ChartSource& edges,
 void show_statistics(const Work& work,
                      ChartSource& edges,
                      const ChartVariable& nodes,
-                     const std::vector<Record>& records) {
+                     const std::vector<output::Record>& records) {
   Element* edge = work.graph("edge");
   if (edge == nullptr) return;
   edge->remove_children("tooltip");
@@ -86,8 +86,9 @@ void show_statistics(const Work& work,
   for (size_t row = 0; row < records.size(); ++row)
     term.values.set(row, nodes.values.text(row));
   add_tooltip(*edge, "term");
-  const bool has_coefficients = std::ranges::any_of(
-      records, [](const Record& record) { return !record.numbers[kCoefficient].missing(); });
+  const bool has_coefficients = std::ranges::any_of(records, [](const output::Record& record) {
+    return !record.numbers[kCoefficient].missing();
+  });
   if (has_coefficients) {
     add_column(edges, *edge, "coefficient", work.background.text("Coefficient"),
                Format::Coefficient, records, kCoefficient);

@@ -17,7 +17,7 @@ using output::kSystemMissing;
 
 namespace {
 
-constexpr std::string_view kMeanColumns[] = {"Mean", "Lower", "Upper"};
+constexpr output::ColumnKey kMeanColumns[] = {{"Mean"}, {"Lower"}, {"Upper"}};
 enum { kMean, kLower, kUpper };
 
 /// The variables of a chart of means; two rows a mean, the bounds one below the other.
@@ -134,7 +134,7 @@ struct Further {
 /// The heads of a table's lines with the same means at the same places; none when the table is not
 /// that of the chart.
 std::optional<Further> further_in(const output::Table& table, const Means& means) {
-  const std::vector<std::string> titles = head_titles(table);
+  const std::vector<std::string> titles = output::head_titles(table);
   std::vector<size_t> further;
   for (size_t d = 0; d < titles.size(); ++d) {
     const auto is_own = [&](std::string_view role) {
@@ -148,9 +148,9 @@ std::optional<Further> further_in(const output::Table& table, const Means& means
   for (const size_t d : further)
     found.titles.push_back(titles[d]);
   found.heads.resize(further.size());
-  std::vector<Record> records = records_of(table, kMeanColumns);
+  std::vector<output::Record> records = output::records_of(table, kMeanColumns);
   for (size_t cell = 0; cell < means.size(); ++cell) {
-    const auto is_of_cell = [&](const Record& record) {
+    const auto is_of_cell = [&](const output::Record& record) {
       return record.numbers[kMean].value == means.mean_at(cell) &&
              std::ranges::all_of(std::array{"effect1", "effect2"}, [&](std::string_view role) {
                const std::string category = category_at(*by_role(means.source, role), 2 * cell);
@@ -224,12 +224,12 @@ void complete_top_means(const Work& work) {
 void complete_block_means(const Work& work) {
   const auto means = means_of(work.chart, "targetValue");
   if (!means) return;
-  const output::Table* table = table_of(work.section, "Estimates");
+  const output::Table* table = output::table_of(work.section, "Estimates");
   std::vector<std::string> missing;
   if (table != nullptr) {
-    work.retitle(
-        work.background.filled("^1 by ^2", {means->mean->label, joined(head_titles(*table))}));
-    for (const Record& record : records_of(*table, kMeanColumns)) {
+    work.retitle(work.background.filled("^1 by ^2",
+                                        {means->mean->label, joined(output::head_titles(*table))}));
+    for (const output::Record& record : output::records_of(*table, kMeanColumns)) {
       std::string place;
       for (const std::string& head : record.heads)
         (place += place.empty() ? "" : ", ") += head;

@@ -18,7 +18,8 @@ using output::Format;
 
 namespace {
 
-constexpr std::string_view kColumns[] = {"Contrast Estimate", "Lower", "Upper", "Adj. Sig."};
+constexpr output::ColumnKey kColumns[] = {
+    {"Contrast Estimate"}, {"Lower"}, {"Upper"}, {"Adj. Sig."}};
 enum { kEstimate, kLower, kUpper, kSig };
 constexpr char kNodes[] = "nodeSource_1";
 constexpr char kEdges[] = "edgeSource_1";
@@ -168,19 +169,19 @@ void name_in_sentences(const Work& work, ChartSource& edges) {
   }
 }
 
-bool is_left_out(const Record& record) { return record.numbers[kSig].value == 1; }
+bool is_left_out(const output::Record& record) { return record.numbers[kSig].value == 1; }
 
 /// Joins the edges with the lines of their table, from which those are missing that show nothing.
 void join_edges(const Work& work, ChartSource& edges, const output::Table& table) {
   const Background& background = work.background;
-  std::vector<Record> records = records_of(table, kColumns);
+  std::vector<output::Record> records = output::records_of(table, kColumns);
   const size_t left_out = std::erase_if(records, is_left_out);
   if (records.size() != edges.rows) return;
   if (left_out > 0) {
     work.note(background.filled("Pairs with an adjusted significance of 1, not shown: ^1",
                                 {std::to_string(left_out)}));
   }
-  const std::string title = head_titles(table).back();
+  const std::string title = output::head_titles(table).back();
   for (const char* role : {"contrast", "estimate", "bounds", "significance"})
     add_variable(edges, role, {});
   ChartVariable& contrast = *by_role(&edges, "contrast");
@@ -193,7 +194,7 @@ void join_edges(const Work& work, ChartSource& edges, const output::Table& table
   significance.statistic = Format::Significance;
   std::vector<std::string> missing;
   for (size_t row = 0; row < records.size(); ++row) {
-    const Record& record = records[row];
+    const output::Record& record = records[row];
     contrast.values.set(row, record.heads.back());
     set_number(estimate, row, record.numbers[kEstimate]);
     set_number(significance, row, record.numbers[kSig]);
@@ -234,9 +235,9 @@ void complete_pairs(const Work& work) {
   std::erase_if(edges->variables, [](const ChartVariable& variable) {
     return variable.role == "weight" || variable.role == "weightInPopup";
   });
-  const output::Table* table = table_of(work.section, "Contrasts");
+  const output::Table* table = output::table_of(work.section, "Contrasts");
   if (table == nullptr) return;
-  work.retitle(head_titles(*table).back());
+  work.retitle(output::head_titles(*table).back());
   join_edges(work, *edges, *table);
 }
 

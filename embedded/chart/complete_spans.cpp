@@ -18,15 +18,16 @@ using output::Number;
 
 namespace {
 
-constexpr std::string_view kColumns[] = {"Contrast Estimate", "Lower", "Upper", "Adj. Sig."};
+constexpr output::ColumnKey kColumns[] = {
+    {"Contrast Estimate"}, {"Lower"}, {"Upper"}, {"Adj. Sig."}};
 enum { kEstimate, kLower, kUpper, kSig };
-constexpr std::string_view kMeanColumns[] = {"Mean"};
+constexpr output::ColumnKey kMeanColumns[] = {{"Mean"}};
 constexpr std::string_view kFacets[] = {"facet1", "facet2"};
 
 /// The contrasts of a chart with the lines of their table, one by one.
 class Spans {
  public:
-  Spans(const Work& work, ChartSource& source, std::vector<Record> records)
+  Spans(const Work& work, ChartSource& source, std::vector<output::Record> records)
       : work_(work), source_(source), records_(std::move(records)) {}
 
   void complete() {
@@ -47,10 +48,10 @@ class Spans {
 
   /// A mean that no table of the block has is none; where there is no such table, all hold.
   void keep_known_means() {
-    const output::Table* table = table_of(work_.section, "Estimates");
+    const output::Table* table = output::table_of(work_.section, "Estimates");
     if (table == nullptr) return;
     std::set<double> known;
-    for (const Record& record : records_of(*table, kMeanColumns)) {
+    for (const output::Record& record : output::records_of(*table, kMeanColumns)) {
       if (!record.numbers.front().missing()) known.insert(record.numbers.front().value);
     }
     for (size_t i = 0; i < records_.size(); ++i) {
@@ -114,7 +115,7 @@ class Spans {
   }
 
   void drop_missing(size_t i) {
-    const Record& record = records_[i];
+    const output::Record& record = records_[i];
     if (is_missing(i)) {
       for (const std::string_view name : {"value", "confMargin", "type", "tooltip"})
         unset_pair(role(name), i);
@@ -155,7 +156,7 @@ class Spans {
 
   const Work& work_;
   ChartSource& source_;
-  std::vector<Record> records_;  ///< by contrast
+  std::vector<output::Record> records_;  ///< by contrast
   std::vector<std::string> missing_;
 };
 
@@ -173,10 +174,10 @@ void complete_spans(const Work& work) {
     work.note(background.filled("Error bars: ^1 of the contrast, drawn from the horizontal line",
                                 {background.interval}));
   }
-  const output::Table* table = table_of(work.section, "Contrasts");
+  const output::Table* table = output::table_of(work.section, "Contrasts");
   if (table == nullptr) return;
-  work.retitle(head_titles(*table).back());
-  std::vector<Record> records = records_of(*table, kColumns);
+  work.retitle(output::head_titles(*table).back());
+  std::vector<output::Record> records = output::records_of(*table, kColumns);
   if (2 * records.size() == source->rows) Spans(work, *source, std::move(records)).complete();
 }
 

@@ -6,10 +6,10 @@
 #include <string_view>
 #include <vector>
 
-#include "embedded/chart/table_records.h"
 #include "embedded/dictionary/data_dictionary.h"
 #include "embedded/strings/string_table.h"
 #include "output/chart.h"
+#include "output/table_records.h"
 
 namespace hierfit::chart {
 

@@ -61,4 +61,10 @@ std::vector<TickLabel> number_labels(const Binding& binding,
                                      const Font& font,
                                      bool upright);
 
+/// Numbers at powers of ten along an upright axis of logarithms, with 2 and 5 times them where
+/// there is room.
+std::vector<TickLabel> log_labels(const Binding& binding,
+                                  const LinearScale& scale,
+                                  const Font& font);
+
 }  // namespace hierfit::report::chart

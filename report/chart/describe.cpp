@@ -21,6 +21,8 @@ class Description {
   std::string write() {
     if (binding_.graph.circle) {
       circle();
+    } else if (binding_.graph.rows) {
+      rows();
     } else if (has(ElementKind::Node)) {
       network();
     } else {
@@ -88,6 +90,20 @@ class Description {
     range_of_y(*points);
     if (intervals) extremes(*points);
     colors();
+  }
+
+  /// Names run down, so that what is y in the document lies along x.
+  void rows() {
+    const BoundElement* points = first(ElementKind::Point);
+    if (points == nullptr || (*points)[RoleKind::Y] == nullptr) return say("No data to show", {});
+    say("Estimates with intervals: ^1 rows.", {count(marks_of(*points))});
+    Range range;
+    for_rows(*points, [&](size_t row) { range.add(number_at((*points)[RoleKind::Y], row)); });
+    if (range.empty) return;
+    const ChartVariable& y = *(*points)[RoleKind::Y];
+    say("Along x: ^1, from ^2 to ^3.",
+        {name_of(y, binding_.graph.y.label), shown(y, range.low), shown(y, range.high)});
+    extremes(*points);
   }
 
   size_t marks_of(const BoundElement& points) const {

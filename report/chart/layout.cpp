@@ -19,6 +19,7 @@ bool has_kind(const Graph& graph, ElementKind kind) {
 
 Piece draw_graph(const Binding& binding, double width) {
   if (binding.graph.circle) return draw_circles(binding, width);
+  if (binding.graph.rows) return draw_rows(binding, width);
   if (has_kind(binding.graph, ElementKind::Node) || has_kind(binding.graph, ElementKind::Edge)) {
     return draw_network(binding, width);
   }

@@ -48,6 +48,9 @@ Piece draw_network(const Binding& binding, double width);
 /// others.
 size_t lines_of_titles(const Binding& binding, double width);
 
+/// A row for each category, with its interval along x and its numbers beside it.
+Piece draw_rows(const Binding& binding, double width);
+
 /// What the colours, symbols, widths and transparencies mean.
 Piece draw_legends(const Binding& binding, const LegendFacts& facts, double width);
 

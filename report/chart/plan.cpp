@@ -222,6 +222,7 @@ void read_axis(const Markup& node, const Markup& parent, Graph& graph) {
   read_limits(node, axis);
   axis.visible = node.value("visible") != "false";
   axis.zero = node.value("zero") == "true";
+  axis.log = node.value("log") == "true";
   axis.label = text_of(node, "label");
 }
 
@@ -290,6 +291,7 @@ Graph read_graph(const Markup& node, const std::string& source) {
   Graph graph;
   graph.aspect = std::clamp(number_or(node.value("aspect"), 0), 0.0, 4.0);
   graph.circle = node.value("layout") == "circle";
+  graph.rows = node.value("layout") == "rows";
   for (size_t i = 0; i < kMarginNames.size(); ++i) {
     graph.margins[i] = std::clamp(number_or(node.value(kMarginNames[i]), 0), 0.0, kLargestMargin);
   }

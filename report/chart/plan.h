@@ -84,6 +84,7 @@ struct Element {
 struct Axis {
   bool visible = true;
   bool zero = false;
+  bool log = false;  ///< of the numbers of rows
   std::optional<double> min;
   std::optional<double> max;
   std::string label;
@@ -123,6 +124,7 @@ struct Facet {
 struct Graph {
   double aspect = 0;  ///< height by width of a panel; 0: as the layout likes
   bool circle = false;
+  bool rows = false;                ///< categories run down, numbers along x
   std::array<double, 4> margins{};  ///< top, right, bottom, left
   Axis x;
   Axis y;

@@ -127,6 +127,10 @@ class VegaChart {
       for (const LabelSide& side : kLabelSides)
         layers.push_back(label_layer(side));
     }
+    if (plan_.graph.rows) {
+      for (Json& drawn : layers)
+        turn(drawn["encoding"]);
+    }
     Json unit;
     write_size(unit);
     unit["layer"] = std::move(layers);
@@ -144,12 +148,29 @@ class VegaChart {
         {"spec", unit}};
   }
 
+  /// Categories run down, numbers along x.
+  static void turn(Json& encoding) {
+    constexpr std::pair<const char*, const char*> kTurned[] = {{"x", "y"}, {"x2", "y2"}};
+    for (const auto& [across, down] : kTurned) {
+      Json old = Json::object();
+      for (const char* channel : {across, down}) {
+        if (!encoding.contains(channel)) continue;
+        old[channel == across ? down : across] = std::move(encoding[channel]);
+        encoding.erase(channel);
+      }
+      encoding.update(old);
+    }
+  }
+
   void write_size(Json& unit) const {
     const bool one = binding_.panels.size() == 1;
     double width = one ? kPlotWidth : kPanelWidth;
     double height = one ? kPlotHeight : kPanelHeight;
     if (plan_.graph.aspect > 0) height = width * plan_.graph.aspect;
     if (plan_.graph.circle) height = width = one ? kPlotHeight : kPanelWidth;
+    if (plan_.graph.rows) {
+      height = kNodeHeight * static_cast<double>(std::max<size_t>(x_.categories.size(), 1));
+    }
     if (is_network() && !plan_.graph.circle && !y_.range.empty) {
       height = std::max(kLeastHeight, kNodeHeight * (y_.range.high - y_.range.low + 2));
     }
@@ -217,7 +238,7 @@ class VegaChart {
     return {{"field", "x"},
             {"type", "nominal"},
             {"sort", order},
-            {"axis", {{"labelAngle", order.size() > 8 ? -40 : 0}}},
+            {"axis", {{"labelAngle", order.size() > 8 && !plan_.graph.rows ? -40 : 0}}},
             {"title", lines_of(x_.title)}};
   }
 
@@ -242,7 +263,9 @@ class VegaChart {
       return hidden_channel(field, wide.low, wide.high);
     }
     Json channel = {{"field", field}, {"type", "quantitative"}, {"title", lines_of(title)}};
-    if (axis.min && axis.max) {
+    if (axis.log) {
+      channel["scale"] = {{"type", "log"}};
+    } else if (axis.min && axis.max) {
       channel["scale"] = {{"domain", {*axis.min, *axis.max}}};
     } else {
       channel["scale"] = {{"zero", axis.zero}};

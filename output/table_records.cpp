@@ -1,13 +1,10 @@
-#include "embedded/chart/table_records.h"
+#include "output/table_records.h"
 
 #include <algorithm>
 #include <map>
 #include <memory>
 
-namespace hierfit::chart {
-
-using output::Dimension;
-using output::Table;
+namespace hierfit::output {
 
 namespace {
 
@@ -15,11 +12,15 @@ constexpr size_t kNoColumn = SIZE_MAX;
 
 /// By leaf of a dimension: which of the columns it is.
 std::vector<size_t> columns_of_leaves(const Dimension& dimension,
-                                      std::span<const std::string_view> columns) {
+                                      std::span<const ColumnKey> columns) {
   std::vector<size_t> of_leaf(dimension.leaves.size(), kNoColumn);
   for (size_t column = 0; column < columns.size(); ++column) {
     const auto has_key = [&](uint32_t node) {
-      return dimension.nodes[node].label.key == columns[column];
+      const Node& head = dimension.nodes[node];
+      const auto& [key, group] = columns[column];
+      const bool fits = group.empty() ||
+                        (head.parent != kNone && dimension.nodes[head.parent].label.key == group);
+      return head.label.key == key && fits;
     };
     const auto found = std::ranges::find_if(dimension.leaves, has_key);
     if (found != dimension.leaves.end()) {
@@ -30,17 +31,16 @@ std::vector<size_t> columns_of_leaves(const Dimension& dimension,
 }
 
 std::string head_of(const Dimension& dimension, uint32_t leaf) {
-  return leaf == output::kNone ? std::string()
-                               : dimension.nodes[dimension.leaves[leaf]].label.shown;
+  return leaf == kNone ? std::string() : dimension.nodes[dimension.leaves[leaf]].label.shown;
 }
 
 }  // namespace
 
-std::vector<Record> records_of(const Table& table, std::span<const std::string_view> columns) {
+std::vector<Record> records_of(const Table& table, std::span<const ColumnKey> columns) {
   std::vector<size_t> heads;
   size_t statistics = table.dimensions.size();
   for (size_t d = 0; d < table.dimensions.size(); ++d) {
-    if (table.dimensions[d].place == output::Place::Rows) {
+    if (table.dimensions[d].place == Place::Rows) {
       heads.push_back(d);
     } else {
       statistics = d;
@@ -62,9 +62,9 @@ std::vector<Record> records_of(const Table& table, std::span<const std::string_v
       for (const size_t d : heads)
         record.heads.push_back(head_of(table.dimensions[d], at[d]));
     }
-    const auto* number = std::get_if<output::Number>(&table.cells.values[cell]);
+    const auto* number = std::get_if<Number>(&table.cells.values[cell]);
     const uint32_t leaf = at[statistics];
-    if (number == nullptr || leaf == output::kNone || column_of[leaf] == kNoColumn) continue;
+    if (number == nullptr || leaf == kNone || column_of[leaf] == kNoColumn) continue;
     records[place->second].numbers[column_of[leaf]] = *number;
   }
   return records;
@@ -73,18 +73,18 @@ std::vector<Record> records_of(const Table& table, std::span<const std::string_v
 std::vector<std::string> head_titles(const Table& table) {
   std::vector<std::string> titles;
   for (const Dimension& dimension : table.dimensions) {
-    if (dimension.place == output::Place::Rows) titles.push_back(dimension.title.shown);
+    if (dimension.place == Place::Rows) titles.push_back(dimension.title.shown);
   }
   return titles;
 }
 
-const Table* table_of(const output::Section& section, std::string_view subtype) {
+const Table* table_of(const Section& section, std::string_view subtype) {
   const Table* last = nullptr;
-  for (const output::Item& item : section.items) {
+  for (const Item& item : section.items) {
     const auto* table = std::get_if<std::unique_ptr<Table>>(&item);
     if (table != nullptr && (*table)->subtype == subtype) last = table->get();
   }
   return last;
 }
 
-}  // namespace hierfit::chart
+}  // namespace hierfit::output
