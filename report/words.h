@@ -66,11 +66,13 @@ inline constexpr std::string_view kWords[] = {
     "Value",
     "Warning:",
     "Weight",
+    "^1 and ^2",
     "^1 panels.",
     "^1 with ^2",
     "^1: ^2 (^3).",
     "^1: ^2.",
     "and ^1 more",
+    "interaction of ^1",
     "missing",
 };
 

@@ -1,5 +1,6 @@
 // Charts of means: cells without a mean, further factors, what the bars and the numbers are.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 #include <optional>
@@ -131,6 +132,15 @@ struct Further {
   std::vector<std::vector<std::string>> heads;  ///< by title, then by mean
 };
 
+/// Whether a line has the categories of a mean.
+bool is_at_place(const output::Record& record, const Means& means, size_t cell) {
+  return std::ranges::all_of(std::array{"effect1", "effect2"}, [&](std::string_view role) {
+    const ChartVariable* factor = by_role(means.source, role);
+    return factor != nullptr &&
+           std::ranges::find(record.heads, category_at(*factor, 2 * cell)) != record.heads.end();
+  });
+}
+
 /// The heads of a table's lines with the same means at the same places; none when the table is not
 /// that of the chart.
 std::optional<Further> further_in(const output::Table& table, const Means& means) {
@@ -148,20 +158,19 @@ std::optional<Further> further_in(const output::Table& table, const Means& means
   for (const size_t d : further)
     found.titles.push_back(titles[d]);
   found.heads.resize(further.size());
-  std::vector<output::Record> records = output::records_of(table, kMeanColumns);
+  const std::vector<output::Record> records = output::records_of(table, kMeanColumns);
+  std::multimap<double, const output::Record*> by_mean;
+  for (const output::Record& record : records)
+    by_mean.emplace(record.numbers[kMean].value, &record);
   for (size_t cell = 0; cell < means.size(); ++cell) {
-    const auto is_of_cell = [&](const output::Record& record) {
-      return record.numbers[kMean].value == means.mean_at(cell) &&
-             std::ranges::all_of(std::array{"effect1", "effect2"}, [&](std::string_view role) {
-               const std::string category = category_at(*by_role(means.source, role), 2 * cell);
-               return std::ranges::find(record.heads, category) != record.heads.end();
-             });
-    };
-    auto record = std::ranges::find_if(records, is_of_cell);
-    if (means.mean_at(cell) == kSystemMissing || record == records.end()) return {};
+    if (means.mean_at(cell) == kSystemMissing) return {};
+    const auto [begin, end] = by_mean.equal_range(means.mean_at(cell));
+    const auto record = std::find_if(
+        begin, end, [&](const auto& each) { return is_at_place(*each.second, means, cell); });
+    if (record == end) return {};
     for (size_t i = 0; i < further.size(); ++i)
-      found.heads[i].push_back(record->heads[further[i]]);
-    records.erase(record);
+      found.heads[i].push_back(record->second->heads[further[i]]);
+    by_mean.erase(record);
   }
   return found;
 }

@@ -129,8 +129,10 @@ class Spans {
       unset_pair(role("type"), i);
       unset_pair(role("tooltip"), i);
     }
-    if (record.numbers[kLower].missing()) role("confMargin")->values.unset(2 * i);
-    if (record.numbers[kUpper].missing()) role("confMargin")->values.unset(2 * i + 1);
+    ChartVariable* whisker = role("confMargin");
+    if (whisker == nullptr) return;
+    if (record.numbers[kLower].missing()) whisker->values.unset(2 * i);
+    if (record.numbers[kUpper].missing()) whisker->values.unset(2 * i + 1);
   }
 
   /// The numbers of the table, as columns of the data and lines of the tooltips.

@@ -247,7 +247,7 @@ class Description {
       for (size_t row = 0; row < element.rows(); ++row) {
         if (!has_value(*label, row)) continue;
         const std::string name = shown_value(*label, row, binding_.numbers);
-        if (element.element->kind == ElementKind::Text) names.push_back(name);
+        if (element.element->kind == ElementKind::Text) names.push_back(spoken(name));
         if (element.element->kind == ElementKind::Node) target = name;
       }
     }
@@ -273,6 +273,22 @@ class Description {
       }
       i = next;
     }
+  }
+
+  /// A term in words: "interaction of a and b=1" for "a*[b=1]".
+  std::string spoken(std::string_view term) const {
+    std::string said;
+    size_t parts = 0;
+    while (!term.empty()) {
+      const size_t end = std::min(term.find('*'), term.size());
+      std::string part(term.substr(0, end));
+      term.remove_prefix(std::min(end + 1, term.size()));
+      std::erase_if(part, [](char c) { return c == '[' || c == ']'; });
+      const size_t begin = std::min(part.find_first_not_of(' '), part.size());
+      part = part.substr(begin, part.find_last_not_of(' ') + 1 - begin);
+      said = parts++ == 0 ? part : filled(binding_.word("^1 and ^2"), said, part);
+    }
+    return parts < 2 ? said : filled(binding_.word("interaction of ^1"), said);
   }
 
   std::string listed(const std::vector<std::string>& names) const {
