@@ -69,12 +69,17 @@ void choose(output::Document& document, const Workshop& workshop) {
   report::keep(wanted, document);
 }
 
+Naming naming_of(std::string_view name) {
+  return std::ranges::find(kNamings, name, &NamedNaming::name)->naming;
+}
+
 output::Document make_document(SessionInput input,
                                const Workshop& workshop,
                                std::ostream* journal) {
   Session session(std::move(input), {.language = workshop.language,
                                      .resource_directory = workshop.program.resources,
                                      .title = workshop.options.title,
+                                     .naming = naming_of(workshop.options.labels),
                                      .journal = journal,
                                      .words = report::kWords});
   const std::unique_ptr<CFProcCustom> procedure = workshop.module.make_procedure();

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <sstream>
 
+#include "embedded/labels/labelled.h"
 #include "import/nearest.h"
 #include "report/chart_files.h"
 #include "report/preset.h"
@@ -28,6 +29,7 @@ Words names_of(const Rows& rows) {
 Words form_names() { return names_of(report::kForms); }
 Words chart_form_names() { return names_of(report::kChartForms); }
 Words style_names() { return names_of(report::kPresets); }
+Words naming_names() { return names_of(kNamings); }
 Words colour_words() { return {"auto", "always", "never"}; }
 Words shell_names() { return {"bash", "zsh", "fish"}; }
 
@@ -68,6 +70,9 @@ constexpr OptionRow kRows[] = {
      "the output language, else that of LC_ALL, LC_MESSAGES or LANG; C shows every key as it "
      "stands",
      &Options::language},
+    {Section::Display, "--labels", "KIND", Takes::Word,
+     "what variables and their values are called, by the dictionary; both is label (name)",
+     &Options::labels, &naming_names},
     {Section::Display, "-s,--style", "STYLE", Takes::Word,
      "the house style of numbers and symbols; which cells there are does not depend on it",
      &Options::style, &style_names},

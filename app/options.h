@@ -26,6 +26,7 @@ struct Options {
   std::string dictionary;                ///< empty: none
   std::string language;                  ///< empty: the environment tells
   std::string title;                     ///< of the report; empty: the documents tell
+  std::string labels = "label";          ///< the name of a naming
   std::string style = "default";         ///< the name of a preset
   std::string charts;                    ///< the folder for charts as files; empty: none
   std::vector<std::string> chart_forms;  ///< empty: SVG

@@ -8,6 +8,7 @@
 #include "embedded/chart/complete.h"
 #include "embedded/dictionary/read_dictionary.h"
 #include "embedded/files/paths.h"
+#include "embedded/labels/relabel.h"
 #include "embedded/pmml/model_document.h"
 #include "embedded/session_state.h"
 
@@ -47,6 +48,7 @@ Inputs read_inputs(const SessionInput& input, const SessionOptions& options) {
   if (input.dictionary) {
     overlay_table_schema(inputs.dictionary, *input.dictionary, input.dictionary_name);
   }
+  apply(options.naming, inputs.dictionary);
   return inputs;
 }
 
@@ -54,7 +56,8 @@ Inputs read_inputs(const SessionInput& input, const SessionOptions& options) {
 std::unique_ptr<BpProcedure> make_procedure(Session::State& state) {
   return std::make_unique<BpProcedure>(std::make_shared<BpHeading::Impl>(
       state.outputs.document.content, state.outputs.open_sections,
-      pivot::Wording{state.inputs.strings, state.outputs.document}, state.journal.get()));
+      pivot::Wording{state.inputs.strings, state.outputs.document, state.inputs.dictionary},
+      state.journal.get()));
 }
 
 /// Why the procedure gave false. The model document was read once before, so the result document is
@@ -144,6 +147,7 @@ void Session::tell_about() {
   const Inputs& inputs = state_->inputs;
   output::Document& document = state_->outputs.document;
   if (!state_->outputs.result) return;
+  relabel(document, inputs.dictionary, inputs.strings, state_->outputs.result->target);
   const about::Wording wording = {inputs.strings, inputs.dictionary};
   about::add_notes(*state_->outputs.result, document.content, wording);
   std::vector<output::Message> of_tables = std::move(document.about.messages);

@@ -13,6 +13,7 @@
 #include "host/pivot.h"
 
 #include "embedded/error.h"
+#include "embedded/labels/labelled.h"
 #include "embedded/shortfall.h"
 #include "output/document.h"
 
@@ -34,6 +35,7 @@ struct SessionOptions {
   std::string language = "en";      ///< BCP 47 tag, or "C": every key stands for itself
   std::string resource_directory;   ///< holds `locale/` and `template/`
   std::string title = {};           ///< of the report; empty: the documents tell
+  Naming naming = Naming::Label;    ///< what fields and values are called
   std::ostream* journal = nullptr;  ///< where the host call journal goes; null: no journal
   std::span<const std::string_view> words = {};  ///< keys of `output::Document::words`
 };

@@ -226,7 +226,8 @@ class Facts {
   /// "Label (name)", by which the formula knows it; a name without a label, and a number, alone.
   Text named(const std::string& field) const {
     const std::string label = wording_.label_of(field);
-    if (label == field) return plain(field);
+    const bool names_it = label == field || label.ends_with("(" + field + ")");
+    if (names_it) return plain(label);
     return wording_.filled("^1 (^2)", plain(label), plain(field));
   }
 

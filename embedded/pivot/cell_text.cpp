@@ -1,9 +1,11 @@
 #include "embedded/pivot/cell_text.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 
 #include "embedded/journal/journal.h"
+#include "embedded/labels/labelled.h"
 #include "embedded/session_state.h"
 #include "embedded/strings/pattern.h"
 
@@ -11,6 +13,16 @@ namespace hierfit::pivot {
 namespace {
 
 constexpr int32_t kShowName = 0;
+
+/// The patterns that are given names of fields, and the first argument that holds some, from 0.
+struct NamesOfPattern {
+  std::string_view pattern;
+  size_t first;
+};
+constexpr NamesOfPattern kNamesOfPatterns[] = {
+    {"Covariance Structure ^1 Subject Specification ^2 ...", 1},
+    {"Continuous predictors fixed at [%1=%2:,^1=^2:]1", 0},
+};
 constexpr int32_t kPreferLabel = 2;
 
 template <class Part>
@@ -78,6 +90,26 @@ output::Text shown_part(const DataValueText& part, const Wording& wording) {
   return {label != nullptr ? label : ToString(&*part.value, part.variable->GetFormat()), {}};
 }
 
+/// Where names of fields stand, a reader sees their labels.
+void show_labels(const CompositeText& part,
+                 const Wording& wording,
+                 std::vector<PatternArgument>& arguments) {
+  const auto* names = std::ranges::find(kNamesOfPatterns, part.pattern, &NamesOfPattern::pattern);
+  if (!part.is_key || names == std::end(kNamesOfPatterns)) return;
+  const auto show = [&](output::Text& text) {
+    if (text.key.empty() && text.numbers.empty()) {
+      text.shown = labelled(text.shown, wording.dictionary);
+    }
+  };
+  for (size_t at = names->first; at < arguments.size(); ++at) {
+    if (auto* text = std::get_if<output::Text>(&arguments[at])) {
+      show(*text);
+    } else {
+      std::ranges::for_each(std::get<std::vector<output::Text>>(arguments[at]), show);
+    }
+  }
+}
+
 PatternArgument pattern_argument(const CompositeText::Argument& argument, const Wording& wording) {
   if (!argument.is_list) return shown_text(*argument.items.front(), wording);
   std::vector<output::Text> items;
@@ -92,6 +124,7 @@ output::Text shown_part(const CompositeText& part, const Wording& wording) {
   arguments.reserve(part.arguments.size());
   for (const auto& argument : part.arguments)
     arguments.push_back(pattern_argument(argument, wording));
+  show_labels(part, wording, arguments);
   if (!part.is_key) return fill_pattern(part.pattern, arguments);
   output::Text text = fill_pattern(wording.strings.text(part.pattern), arguments);
   text.key = wording.document.own_key(part.pattern);

@@ -9,6 +9,7 @@
 #include "host/dictionary.h"
 #include "host/pivot.h"
 
+#include "embedded/dictionary/data_dictionary.h"
 #include "embedded/strings/string_table.h"
 #include "output/document.h"
 
@@ -77,6 +78,7 @@ namespace hierfit::pivot {
 struct Wording {
   const StringTable& strings;
   output::Document& document;
+  const DataDictionary& dictionary;
 };
 
 /// The text as a person sees it, in the language of the string table.

@@ -99,7 +99,8 @@ void BpError(const BpCellText& text, BpErrorShow show, BpErrorLevel level) {
   journal::note(state.journal.get(), "BpError", text, static_cast<int32_t>(show),
                 static_cast<int32_t>(level));
   state.outputs.open_section().items.emplace_back(std::make_unique<output::Message>(output::Message{
-      pivot::shown_text(text.impl(), {state.inputs.strings, state.outputs.document}),
+      pivot::shown_text(text.impl(),
+                        {state.inputs.strings, state.outputs.document, state.inputs.dictionary}),
       severity_of(level)}));
 }
 

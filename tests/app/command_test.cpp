@@ -40,6 +40,11 @@ TEST_CASE("options and documents reach the report") {
   const std::string with_labels =
       shell("hierfit -d " + kExample + "dictionary.json --format json " + kDocuments).output;
   CHECK(with_labels.find("mountaintop") != std::string::npos);
+  const std::string dictionary = " -d " + kExample + "dictionary.json ";
+  CHECK(shell("hierfit --labels name" + dictionary + kDocuments).output.find("\nspp * mined ") !=
+        std::string::npos);
+  CHECK(shell("hierfit --labels both" + dictionary + kDocuments).output.find("\nSpecies (spp) ") !=
+        std::string::npos);
   CHECK(shell("hierfit -l C " + kDocuments).output.find("Model Summary") != std::string::npos);
   CHECK(shell("LC_ALL= LC_MESSAGES=sv_SE.UTF-8 " + kCommand + " " + kDocuments).output ==
         shell("hierfit " + kDocuments).output);

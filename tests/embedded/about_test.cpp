@@ -233,10 +233,10 @@ TEST_CASE("a variance on its boundary is said to be there, a covariance of 0 is 
     files.result.replace(value, files.result.find('"', value) - value, estimate);
     return test::run(files, "en");
   };
-  CHECK(
-      messages(run("Var(Days)", "0").document) ==
-      "boundary warning: Random effect, Var(Days): the variance is estimated as exactly 0, on the "
-      "boundary of what a variance can be; its standard error, test and interval do not hold.\n");
+  CHECK(messages(run("Var(Days)", "0").document) ==
+        "boundary warning: Random effect, Var(Days of sleep deprivation): the variance is "
+        "estimated as exactly 0, on the "
+        "boundary of what a variance can be; its standard error, test and interval do not hold.\n");
   CHECK(messages(run("Var(Days)", "0.001").document).empty());
   CHECK(messages(run("Cov(Days,Intercept)", "0").document).empty());
 }

@@ -61,8 +61,8 @@ TEST_CASE("the small fit of the manual comes to a report") {
   CHECK(imported.said() == "");
   const TableRun run = imported.run();
   REQUIRE(run.reads);
-  CHECK(run.cell("FixedCoefficients", {"Type=T2", "t"}) == "7.497");
-  CHECK(run.cell("FixedCoefficients", {"Type=T1", "Coefficient"}) == "0");
+  CHECK(run.cell("FixedCoefficients", {"Type of stool=T2", "t"}) == "7.497");
+  CHECK(run.cell("FixedCoefficients", {"Type of stool=T1", "Coefficient"}) == "0");
   // The overall test that is reckoned from the contrasts is the F test of the only effect.
   const size_t test = imported.documents->result.find("\"overallTest\"");
   const size_t statistic = imported.documents->result.find("fStatistic=\"22.35", test);

@@ -318,8 +318,8 @@ def faults_of(table, found, shown_as):
         yield f"lost the numbers {dict(lost)}"
     joined = re.sub(r"\s+", "", "".join(map(plain, found.text)))
     for text in texts_of(table, found.whole):
-        # A longer word is divided, with parts of other cells in between.
-        if not all(word[:20] in joined for word in plain(text).split()):
+        # A longer word is divided, also behind a sign, with parts of other cells in between.
+        if not all(word[:20] in joined for word in re.split(r"\s+|(?<=[-*])", plain(text))):
             yield f"lost the text {text!r}"
 
 
