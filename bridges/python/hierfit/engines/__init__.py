@@ -1,0 +1,55 @@
+"""Readers of results, by the class of the result."""
+
+from __future__ import annotations
+
+from typing import Any, Callable, Dict
+
+from ..errors import Unsupported
+from ..parts import Parts
+
+Reader = Callable[[Any, float], Parts]
+
+_readers: Dict[str, Reader] = {}
+
+
+def reads(*classes: str) -> Callable[[Reader], Reader]:
+    """Registers a reader of results of these classes, each given as "module.Class".
+
+    The names are looked up among the bases of a result, so that no engine is imported before a
+    result of it is there.
+    """
+
+    def register(reader: Reader) -> Reader:
+        for name in classes:
+            _readers[name] = reader
+        return reader
+
+    return register
+
+
+def parts_of(result: Any, level: float = 0.95) -> Parts:
+    """What a result gives.
+
+    Parameters
+    ----------
+    result
+    level : float
+        That of intervals which a reader makes itself.
+
+    Raises
+    ------
+    Unsupported
+        When no reader knows its class.
+    """
+    from . import bayes, discrete, generalized, linear_models, mixedlm, ordered  # noqa: F401
+
+    inner = getattr(result, "_results", result)
+    for base in type(inner).__mro__:
+        reader = _readers.get(f"{base.__module__}.{base.__qualname__}")
+        if reader is not None:
+            return reader(inner, level)
+    raise Unsupported(
+        f"No reader knows a {type(inner).__name__}: report takes results of MixedLM, GEE, "
+        "BinomialBayesMixedGLM, PoissonBayesMixedGLM, GLM, OLS, WLS, Logit, Probit, Poisson and "
+        "OrderedModel of statsmodels; for any other, hand its numbers to hierfit.fit."
+    )
