@@ -65,8 +65,8 @@ def report(
     contrasts : {"pairwise", "deviation", "simple"}, optional
         Each level with each, with the mean of all, or with a reference.
     reference : dict, optional
-        The reference level of simple contrasts, by factor; else the last level.
-    adjust : {"none", "holm", "bonferroni", "sidak"}
+        The reference level of simple contrasts, by factor; else the first level.
+    adjust : {"none", "holm", "sequential sidak", "bonferroni", "sidak"}
         How the p values of contrasts are adjusted, among those of the same levels of other factors.
     level : float
         Of all intervals, between 0 and 1.

@@ -61,14 +61,16 @@ def plain(value: Any) -> Any:
     """A value as JSON has it: a number, a text, or null for a missing one."""
     if value is None or value is pd.NA or value is pd.NaT:
         return None
-    if isinstance(value, (bool, np.bool_)):
+    if isinstance(value, np.generic):
+        value = value.item()
+    if isinstance(value, bool):
         return str(bool(value))
-    if isinstance(value, (int, np.integer)):
-        return int(value)
-    if isinstance(value, (float, np.floating)):
+    if isinstance(value, int):
+        return value
+    if isinstance(value, float):
         if not np.isfinite(value):
             return None
-        return int(value) if float(value).is_integer() and abs(value) < 2**53 else float(value)
+        return int(value) if value.is_integer() and abs(value) < 2**53 else value
     return str(value)
 
 

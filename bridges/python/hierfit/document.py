@@ -10,8 +10,9 @@ import numpy as np
 from scipy import stats
 
 from . import linear
+from .design import plain
 from .errors import Unsupported
-from .means import Wishes, effect_means, estimated, grand_mean, means_block
+from .means import Wishes, effect_means, grand_mean, means_block
 from .parts import Parts
 
 #: What the report calls a variable, or its values: a text, or texts by value.
@@ -21,7 +22,8 @@ Labels = Mapping[str, Union[str, Mapping[Any, str]]]
 MOST_CHARTED = 10
 
 #: The words of fit documents for the adjustments; "other" where the numbers are made here.
-ADJUSTMENTS = {"none": "none", "holm": "holm", "bonferroni": "other", "sidak": "other"}
+ADJUSTMENTS = {"none": "none", "holm": "holm", "sequential sidak": "sequential sidak",
+               "bonferroni": "other", "sidak": "other"}
 ADJUSTMENT_NAMES = {"bonferroni": "Bonferroni", "sidak": "Šidák"}
 
 
@@ -170,7 +172,14 @@ class _Maker:
         return member
 
     def _data(self) -> Dict[str, Any]:
-        columns = self._values_by_name()
+        """The records that the summaries are made from; those of other variables stay here."""
+        parts = self.parts
+        wanted = {parts.target.variable, parts.target.trials,
+                  *parts.residual.get("subjects", []), *parts.residual.get("repeated", [])}
+        for block in parts.random:
+            wanted.update(block.get("subjects", []))
+        columns = {name: values for name, values in self._values_by_name().items()
+                   if name in wanted}
         text = json.dumps(columns, sort_keys=True, ensure_ascii=False, allow_nan=False)
         data: Dict[str, Any] = {"columns": columns,
                                 "hash": "sha256:" + hashlib.sha256(text.encode()).hexdigest()}
@@ -317,8 +326,8 @@ class _Maker:
             return
         if wishes.scale == "response" and self.parts.link.name != "identity":
             self.notes.append(
-                "Contrasts are differences of means on the scale of the target, their standard "
-                "errors by the delta method."
+                "Contrasts are differences of means on the scale of the target, their variances "
+                "by the delta method."
             )
         if wishes.scale == "link":
             self.notes.append("Means and contrasts are on the scale of the link.")
@@ -339,9 +348,4 @@ def _upper_p(test: Mapping[str, Any]) -> float:
 
 
 def _key(value: Any) -> str:
-    from .design import plain
-
     return str(plain(value))
-
-
-__all__ = ["ADJUSTMENTS", "Labels", "estimated", "fit_document"]

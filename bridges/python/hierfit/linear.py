@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import itertools
 from dataclasses import dataclass
-from typing import List, Optional, Sequence, Tuple
+from typing import List, Optional, Tuple
 
 import numpy as np
 from scipy import stats
@@ -105,7 +105,7 @@ def comparisons(kind: str, count: int, reference: Optional[int] = None) -> List[
     count : int
         Levels.
     reference : int, optional
-        The position of the reference; the last level when it is not told.
+        The position of the reference; the first level when it is not told.
     """
     if kind == "pairwise":
         pairs = itertools.combinations(range(count), 2)
@@ -114,8 +114,8 @@ def comparisons(kind: str, count: int, reference: Optional[int] = None) -> List[
         rows = np.eye(count) - 1 / count
         return [Comparison(level, None, row) for level, row in enumerate(rows)]
     if kind == "simple":
-        last = count - 1 if reference is None else reference
-        return [_difference(count, level, last) for level in range(count) if level != last]
+        held = reference or 0
+        return [_difference(count, level, held) for level in range(count) if level != held]
     raise Unsupported(f"contrasts is {kind!r}; it may be 'pairwise', 'deviation' or 'simple'.")
 
 
@@ -147,9 +147,3 @@ def same_span(left: np.ndarray, right: np.ndarray) -> Optional[np.ndarray]:
     if np.linalg.matrix_rank(change) < len(change):
         return None
     return change
-
-
-__all__: Sequence[str] = [
-    "Comparison", "adjusted", "adjusted_level", "comparisons", "finite", "lower_triangle", "reach",
-    "same_span", "standard_errors", "two_sided_p", "wald_f",
-]

@@ -10,8 +10,9 @@ from typing import Any, Dict, List, Mapping, Optional, Sequence, Tuple
 import numpy as np
 
 from . import linear
+from .design import plain
 from .errors import Unsupported
-from .parts import Parts
+from .parts import IDENTITY, Parts
 
 #: Contrasts in a block beyond which nobody reads on.
 MOST_CONTRASTS = 1000
@@ -76,7 +77,7 @@ def estimated(parts: Parts, rows: np.ndarray, wishes: Wishes) -> Estimated:
     if parts.covariance is not None:
         covariance = rows @ parts.covariance @ rows.T
     to_target = wishes.scale == "response"
-    inverse = parts.link.inverse if to_target else np.asarray
+    inverse = parts.link.inverse if to_target else IDENTITY.inverse
     low = high = None
     if covariance is not None:
         distance = linear.reach(wishes.level, wishes.df) * linear.standard_errors(covariance)
@@ -131,8 +132,6 @@ def _compared(parts: Parts, name: str, wishes: Wishes) -> List[linear.Comparison
     levels = parts.design.factors[name]
     reference = None
     if name in (wishes.reference or {}):
-        from .design import plain
-
         wanted = plain(wishes.reference[name])
         if wanted not in levels:
             raise Unsupported(

@@ -18,6 +18,9 @@ from .generalized import binomial_target
 from ..design import plain_list
 from ..parts import Parts
 
+#: The variance below which a posterior counts as collapsed, on the scale of the link.
+NEGLIGIBLE = 1e-6
+
 
 def _common_column(model: Any, at: int, frame: Optional[pd.DataFrame]) -> Optional[RandomColumn]:
     """What all columns of a variance component are, apart from the levels."""
@@ -78,11 +81,11 @@ def bayes(result: Any, level: float) -> Parts:
     width = int(model.k_fep)
     spreads = np.asarray(result.fe_sd, dtype=float)
     distribution, notes = distribution_of(model.family)
-    method = "a Laplace approximation" if is_laplace else "variational Bayes"
+    method = "the mode, by Laplace's method" if is_laplace else "the mean, by variational Bayes"
     notes += [
-        f"Estimates are of a posterior by {method}: means of coefficients, medians of variances. "
-        "Bounds are those of credible intervals; the standard deviations of a posterior are no "
-        "standard errors, so there are no tests.",
+        f"Coefficients are of a posterior: {method}; variances are medians. Bounds are those of "
+        "credible intervals; the standard deviations of a posterior are no standard errors, so "
+        "there are no tests.",
         f"Priors are normal: with the standard deviation {float(model.fe_p):g} for coefficients and "
         f"{float(model.vcp_p):g} for the logarithms of the standard deviations of random effects.",
     ]
@@ -97,7 +100,10 @@ def bayes(result: Any, level: float) -> Parts:
     linear = np.asarray(model.exog) @ result.fe_mean + model.exog_vc.dot(result.vc_mean)
     mean = np.asarray(model.family.link.inverse(np.asarray(linear).ravel()))
     outcome = result.optim_retvals
-    converged = outcome is None or bool(outcome.success)
+    conditions = [] if outcome is None or outcome.success else ["not converged"]
+    if np.any(np.exp(2 * np.asarray(result.vcp_mean)) < NEGLIGIBLE):
+        conditions.append("covariance values doubtful")
+        notes.append("A variance is all but 0: the mode of its posterior is on the boundary.")
     return Parts(
         call=f"{type(model).__name__}.{'fit_map' if is_laplace else 'fit_vb'}()",
         version=version(),
@@ -117,5 +123,5 @@ def bayes(result: Any, level: float) -> Parts:
         order=order_of(model),
         predicted=binary_predicted(target, mean) if target.categories else plain_list(mean),
         notes=notes,
-        conditions=[] if converged else ["not converged"],
+        conditions=conditions,
     )

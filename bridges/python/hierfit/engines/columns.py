@@ -9,7 +9,7 @@ from typing import Dict, List, Optional, Sequence, Tuple
 import numpy as np
 import pandas as pd
 
-from ..design import plain, plain_list
+from ..design import plain
 from ..formula import variable_of
 
 _PIECE = re.compile(r"^(?P<code>.+?)\[(?:[TS]\.)?(?P<level>[^\[\]]*)\]$")
@@ -92,5 +92,3 @@ def read_columns(
     columns = [read_column(name, frame) for name in names]
     return None if any(column is None for column in columns) else list(columns)  # type: ignore
 
-
-__all__ = ["RandomColumn", "level_of", "plain_list", "read_column", "read_columns", "values_of"]

@@ -90,8 +90,8 @@ def binomial_target(model: Any, weights: Optional[np.ndarray]) -> Tuple[Target, 
 def _target(model: Any, distribution: str) -> Tuple[Target, List[str], bool]:
     """The target, notes, and whether records can be shown."""
     frequencies = _weights(model, "freq_weights")
-    variances = _weights(model, "var_weights")
-    weights = _weights(model, "weights") if variances is None else variances
+    is_gee = hasattr(model, "cov_struct")
+    weights = _weights(model, "weights" if is_gee else "var_weights")
     notes: List[str] = []
     if distribution == "binomial":
         target, notes = binomial_target(model, weights)
@@ -130,10 +130,10 @@ def _common(result: Any) -> Dict[str, Any]:
     model = result.model
     distribution, notes = distribution_of(model.family)
     target, target_notes, has_records = _target(model, distribution)
-    alpha = getattr(model.family, "alpha", None)
+    alpha = getattr(model.family, "alpha", None)  # of a negative binomial
     notes += target_notes + offset_notes(getattr(model, "_offset_exposure", None))
     if distribution == "negative binomial":
-        notes.append(f"The dispersion {float(alpha):g} was given, not estimated.")
+        notes.append(f"The dispersion {alpha:g} was given, not estimated.")
     elif distribution in ("poisson", "binomial") and float(result.scale) != 1:
         notes.append("Standard errors are widened by the root of the dispersion.")
     return dict(

@@ -76,7 +76,7 @@ class _Blocks:
         none = np.full(len(self.free), np.nan)
         if self._is_on_boundary():
             self.notes.append(BOUNDARY)
-            self.conditions.append("covariance estimates doubtful")
+            self.conditions.append("covariance values doubtful")
             return none
         if not self.result.converged:
             return none
@@ -87,7 +87,7 @@ class _Blocks:
                 "The information of the covariance parameters is not positive definite at the "
                 "estimates, so they have no standard errors."
             )
-            self.conditions.append("covariance estimates doubtful")
+            self.conditions.append("covariance values doubtful")
             return none
         self.notes.append(
             "Standard errors of covariance parameters are from the observed information at the "
@@ -270,7 +270,9 @@ def mixedlm(result: Any, level: float) -> Parts:
     if result.freepat is not None:
         estimated += int(np.sum(np.asarray(result.freepat.fe_params) != 0)) - width
     parameters = width + estimated
+    method = "restricted maximum likelihood (REML)" if result.reml else "maximum likelihood"
     notes = [
+        f"Fitted by {method}.",
         "MixedLM has no degrees of freedom: t and F are of the normal and the chi-square "
         "distribution.",
         f"AICc and BIC count {parameters} parameters and {len(model.endog)} records.",
