@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import functools
 import os
 import shutil
 import subprocess
@@ -65,17 +64,6 @@ def run(arguments: Sequence[str], document: Optional[str] = None) -> bytes:
     for message in messages:
         warnings.warn(message, HierfitWarning, stacklevel=4)
     return done.stdout
-
-
-@functools.lru_cache(maxsize=None)
-def _help_of(path: str, changed: int) -> str:
-    return subprocess.run([path, "--help"], capture_output=True, check=False).stdout.decode()
-
-
-def has_option(option: str) -> bool:
-    """Whether the command knows an option, by what its help says."""
-    path = find()
-    return option in _help_of(path, os.stat(path).st_mtime_ns)
 
 
 Pathlike = Union[str, "os.PathLike[str]"]

@@ -4,7 +4,6 @@ from __future__ import annotations
 
 import copy
 import hashlib
-import html
 import itertools
 import json
 import os
@@ -31,7 +30,8 @@ class Look:
     language : str, optional
         The tag of its language; that of the surroundings when it is not told.
     tables : tuple of str
-        The kinds of table that are shown; all when it is empty.
+        The kinds of table and figure that are shown, as `Report.cells` names tables; all when it is
+        empty.
     """
 
     style: Optional[str] = None
@@ -87,7 +87,20 @@ class Report:
         language: Optional[str] = None,
         tables: Sequence[str] = (),
     ) -> "Report":
-        """The same report in another look: a house style, a language, some tables alone."""
+        """The same report in another look.
+
+        Parameters
+        ----------
+        style : {"default", "apa", "jama", "lancet"}, optional
+        language : str, optional
+            "de", "en", "es", "fr", "ja", "pt" or "zh-Hans".
+        tables : list of str
+            Only these kinds of table and figure, as `cells` names tables: "FixedCoefficients", ...
+
+        Returns
+        -------
+        Report
+        """
         look = replace(
             self._look,
             style=style or self._look.style,
@@ -200,21 +213,13 @@ class Report:
     def _repr_html_(self) -> Optional[str]:
         if _is_missing():
             return None
-        if command.has_option("--fragment"):
-            return self.render("html", "--fragment", f"--id-prefix={self._prefix()}").decode()
-        page = html.escape(self.render("html").decode())
-        return (
-            f'<iframe srcdoc="{page}" style="width: 100%; height: 40em; border: 0" '
-            'title="Report"></iframe>'
-        )
+        return self.render("html", "--fragment", f"--id-prefix={self._prefix()}").decode()
 
     def _repr_markdown_(self) -> Optional[str]:
         return None if _is_missing() else self.render("markdown").decode()
 
     def _repr_latex_(self) -> Optional[str]:
-        if _is_missing() or not command.has_option("--fragment"):
-            return None
-        return self.render("latex", "--fragment").decode()
+        return None if _is_missing() else self.render("latex", "--fragment").decode()
 
     def _prefix(self) -> str:
         """What the ids of a page start with: the same in each run, and another one each time that
