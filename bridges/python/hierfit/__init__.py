@@ -40,7 +40,7 @@ def report(
     contrasts: Optional[str] = None,
     *,
     reference: Optional[Mapping[str, Any]] = None,
-    adjust: str = "none",
+    adjust: str = "holm",
     level: float = 0.95,
     scale: str = "response",
     at: Optional[Mapping[str, float]] = None,

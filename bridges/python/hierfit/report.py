@@ -152,16 +152,17 @@ class Report:
             raise TypeError("save wants the name of a file, or more.")
         command.run(["-", *outputs, *look.arguments()], self.json())
 
-    def documents(self, folder: command.Pathlike, records: bool = False) -> List[str]:
+    def documents(self, folder: command.Pathlike, data: bool = False) -> List[str]:
         """Writes the model document, the result document and the fit document.
 
         Parameters
         ----------
         folder : path
             Made when it is not there.
-        records : bool
-            Whether the fit document holds the records themselves. The other two never do: they
-            have bins and counts of them.
+        data : bool
+            Whether the fit document holds the records of the target and of the subjects, which
+            charts of records need. The other two have bins, counts and pairs of them, and the
+            first ten of the first subject.
 
         Returns
         -------
@@ -172,7 +173,7 @@ class Report:
         os.makedirs(place, exist_ok=True)
         command.run(["import", f"--output={place}", "-"], self.json())
         document = self.document
-        if not records:
+        if not data:
             document = {key: value for key, value in document.items() if key != "data"}
         with open(os.path.join(place, "fit.json"), "w", encoding="utf-8") as file:
             json.dump(document, file, ensure_ascii=False, allow_nan=False)

@@ -86,7 +86,7 @@ def test_save_and_documents(report, tmp_path):
         "fit.json", "model.pmml", "result.xml"]
     written = json.loads((folder / "fit.json").read_text())
     assert "data" not in written and written["title"] == "Sleep"
-    report.documents(folder, records=True)
+    report.documents(folder, data=True)
     assert json.loads((folder / "fit.json").read_text()) == report.document
     again = command.run([str(folder / "model.pmml"), str(folder / "result.xml"), "-f", "json",
                          "-l", "en", "-o", "-"])

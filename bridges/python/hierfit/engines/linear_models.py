@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from typing import Any, List
+from typing import Any, Dict, List
 
 import numpy as np
 
@@ -33,6 +33,10 @@ def linear_model(result: Any, level: float) -> Parts:
     records = len(model.endog)
     parameters = model.exog.shape[1] + 1
     notes.append(f"AICc and BIC count {parameters} parameters and {records} records.")
+    variance: Dict[str, Any] = {"parameter": "variance", "estimate": float(result.scale)}
+    if getattr(result, "cov_type", "nonrobust") == "nonrobust" and result.df_resid > 0:
+        variance["std.error"] = float(result.scale) * float(np.sqrt(2 / result.df_resid))
+        notes.append("The standard error of the residual variance is that of normal residuals.")
     return Parts(
         call=f"{type(model).__name__}.fit()",
         version=version(),
@@ -46,7 +50,7 @@ def linear_model(result: Any, level: float) -> Parts:
         df=float(result.df_resid) if with_t else None,
         df_method="residual" if with_t else "asymptotic",
         residual={"structure": "identity",
-                  "parameters": [{"parameter": "variance", "estimate": float(result.scale)}]},
+                  "parameters": [variance]},
         order=order_of(model),
         statistics=information_criteria(float(result.llf), parameters, records),
         predicted=plain_list(np.asarray(result.fittedvalues, dtype=float)),
