@@ -70,6 +70,11 @@ MODELS = {
         "lme4::lmer(Reaction ~ Days + (Days | Subject), d, REML = FALSE, control = control)",
         lambda: smf.mixedlm("Reaction ~ Days", read("sleepstudy"), groups="Subject",
                             re_formula="~Days").fit(reml=False, gtol=1e-9), "", {}),
+    "unbalanced": (
+        "sleepstudy", "lme4::lmer(Reaction ~ Days + (Days | Subject), d[-seq(4, 60, 7), ], "
+                      "control = control)",
+        lambda: tight(smf.mixedlm("Reaction ~ Days", read("sleepstudy").drop(range(3, 60, 7)),
+                                  groups="Subject", re_formula="~Days")), "", {}),
     "crossed": (
         "penicillin", "lme4::lmer(diameter ~ 1 + (1 | plate) + (1 | sample), d, control = control)",
         lambda: tight(smf.mixedlm("diameter ~ 1", read("penicillin").assign(all=1), groups="all",
