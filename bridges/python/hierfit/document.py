@@ -130,7 +130,7 @@ class _Maker:
             return parts.target.categories
         if name in parts.design.factors:
             return parts.design.factors[name]
-        if name not in parts.subjects and not any(isinstance(value, str) for value in values):
+        if name not in parts.nominal and not any(isinstance(value, str) for value in values):
             return None
         return sorted({value for value in values if value is not None},
                       key=lambda value: (isinstance(value, str), value))
@@ -321,7 +321,12 @@ class _Maker:
         return [block for block in blocks if tuple(block["fields"]) in chosen]
 
     def _note_means(self) -> None:
-        wishes = self.wishes
+        wishes, design = self.wishes, self.parts.design
+        held = {name: value for name, value in {**design.averages, **(wishes.at or {})}.items()
+                if name not in design.covariates}
+        if held:
+            told = ", ".join(f"{name} = {value:g}" for name, value in held.items())
+            self.notes.append(f"Means are at {told}.")
         if wishes.contrasts is None:
             return
         if wishes.scale == "response" and self.parts.link.name != "identity":

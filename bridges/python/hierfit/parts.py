@@ -102,6 +102,8 @@ class Parts:
     random, residual : as in a fit document
     extra : dict of str to list
         Values of variables that stand in blocks of random effects, by variable.
+    nominal : list of str
+        Those of them that are factors, whatever their values.
     statistics : dict
         logLik, AICc, BIC.
     predicted : list
@@ -126,7 +128,7 @@ class Parts:
     random: List[Dict[str, Any]] = field(default_factory=list)
     residual: Dict[str, Any] = field(default_factory=dict)
     extra: Dict[str, List[Any]] = field(default_factory=dict)
-    subjects: List[str] = field(default_factory=list)
+    nominal: List[str] = field(default_factory=list)
     statistics: Dict[str, Any] = field(default_factory=dict)
     predicted: Optional[List[Any]] = None
     has_records: bool = True

@@ -10,7 +10,7 @@ from statsmodels.miscmodels.ordinal_model import OrderedModel
 
 import hierfit
 from conftest import close, needs_command, numbers
-from hierfit.engines import ordered, parts_of
+from hierfit.engines import ordered
 
 
 def notes_of(report):
@@ -243,6 +243,18 @@ def test_unknown_results_are_told():
                 hierfit.report(fit)
 
 
-def test_parts_know_their_records(cake):
-    parts = parts_of(smf.mixedlm("angle ~ recipe", cake, groups="id").fit())
-    assert parts.extra["id"] == cake["id"].tolist() and parts.subjects == ["id"]
+def test_groups_are_named_as_the_data_name_them(cake):
+    groups = cake["id"].to_numpy()
+    for data, name in ((cake, "id"), (cake.drop(columns="id"), "Group")):
+        for fit in (smf.mixedlm("angle ~ recipe", data, groups=groups).fit(),
+                    smf.gee("angle ~ recipe", groups, data).fit()):
+            document = hierfit.report(fit).document
+            assert document["residual"]["subjects"] == [name]
+            assert document["data"]["columns"][name] == groups.tolist()
+
+
+def test_constraints_are_told(cake):
+    fit = smf.glm("angle ~ recipe + temp", cake).fit_constrained("recipe[T.B] = recipe[T.C]")
+    report = hierfit.report(fit)
+    assert "constrained" in notes_of(report)
+    assert report.document["tests"]["effects"][0]["num.df"] == 1

@@ -117,7 +117,9 @@ def test_an_inverse_link_keeps_bounds_in_order(cake):
 
 def test_scale_of_the_link_and_held_covariates(cake):
     fit = smf.poisson("angle ~ recipe * np.log(temp)", cake).fit(disp=0)
-    block = hierfit.report(fit, means="recipe", scale="link", at={"temp": 180}).document["means"][0]
+    report = hierfit.report(fit, means="recipe", scale="link", at={"temp": 180})
+    assert "Means are at temp = 180." in report.notes
+    block = report.document["means"][0]
     wanted = [fit.predict({"recipe": [level], "temp": [180]})[0] for level in "ABC"]
     close(np.exp(numbers(block["rows"], "estimate")), wanted)
     assert block["scale"] == "link"

@@ -40,7 +40,7 @@ def _common_column(model: Any, at: int, frame: Optional[pd.DataFrame]) -> Option
 
 
 def _blocks(result: Any, frame: Optional[pd.DataFrame], extra: Dict[str, List[Any]],
-            subjects: List[str], notes: List[str], level: float) -> List[Dict[str, Any]]:
+            nominal: List[str], notes: List[str], level: float) -> List[Dict[str, Any]]:
     """A block for each variance component: the median of the posterior of its variance, and an
     interval, from the normal posterior of the logarithm of its standard deviation."""
     model = result.model
@@ -58,7 +58,7 @@ def _blocks(result: Any, frame: Optional[pd.DataFrame], extra: Dict[str, List[An
             continue
         for field in [*column.factors, *column.covariates]:
             extra[field] = plain_list(frame[field])
-        subjects += [field for field in column.factors if field not in subjects]
+        nominal += [field for field in column.factors if field not in nominal]
         block: Dict[str, Any] = {"subjects": list(column.factors),
                                  "structure": "variance components",
                                  "intercept": not column.covariates,
@@ -94,8 +94,8 @@ def bayes(result: Any, level: float) -> Parts:
             "Variational Bayes has no covariance of the coefficients, so means have no bounds.")
     frame = frame_of(model)
     extra: Dict[str, List[Any]] = {}
-    subjects: List[str] = []
-    blocks = _blocks(result, frame, extra, subjects, notes, level)
+    nominal: List[str] = []
+    blocks = _blocks(result, frame, extra, nominal, notes, level)
     target = binomial_target(model, None)[0] if distribution == "binomial" else numeric_target(model)
     linear = np.asarray(model.exog) @ result.fe_mean + model.exog_vc.dot(result.vc_mean)
     mean = np.asarray(model.family.link.inverse(np.asarray(linear).ravel()))
@@ -119,7 +119,7 @@ def bayes(result: Any, level: float) -> Parts:
         df_method="other",
         random=blocks,
         extra=extra,
-        subjects=subjects,
+        nominal=nominal,
         order=order_of(model),
         predicted=binary_predicted(target, mean) if target.categories else plain_list(mean),
         notes=notes,

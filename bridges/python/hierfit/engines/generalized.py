@@ -169,6 +169,8 @@ def glm(result: Any, level: float) -> Parts:
         records = len(model.endog)
         statistics = information_criteria(float(result.llf), parameters, records)
         notes.append(f"AICc and BIC count {parameters} parameters and {records} records.")
+    if getattr(result, "constraints", None) is not None:
+        notes.append("The coefficients were constrained.")
     with_t = bool(getattr(result, "use_t", False))
     if not with_t:
         notes.append("Tests are of z and chi-square, as GLM has them.")
@@ -234,7 +236,7 @@ def gee(result: Any, level: float) -> Parts:
     converged = bool(getattr(result, "converged", True))
     return Parts(
         call=f"GEE.fit(cov_type='{kind}')",
-        subjects=[name],
+        nominal=[name],
         notes=notes,
         conditions=[] if converged else ["not converged"],
         **common,

@@ -34,7 +34,7 @@ class _Blocks:
         self.notes: List[str] = []
         self.conditions: List[str] = []
         self.extra: Dict[str, List[Any]] = {}
-        self.subjects: List[str] = []
+        self.nominal: List[str] = []
         self.group = self._group()
         self.psi = np.asarray(result.cov_re, dtype=float).reshape(
             self.model.k_re, self.model.k_re)
@@ -59,8 +59,8 @@ class _Blocks:
 
     def _add_subject(self, name: str, values: List[Any]) -> None:
         self.extra[name] = values
-        if name not in self.subjects:
-            self.subjects.append(name)
+        if name not in self.nominal:
+            self.nominal.append(name)
 
     def _free(self) -> np.ndarray:
         """Which covariance parameters were estimated, the residual variance last."""
@@ -176,7 +176,7 @@ class _Blocks:
             elif self.frame is not None:
                 for field in fields:
                     self.extra[field] = plain_list(self.frame[field])
-                self.subjects += [name for name in column.factors if name not in self.subjects]
+                self.nominal += [name for name in column.factors if name not in self.nominal]
             if {"fields": fields} not in effects:
                 effects.append({"fields": fields})
             term: Dict[str, Any] = {"term": name, "effect": effects.index({"fields": fields})}
@@ -303,7 +303,7 @@ def mixedlm(result: Any, level: float) -> Parts:
         random=blocks.blocks,
         residual=residual,
         extra=blocks.extra,
-        subjects=blocks.subjects,
+        nominal=blocks.nominal,
         order=order_of(model),
         statistics=information_criteria(float(result.llf), parameters, len(model.endog)),
         predicted=plain_list(np.asarray(result.fittedvalues, dtype=float)),
