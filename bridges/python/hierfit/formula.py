@@ -275,6 +275,11 @@ class _Reader:
         return first
 
 
+def is_design(info: Any) -> bool:
+    """Whether this is a design that patsy made; another maker of designs is not known here."""
+    return isinstance(info, DesignInfo)
+
+
 def design_of_formula(
     info: DesignInfo, frame: pd.DataFrame, matrix: np.ndarray, has_thresholds: bool = False
 ) -> Design:

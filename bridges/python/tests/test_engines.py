@@ -236,6 +236,10 @@ def test_models_without_a_formula(cake):
 def test_unknown_results_are_told():
     with pytest.raises(hierfit.Unsupported, match="No reader knows a dict.*hierfit.fit"):
         hierfit.report({})
+    with pytest.raises(hierfit.Unsupported, match="were removed"):
+        bare = smf.ols("y ~ x", pd.DataFrame({"y": [1, 2, 4], "x": [1, 2, 3]})).fit()
+        bare.remove_data()
+        hierfit.report(bare)
     data = pd.DataFrame({"y": [0, 1, 2, 0, 1, 2] * 5, "x": range(30)})
     for fit in (smf.mnlogit("y ~ x", data).fit(disp=0), smf.quantreg("y ~ x", data).fit()):
         if type(fit).__name__.startswith("Multinomial"):

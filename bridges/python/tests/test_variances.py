@@ -90,6 +90,17 @@ def test_information_is_the_curvature_of_the_likelihood(name, request):
         close(found / scale, -curvature / scale, atol=2e-4)
 
 
+def test_sparse_components_are_the_same(penicillin):
+    components = {"plate": "0 + plate", "sample": "0 + sample"}
+    documents = [hierfit.report(smf.mixedlm("diameter ~ 1", penicillin, groups="all",
+                                            vc_formula=components, use_sparse=sparse).fit()).document
+                 for sparse in (False, True)]
+    for part in (parameters, lambda document: document["coefficients"]):
+        close(*([row["std.error"] for row in part(document)] for document in documents), rtol=1e-3)
+    close(*(document["data"]["predicted"] for document in documents), rtol=1e-4)
+    assert documents[0]["random"][0]["subjects"] == documents[1]["random"][0]["subjects"]
+
+
 def test_what_statsmodels_prints_is_another_number(sleepstudy):
     result = MODELS["sleepstudy"](sleepstudy)
     first = hierfit.report(result).document["random"][0]["parameters"][0]

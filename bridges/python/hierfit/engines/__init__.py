@@ -39,7 +39,7 @@ def parts_of(result: Any, level: float = 0.95) -> Parts:
     Raises
     ------
     Unsupported
-        When no reader knows its class.
+        When no reader knows its class, or the data are gone.
     """
     from . import bayes, discrete, generalized, linear_models, mixedlm, ordered  # noqa: F401
 
@@ -47,6 +47,8 @@ def parts_of(result: Any, level: float = 0.95) -> Parts:
     for base in type(inner).__mro__:
         reader = _readers.get(f"{base.__module__}.{base.__qualname__}")
         if reader is not None:
+            if getattr(inner.model, "endog", None) is None:
+                raise Unsupported("The data were removed from the result; a report needs them.")
             return reader(inner, level)
     raise Unsupported(
         f"No reader knows a {type(inner).__name__}: report takes results of MixedLM, GEE, "

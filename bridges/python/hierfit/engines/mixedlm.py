@@ -5,6 +5,7 @@ from __future__ import annotations
 from typing import Any, Dict, List, Optional, Sequence, Tuple
 
 import numpy as np
+from scipy import sparse
 
 
 from . import reads, variances
@@ -258,6 +259,21 @@ def _with_error(parameter: Dict[str, Any], error: float, free: bool) -> Dict[str
     return parameter
 
 
+def predicted(result: Any) -> np.ndarray:
+    """The mean of each record with its predicted random effects. statsmodels has no fitted values
+    where the components are sparse."""
+    model = result.model
+    if not any(sparse.issparse(matrix) for mats in model.exog_vc.mats for matrix in mats):
+        return np.asarray(result.fittedvalues, dtype=float)
+    fitted = np.asarray(model.exog, dtype=float) @ np.asarray(result.fe_params, dtype=float)
+    for at, label in enumerate(model.group_labels):
+        blocks = [] if model.k_re == 0 else [sparse.csr_matrix(model.exog_re_li[at])]
+        blocks += [sparse.csr_matrix(mats[at]) for mats in model.exog_vc.mats]
+        effects = np.asarray(result.random_effects[label], dtype=float)
+        fitted[model.row_indices[label]] += sparse.hstack(blocks) @ effects
+    return fitted
+
+
 @reads("statsmodels.regression.mixed_linear_model.MixedLMResults")
 def mixedlm(result: Any, level: float) -> Parts:
     """The parts of a MixedLM result. It has no degrees of freedom, so its tests are of z."""
@@ -306,7 +322,7 @@ def mixedlm(result: Any, level: float) -> Parts:
         nominal=blocks.nominal,
         order=order_of(model),
         statistics=information_criteria(float(result.llf), parameters, len(model.endog)),
-        predicted=plain_list(np.asarray(result.fittedvalues, dtype=float)),
+        predicted=plain_list(predicted(result)),
         notes=notes,
         conditions=conditions,
     )

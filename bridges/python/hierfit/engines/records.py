@@ -9,7 +9,7 @@ import pandas as pd
 
 from ..design import Design, design_of_columns, plain_list
 from ..errors import Unsupported
-from ..formula import design_of_formula, variable_of
+from ..formula import design_of_formula, is_design, variable_of
 from ..parts import Link, Target
 
 
@@ -31,7 +31,8 @@ def frame_of(model: Any) -> Optional[pd.DataFrame]:
     if frame is None:
         return None
     frame = pd.DataFrame(frame)
-    missing = np.asarray(getattr(model.data, "missing_row_idx", None) or [], dtype=int)
+    dropped = getattr(model.data, "missing_row_idx", None)
+    missing = np.asarray([] if dropped is None else dropped, dtype=int)
     count = len(np.asarray(model.endog))
     if len(missing) and len(frame) == count + len(missing):
         frame = frame.drop(frame.index[missing]) if frame.index.is_unique else frame[
@@ -46,10 +47,10 @@ def frame_of(model: Any) -> Optional[pd.DataFrame]:
 
 def design_of(model: Any, has_thresholds: bool = False) -> Design:
     """The fixed design of a model, by its formula where it has one."""
-    exog = np.asarray(model.exog, dtype=float)
     frame = frame_of(model)
+    exog = np.asarray(model.exog, dtype=float)
     info = getattr(model.data, "design_info", None)
-    if frame is None or info is None:
+    if frame is None or not is_design(info):
         return design_of_columns(exog, model.exog_names[: exog.shape[1]], has_thresholds)
     return design_of_formula(info, frame, exog, has_thresholds)
 
