@@ -10,7 +10,9 @@ from statsmodels.miscmodels.ordinal_model import OrderedModel
 
 import hierfit
 from conftest import close, needs_command, numbers
-from hierfit.engines import ordered
+from hierfit.design import design_of_columns
+from hierfit.engines import ordered, reads
+from hierfit.parts import IDENTITY, Parts, Target
 
 
 def notes_of(report):
@@ -234,17 +236,37 @@ def test_models_without_a_formula(cake):
 
 
 def test_unknown_results_are_told():
-    with pytest.raises(hierfit.Unsupported, match="No reader knows a dict.*hierfit.fit"):
+    with pytest.raises(hierfit.Unsupported, match="of dict.*hierfit.fit"):
         hierfit.report({})
     with pytest.raises(hierfit.Unsupported, match="were removed"):
         bare = smf.ols("y ~ x", pd.DataFrame({"y": [1, 2, 4], "x": [1, 2, 3]})).fit()
         bare.remove_data()
         hierfit.report(bare)
-    data = pd.DataFrame({"y": [0, 1, 2, 0, 1, 2] * 5, "x": range(30)})
-    for fit in (smf.mnlogit("y ~ x", data).fit(disp=0), smf.quantreg("y ~ x", data).fit()):
-        if type(fit).__name__.startswith("Multinomial"):
-            with pytest.raises(hierfit.Unsupported, match="Logit, Probit"):
-                hierfit.report(fit)
+    rng = np.random.default_rng(0)
+    data = pd.DataFrame({"y": [0, 1, 2] * 20, "x": rng.normal(size=60)})
+    for fit in (smf.mnlogit("y ~ x", data).fit(disp=0), smf.quantreg("y ~ x", data).fit(),
+                smf.negativebinomial("y ~ x", data, loglike_method="nb1").fit(disp=0)):
+        with pytest.raises(hierfit.Unsupported, match=type(fit.model).__name__):
+            hierfit.report(fit)
+
+
+def test_a_reader_of_ones_own():
+    class Mean:
+        def __init__(self, values):
+            self.values = values
+
+    @reads(f"{Mean.__module__}.{Mean.__qualname__}")
+    def mean(result, level):
+        values = np.asarray(result.values, float)
+        return Parts(call="mean", design=design_of_columns(np.ones((len(values), 1)), ["(one)"]),
+                     target=Target("y", values.tolist()), distribution="normal", link=IDENTITY,
+                     estimates=values.mean(keepdims=True),
+                     covariance=values.var(ddof=1, keepdims=True)[None] / len(values),
+                     df=len(values) - 1.0, engine="mine")
+
+    row = hierfit.report(Mean([1.0, 2.0, 6.0])).document["coefficients"][0]
+    wanted = stats.sem([1, 2, 6])
+    assert row == {"term": "(one)", "estimate": 3, "std.error": pytest.approx(wanted), "df": 2}
 
 
 def test_groups_are_named_as_the_data_name_them(cake):

@@ -47,11 +47,18 @@ def parts_of(result: Any, level: float = 0.95) -> Parts:
     for base in type(inner).__mro__:
         reader = _readers.get(f"{base.__module__}.{base.__qualname__}")
         if reader is not None:
-            if getattr(inner.model, "endog", None) is None:
+            if getattr(getattr(inner, "model", None), "endog", inner) is None:
                 raise Unsupported("The data were removed from the result; a report needs them.")
             return reader(inner, level)
-    raise Unsupported(
-        f"No reader knows a {type(inner).__name__}: report takes results of MixedLM, GEE, "
-        "BinomialBayesMixedGLM, PoissonBayesMixedGLM, GLM, OLS, WLS, Logit, Probit, Poisson and "
-        "OrderedModel of statsmodels; for any other, hand its numbers to hierfit.fit."
+    raise unknown(inner)
+
+
+def unknown(result: Any) -> Unsupported:
+    """What is told of a result that no reader knows."""
+    model = type(getattr(result, "model", result)).__name__
+    return Unsupported(
+        f"No reader knows results of {model}: report takes those of MixedLM, GEE, "
+        "BinomialBayesMixedGLM, PoissonBayesMixedGLM, GLM, OLS, WLS, GLS, Logit, Probit, Poisson, "
+        "NegativeBinomial and OrderedModel of statsmodels; for any other, hand its numbers to "
+        "hierfit.fit."
     )

@@ -7,7 +7,7 @@ from typing import Any, Dict, List
 import numpy as np
 from scipy import special, stats
 
-from . import reads
+from . import reads, unknown
 from .linear_models import covariance_notes
 from .records import (
     binary_predicted, binary_target, design_of, formula_of, numeric_target, offset_notes, order_of,
@@ -43,10 +43,7 @@ def discrete(result: Any, level: float) -> Parts:
     model = result.model
     name = type(model).__name__
     if name not in MODELS or getattr(model, "loglike_method", "nb2") != "nb2":
-        raise Unsupported(
-            f"No reader knows this {name} model; among the discrete ones, Logit, Probit, Poisson "
-            "and NegativeBinomial (nb2) are read."
-        )
+        raise unknown(result)
     distribution, link = MODELS[name]
     is_binary = distribution == "binomial"
     if is_binary and not np.isin(model.endog, (0, 1)).all():

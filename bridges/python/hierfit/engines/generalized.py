@@ -6,7 +6,7 @@ from typing import Any, Dict, List, Optional, Tuple
 
 import numpy as np
 
-from . import reads
+from . import reads, unknown
 from .linear_models import covariance_notes
 from .records import (
     binary_predicted, binary_target, column_like, design_of, distribution_of, formula_of, frame_of,
@@ -158,6 +158,8 @@ def _common(result: Any) -> Dict[str, Any]:
 def glm(result: Any, level: float) -> Parts:
     """The parts of a GLM. Its tests are of z, unless it was fitted with ``use_t``."""
     model = result.model
+    if type(model).__name__ != "GLM":
+        raise unknown(result)
     common = _common(result)
     notes = common.pop("notes") + covariance_notes(result)
     is_scaled = common["distribution"] in ("normal", "gamma", "inverse gaussian", "other")
@@ -208,7 +210,7 @@ def gee(result: Any, level: float) -> Parts:
     """The parts of a GEE: no likelihood, no random effects, and standard errors that are named."""
     model = result.model
     if type(model).__name__ != "GEE":
-        raise Unsupported(f"No reader knows results of {type(model).__name__}; GEE's are read.")
+        raise unknown(result)
     common = _common(result)
     frame = frame_of(model)
     name, values = named_column(frame, getattr(model, "_groups_name", None), model.groups, "Group")

@@ -6,10 +6,14 @@ from typing import Any, Dict, List
 
 import numpy as np
 
-from . import reads
+from . import reads, unknown
 from .records import design_of, formula_of, numeric_target, order_of, version
 from ..design import plain_list
 from ..parts import IDENTITY, Parts, information_criteria
+
+
+#: The models that are least squares of a normal target; others share the class of their results.
+MODELS = ("OLS", "WLS", "GLS", "GLSAR")
 
 
 def covariance_notes(result: Any) -> List[str]:
@@ -23,6 +27,8 @@ def linear_model(result: Any, level: float) -> Parts:
     """The parts of a linear model. Its tests are of t with the residual degrees of freedom, unless
     robust standard errors came with tests of z."""
     model = result.model
+    if type(model).__name__ not in MODELS:
+        raise unknown(result)
     notes = covariance_notes(result)
     weights = np.asarray(getattr(model, "weights", 1.0), dtype=float)
     if np.any(weights != 1):
