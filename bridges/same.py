@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""Holds the two bridges against one another: models fitted in R and in Python, and every cell of the
-two reports equal.
+"""Holds the two bridges against one another: models fitted in R and in Python, and every cell of
+the two reports equal.
 
     bridges/same.py [--r-package FOLDER] [--verbose]
 
@@ -9,9 +9,10 @@ package is absent it says so and has nothing to hold.
 """
 
 import argparse
+import json
 import pathlib
-import subprocess
 import shutil
+import subprocess
 import sys
 import tempfile
 import warnings
@@ -22,8 +23,6 @@ import pandas as pd
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE / "python"))
 DATA = HERE / "python" / "tests" / "data"
-
-import json  # noqa: E402
 
 import statsmodels.api as sm  # noqa: E402
 import statsmodels.formula.api as smf  # noqa: E402
@@ -89,7 +88,8 @@ MODELS = {
                 "transform(d, temp = factor(temp), id = paste0(recipe, replicate)), "
                 "control = control)",
         lambda: tight(smf.mixedlm("angle ~ recipe * C(temp)", cake(), groups="id")),
-        "means = list(~ recipe | temp, ~ temp), contrasts = 'pairwise', adjust = 'sequential sidak'",
+        "means = list(~ recipe | temp, ~ temp), contrasts = 'pairwise', "
+        "adjust = 'sequential sidak'",
         dict(means=["recipe | temp", "temp"], contrasts="pairwise", adjust="sequential sidak")),
     "contrasts": (
         "cake", "lme4::lmer(angle ~ recipe * temp + (1 | id), "
@@ -118,16 +118,17 @@ def write_r(package, place):
         return "R is not installed"
     if not (package / "DESCRIPTION").exists():
         return f"there is no R package in {package}"
+    packages = "c('lme4', 'lmerTest', 'emmeans', 'jsonlite', 'numDeriv')"
+    needed = f"all(sapply({packages}, requireNamespace, quietly = TRUE))"
+    found = subprocess.run(["Rscript", "-e", f"cat({needed})"], capture_output=True, text=True)
+    if not found.stdout.endswith("TRUE"):
+        return "R lacks lme4, lmerTest, emmeans, jsonlite or numDeriv"
     library = place / "library"
     library.mkdir()
     done = subprocess.run(["R", "CMD", "INSTALL", "--no-docs", "--no-test-load",
                            f"--library={library}", str(package)], capture_output=True, text=True)
     if done.returncode != 0:
         sys.exit(f"the R package cannot be installed:\n{done.stderr}")
-    needed = "all(sapply(c('lme4', 'emmeans', 'jsonlite', 'numDeriv'), requireNamespace, quietly = TRUE))"
-    found = subprocess.run(["Rscript", "-e", f"cat({needed})"], capture_output=True, text=True)
-    if not found.stdout.endswith("TRUE"):
-        return "R lacks lme4, emmeans, jsonlite or numDeriv"
     lines = [f".libPaths(c('{library}', .libPaths()))", R_HEAD]
     for number, (data, call, _, wishes, _) in enumerate(MODELS.values()):
         df = "" if "df =" in wishes else ", df = 'asymptotic'"

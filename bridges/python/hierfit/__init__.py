@@ -15,7 +15,7 @@ from .document import ADJUSTMENTS, Labels, fit_document
 from .engines import parts_of
 from .errors import CommandFailed, CommandMissing, HierfitError, HierfitWarning, Unsupported
 from .means import Wishes
-from .report import Look, Report
+from .reports import Look, Report
 
 __version__ = "0.1.0"
 
@@ -56,8 +56,8 @@ def report(
     Parameters
     ----------
     result
-        A result of statsmodels: MixedLM, GEE, BinomialBayesMixedGLM, PoissonBayesMixedGLM, GLM, OLS,
-        WLS, Logit, Probit, Poisson, NegativeBinomial or OrderedModel.
+        A result of statsmodels: MixedLM, GEE, BinomialBayesMixedGLM, PoissonBayesMixedGLM, GLM,
+        OLS, WLS, GLS, Logit, Probit, Poisson, NegativeBinomial or OrderedModel.
     means : str or list of str
         Factors whose means are estimated: "a"; "a | b", of all combinations, with contrasts of a
         within each level of b. Other factors are averaged over with equal weights, covariates are

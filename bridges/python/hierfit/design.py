@@ -20,6 +20,10 @@ from .linear import same_span
 MOST_CELLS = 100_000
 
 
+#: Gives design rows for cells: positions of levels by factor, values by covariate.
+CellRows = Callable[[Mapping[str, np.ndarray], Mapping[str, float]], np.ndarray]
+
+
 @dataclass(frozen=True)
 class Effect:
     """A product of variables, each to a power."""
@@ -99,8 +103,7 @@ class Design:
         What the means hold the covariates of the data at.
     codings : dict of str to array
         The coding of factors that have no level rows, where it is the same in all effects.
-    cell_rows : callable
-        Rows of the matrix for cells, given as positions of levels, and values of covariates.
+    cell_rows : CellRows, optional
     sum_coded : (n, p) array or None
         The same columns with each factor coded by sums to zero.
     has_intercept : bool
@@ -116,7 +119,7 @@ class Design:
     covariates: Dict[str, np.ndarray] = field(default_factory=dict)
     averages: Dict[str, float] = field(default_factory=dict)
     codings: Dict[str, np.ndarray] = field(default_factory=dict)
-    cell_rows: Optional[Callable[[Mapping[str, np.ndarray], Mapping[str, float]], np.ndarray]] = None
+    cell_rows: Optional[CellRows] = None
     sum_coded: Optional[np.ndarray] = None
     has_intercept: bool = True
     has_thresholds: bool = False

@@ -20,7 +20,7 @@ def reach(level: float, df: Optional[float]) -> float:
 
 
 def two_sided_p(statistic: np.ndarray, df: Optional[float]) -> np.ndarray:
-    """Two-sided p values of t statistics, or of z statistics when there are no degrees of freedom."""
+    """Two-sided p values of t statistics, or of z when there are no degrees of freedom."""
     size = np.abs(statistic)
     return 2 * (stats.norm.sf(size) if df is None else stats.t.sf(size, df))
 

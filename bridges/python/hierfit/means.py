@@ -174,8 +174,8 @@ def _contrasts(parts: Parts, compare: str, others: Sequence[str], cells: List[Di
     count = len(comparisons) * len(families)
     if count > MOST_CONTRASTS:
         raise Unsupported(
-            f"{count} contrasts of {compare} are more than the {MOST_CONTRASTS} that a report holds; "
-            "ask for simple or deviation contrasts."
+            f"{count} contrasts of {compare} are more than the {MOST_CONTRASTS} that a report "
+            "holds; ask for simple or deviation contrasts."
         )
     functions, rows = _contrast_matrix(parts, compare, cells, comparisons, families)
     values = functions @ means.values

@@ -108,7 +108,14 @@ class Parts:
         logLik, AICc, BIC.
     predicted : list
         What the model predicts for each record.
+    has_records : bool
+        Whether the records are each one record, so that charts of them tell the truth.
+    formula, engine, version : str
+        As in a fit document.
+    order : list of str
+        The variables in the order of the data, others among them.
     notes, warnings, conditions : lists of str
+        As in a fit document.
     """
 
     call: str

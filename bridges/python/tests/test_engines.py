@@ -184,7 +184,8 @@ class TestOrderedModel:
 class TestPosteriors:
     @pytest.fixture
     def model(self, herds):
-        return sm.BinomialBayesMixedGLM.from_formula("sick ~ period", {"herd": "0 + C(herd)"}, herds)
+        return sm.BinomialBayesMixedGLM.from_formula(
+            "sick ~ period", {"herd": "0 + C(herd)"}, herds)
 
     def test_standard_deviations_are_no_standard_errors(self, model):
         np.random.seed(1)

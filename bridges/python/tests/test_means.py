@@ -31,7 +31,8 @@ def cake_fit(cake):
 
 @pytest.fixture
 def cbpp_fit(cbpp):
-    return smf.glm("incidence + others ~ period", cbpp, family=sm.families.Binomial()).fit(tol=1e-14)
+    family = sm.families.Binomial()
+    return smf.glm("incidence + others ~ period", cbpp, family=family).fit(tol=1e-14)
 
 
 def test_means_within_levels_are_those_of_emmeans(cake_fit, reference):
@@ -125,14 +126,16 @@ def test_scale_of_the_link_and_held_covariates(cake):
     assert block["scale"] == "link"
 
 
-@pytest.mark.parametrize("formula", ["angle ~ recipe * C(temp)", "angle ~ C(recipe, Sum) * C(temp, Poly)",
-                                     "angle ~ 0 + recipe:C(temp)"])
+@pytest.mark.parametrize("formula", [
+    "angle ~ recipe * C(temp)", "angle ~ C(recipe, Sum) * C(temp, Poly)", "angle ~ 0 + recipe:C(temp)",
+])
 def test_means_and_tests_do_not_hang_on_the_coding(cake, cake_fit, formula):
     wanted = hierfit.report(cake_fit, means=["recipe | temp", "temp"], contrasts="deviation")
     found = hierfit.report(smf.mixedlm(formula, cake, groups="id").fit(),
                            means=["recipe | temp", "temp"], contrasts="deviation")
     for left, right in zip(found.document["means"], wanted.document["means"]):
-        same(left["rows"], {name: numbers(right["rows"], name) for name in BOUNDS[:2]}, BOUNDS[:2], 1e-4)
+        wanted_rows = {name: numbers(right["rows"], name) for name in BOUNDS[:2]}
+        same(left["rows"], wanted_rows, BOUNDS[:2], 1e-4)
         close(numbers(left["contrasts"]["rows"], "std.error"),
               numbers(right["contrasts"]["rows"], "std.error"), rtol=1e-4)
     if "0 +" not in formula:

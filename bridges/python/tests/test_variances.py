@@ -92,9 +92,9 @@ def test_information_is_the_curvature_of_the_likelihood(name, request):
 
 def test_sparse_components_are_the_same(penicillin):
     components = {"plate": "0 + plate", "sample": "0 + sample"}
-    documents = [hierfit.report(smf.mixedlm("diameter ~ 1", penicillin, groups="all",
-                                            vc_formula=components, use_sparse=sparse).fit()).document
-                 for sparse in (False, True)]
+    fits = [smf.mixedlm("diameter ~ 1", penicillin, groups="all", vc_formula=components,
+                        use_sparse=sparse).fit() for sparse in (False, True)]
+    documents = [hierfit.report(fit).document for fit in fits]
     for part in (parameters, lambda document: document["coefficients"]):
         close(*([row["std.error"] for row in part(document)] for document in documents), rtol=1e-3)
     close(*(document["data"]["predicted"] for document in documents), rtol=1e-4)
@@ -155,12 +155,14 @@ def test_parameters_that_were_held_are_not_counted(sleepstudy):
 def test_blocks_by_their_formulas(random, subjects, effects, levels):
     rng = np.random.default_rng(11)
     count = 240
-    data = pd.DataFrame({"g": np.repeat(np.arange(12), 20), "h": np.tile(np.repeat([1, 2, 3, 4], 5), 12),
+    data = pd.DataFrame({"g": np.repeat(np.arange(12), 20),
+                         "h": np.tile(np.repeat([1, 2, 3, 4], 5), 12),
                          "x": rng.normal(size=count), "a": rng.choice(["u", "v"], count)})
     data["y"] = (rng.normal(size=12)[data["g"]] * (1 + data["x"]) + rng.normal(size=count)
                  + rng.normal(size=48)[data["g"] * 4 + data["h"] - 1] * (1 + data["x"])
                  + rng.normal(size=12)[data["g"]] * (data["a"] == "v"))
-    blocks = hierfit.report(smf.mixedlm("y ~ x", data, groups="g", **random).fit()).document["random"]
+    fit = smf.mixedlm("y ~ x", data, groups="g", **random).fit()
+    blocks = hierfit.report(fit).document["random"]
     assert [block["subjects"] for block in blocks] == subjects
     found = [[effect["fields"] for effect in block["effects"]] if "effects" in block else None
              for block in blocks]

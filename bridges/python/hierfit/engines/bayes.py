@@ -54,7 +54,8 @@ def _blocks(result: Any, frame: Optional[pd.DataFrame], extra: Dict[str, List[An
         column = _common_column(model, at, frame)
         if column is None or frame is None:
             notes.append(f"The variance component {name} is none of an intercept or a slope.")
-            blocks.append({"structure": "identity", "parameters": [{**parameter, "parameter": name}]})
+            blocks.append({"structure": "identity",
+                           "parameters": [{**parameter, "parameter": name}]})
             continue
         for field in [*column.factors, *column.covariates]:
             extra[field] = plain_list(frame[field])
@@ -86,8 +87,8 @@ def bayes(result: Any, level: float) -> Parts:
         f"Coefficients are of a posterior: {method}; variances are medians. Bounds are those of "
         "credible intervals; the standard deviations of a posterior are no standard errors, so "
         "there are no tests.",
-        f"Priors are normal: with the standard deviation {float(model.fe_p):g} for coefficients and "
-        f"{float(model.vcp_p):g} for the logarithms of the standard deviations of random effects.",
+        f"Priors are normal: with the standard deviation {float(model.fe_p):g} for coefficients "
+        f"and {float(model.vcp_p):g} for the logarithms of the standard deviations of random effects.",
     ]
     if not is_laplace:
         notes.append(
@@ -96,7 +97,8 @@ def bayes(result: Any, level: float) -> Parts:
     extra: Dict[str, List[Any]] = {}
     nominal: List[str] = []
     blocks = _blocks(result, frame, extra, nominal, notes, level)
-    target = binomial_target(model, None)[0] if distribution == "binomial" else numeric_target(model)
+    is_binomial = distribution == "binomial"
+    target = binomial_target(model, None)[0] if is_binomial else numeric_target(model)
     linear = np.asarray(model.exog) @ result.fe_mean + model.exog_vc.dot(result.vc_mean)
     mean = np.asarray(model.family.link.inverse(np.asarray(linear).ravel()))
     outcome = result.optim_retvals

@@ -34,7 +34,8 @@ def _dispersion(result: Any, width: int, covariance: np.ndarray) -> List[Dict[st
     """The dispersion of a negative binomial model: the variance of a count with mean mu is
     mu + mu^2 * dispersion."""
     estimate, variance = float(result.params[width]), float(covariance[width, width])
-    return [{"parameter": "dispersion", "estimate": estimate, "std.error": float(np.sqrt(variance))}]
+    error = float(np.sqrt(variance))
+    return [{"parameter": "dispersion", "estimate": estimate, "std.error": error}]
 
 
 @reads("statsmodels.discrete.discrete_model.DiscreteResults")

@@ -1,7 +1,7 @@
 """Standard errors of the variances of a linear mixed model, from the observed information.
 
-The covariance of the target is linear in the parameters: V = sum of theta_i G_i. At the estimates the
-observed information of theta is 1/2 tr(P G_i P G_j) negated, plus y' P G_i P G_j P y, with
+The covariance of the target is linear in the parameters: V = sum of theta_i G_i. The observed
+information of theta_i and theta_j is y' P G_i P G_j P y - 1/2 tr(P G_i P G_j), with
 P = V^-1 - V^-1 X (X' V^-1 X)^-1 X' V^-1, and V^-1 in place of P in the trace for maximum likelihood
 (Searle, Casella and McCulloch, Variance Components, 1992, chapter 6). At the optimum it does not
 depend on the parametrisation, so it is what the delta method gives from Cholesky factors.
