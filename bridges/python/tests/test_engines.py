@@ -119,6 +119,11 @@ class TestBinomialTargets:
         close([row["estimate"] for row in texts["coefficients"]],
               [row["estimate"] for row in numbers_["coefficients"]])
         assert set(texts["data"]["predicted"]) == {"well"}
+        assert texts["data"]["columns"]["state"] == herds["state"].tolist()
+        coded = hierfit.report(smf.glm("C(sick) ~ period", herds,
+                                       family=sm.families.Binomial()).fit()).document
+        assert coded["target"] == {"variable": "sick", "reference": 1}
+        assert coded["data"]["columns"]["sick"] == herds["sick"].tolist()
 
 
 def test_gee_tells_what_it_lacks(cbpp):

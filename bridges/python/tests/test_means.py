@@ -144,6 +144,24 @@ def test_means_and_tests_do_not_hang_on_the_coding(cake, cake_fit, formula):
         close(*tests, rtol=1e-4)
 
 
+def test_charted_means_are_those_of_significant_effects(cake):
+    def charted(formula):
+        document = hierfit.report(smf.ols(formula, cake).fit()).document
+        return {tuple(block["fields"]): block["rows"] for block in document["effect.means"]}
+
+    crossed = cake.assign(angle=cake["angle"] + cake["recipe"].map({"A": 0, "B": 8, "C": 0})
+                          * (cake["temp"] - 200) / 10)
+    cake["angle"] = crossed["angle"]
+    by_covariate = charted("angle ~ recipe * temp")
+    assert set(by_covariate) == {("recipe",), ("temp",)}  # an interaction with a covariate has none
+    assert [row["levels"]["temp"] for row in by_covariate["temp",]] == sorted(set(cake["temp"]))
+    by_factor = charted("angle ~ recipe * C(temp)")
+    assert len(by_factor["recipe", "temp"]) == 18
+    close(numbers(by_factor["recipe", "temp"], "estimate"),
+          cake.groupby(["recipe", "temp"])["angle"].mean())
+    assert not charted("np.sin(1e3 * angle) ~ recipe")
+
+
 def test_type_three_tests(cake, cake_fit, reference):
     tests = hierfit.report(cake_fit).document["tests"]["effects"]
     close(numbers(tests, "statistic"), reference["cake"]["f"], rtol=1e-4)

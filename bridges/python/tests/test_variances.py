@@ -4,6 +4,7 @@ import numpy as np
 import pandas as pd
 import pytest
 import statsmodels.formula.api as smf
+from statsmodels.base._penalties import L2
 from statsmodels.regression.mixed_linear_model import MixedLMParams
 
 import hierfit
@@ -143,6 +144,17 @@ def test_parameters_that_were_held_are_not_counted(sleepstudy):
     close(hierfit.report(maximum).document["statistics"]["BIC"], maximum.bic)
 
 
+def found_fields(blocks):
+    return [effect["fields"] for block in blocks for effect in block.get("effects", [])]
+
+
+def test_a_penalty_is_told(sleepstudy):
+    model = smf.mixedlm("Reaction ~ Days", sleepstudy, groups="Subject")
+    for wishes in ({}, {"fe_pen": L2(weights=0.01)}):
+        notes = " ".join(hierfit.report(model.fit(**wishes)).notes)
+        assert ("penalised" in notes) == bool(wishes)
+
+
 @pytest.mark.parametrize("random, subjects, effects, levels", [
     (dict(re_formula="~x"), [["g"]], [[["x"]]], None),
     (dict(re_formula="~0 + x"), [["g"]], [[["x"]]], None),
@@ -150,19 +162,24 @@ def test_parameters_that_were_held_are_not_counted(sleepstudy):
     (dict(re_formula="1", vc_formula={"h": "0 + C(h)"}), [["g"], ["g", "h"]], [None, None], None),
     (dict(re_formula="1", vc_formula={"x": "0 + x"}), [["g"], ["g"]], [None, [["x"]]], None),
     (dict(vc_formula={"hx": "0 + C(h):x"}), [["g", "h"]], [[["x"]]], None),
+    (dict(re_formula="~np.exp(x)"), [["g"]], [[["np.exp(x)"]]], None),
     (dict(vc_formula={"mix": "0 + C(h) + x"}), [["g"]], [None], None),
+    (dict(vc_formula={"mix": "0 + x + x2"}), [["g"]], [None], None),
 ])
 def test_blocks_by_their_formulas(random, subjects, effects, levels):
     rng = np.random.default_rng(11)
     count = 240
     data = pd.DataFrame({"g": np.repeat(np.arange(12), 20),
                          "h": np.tile(np.repeat([1, 2, 3, 4], 5), 12),
-                         "x": rng.normal(size=count), "a": rng.choice(["u", "v"], count)})
+                         "x": rng.normal(size=count), "a": rng.choice(["u", "v"], count), "x2": rng.normal(size=count)})
     data["y"] = (rng.normal(size=12)[data["g"]] * (1 + data["x"]) + rng.normal(size=count)
                  + rng.normal(size=48)[data["g"] * 4 + data["h"] - 1] * (1 + data["x"])
                  + rng.normal(size=12)[data["g"]] * (data["a"] == "v"))
     fit = smf.mixedlm("y ~ x", data, groups="g", **random).fit()
-    blocks = hierfit.report(fit).document["random"]
+    document = hierfit.report(fit).document
+    blocks = document["random"]
+    names = {variable["name"] for variable in document["variables"]}
+    assert {name for block in found_fields(blocks) for name in block} <= names
     assert [block["subjects"] for block in blocks] == subjects
     found = [[effect["fields"] for effect in block["effects"]] if "effects" in block else None
              for block in blocks]
