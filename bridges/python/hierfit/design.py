@@ -125,6 +125,7 @@ class Design:
     has_thresholds: bool = False
 
     def __post_init__(self) -> None:
+        self._rank = -1
         self._grids: Dict[Tuple[Tuple[str, float], ...], np.ndarray] = {}
 
     def cells(self) -> Dict[str, np.ndarray]:
@@ -140,17 +141,20 @@ class Design:
         return {name: places[:, at] for at, name in enumerate(self.factors)}
 
     def require_full_rank(self) -> None:
-        """Means of a design whose columns depend on one another are not unique.
+        """Means and tests of a design whose columns depend on one another are not unique.
 
         Raises
         ------
         Unsupported
         """
-        rank, width = np.linalg.matrix_rank(self.matrix), self.matrix.shape[1]
-        if rank < width:
+        width = self.matrix.shape[1]
+        if self._rank < 0:
+            self._rank = int(np.linalg.matrix_rank(self.matrix))
+        if self._rank < width:
             raise Unsupported(
-                f"The fixed design has {width} columns and the rank {rank}, so means are not "
-                "unique; drop the terms that depend on others, or the empty combinations of levels."
+                f"The fixed design has {width} columns and the rank {self._rank}, so tests and "
+                "means are not unique; drop the terms that depend on others, or the empty "
+                "combinations of levels."
             )
 
     def grid(self, at: Mapping[str, float]) -> np.ndarray:
@@ -197,7 +201,13 @@ class Design:
         -------
         model : (q, p) array
         effects : list of arrays with p columns
+
+        Raises
+        ------
+        Unsupported
+            For a design whose columns depend on one another.
         """
+        self.require_full_rank()
         width = self.matrix.shape[1]
         change = np.eye(width)
         if self.sum_coded is not None:
@@ -219,7 +229,9 @@ class Design:
             left, right = np.hstack([ones, left]), np.hstack([ones, right])
         change = same_span(left, right)
         if change is None:
-            return np.eye(self.matrix.shape[1])
+            raise Unsupported(
+                "The factors are coded so that no type III tests can be made of their coefficients."
+            )
         turned = np.linalg.inv(change)
         return turned[1:, 1:] if self.has_thresholds else turned
 

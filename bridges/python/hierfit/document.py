@@ -278,7 +278,11 @@ class _Maker:
             return
         if not np.all(np.isfinite(parts.covariance)):
             return
-        model, effects = parts.design.hypotheses()
+        try:
+            model, effects = parts.design.hypotheses()
+        except Unsupported as reason:
+            self.notes.append(str(reason))
+            return
         document["tests"] = {
             "type": "III",
             "model": self._test(model),
@@ -302,7 +306,8 @@ class _Maker:
         except Unsupported as reason:
             if wishes.means:
                 raise
-            self.notes.append(str(reason))
+            if str(reason) not in self.notes:
+                self.notes.append(str(reason))
             return
         if wishes.means:
             document["means"] = [means_block(parts, request, wishes) for request in wishes.means]
