@@ -63,6 +63,8 @@ def test_columns_are_what_is_told_of_them(data, formula):
 def test_effects_and_levels(data, formula, effects, first):
     document = hierfit.report(smf.ols(formula, data).fit()).document
     assert [effect["fields"] for effect in document["fixed"]["effects"]] == effects
+    names = {variable["name"] for variable in document["variables"]}
+    assert {field for effect in effects for field in effect} <= names
     row = next(row for row in document["coefficients"] if "effect" in row)
     assert row.get("levels", {} if first == {} else None) == first
 

@@ -127,14 +127,17 @@ class TestBinomialTargets:
 
 
 def test_gee_tells_what_it_lacks(cbpp):
+    cbpp["when"] = cbpp["period"].astype(int)
     fit = smf.gee("incidence ~ C(period)", "herd", cbpp, family=sm.families.Poisson(),
-                  cov_struct=sm.cov_struct.Autoregressive(), time=cbpp["period"].astype(int)).fit(
+                  cov_struct=sm.cov_struct.Autoregressive(), time=cbpp["when"]).fit(
                       cov_type="bias_reduced")
     report = hierfit.report(fit)
     document = report.document
     assert not document["random"] and not document["statistics"]
     assert document["residual"]["subjects"] == ["herd"]
     assert document["residual"]["structure"] == "ar1"
+    assert document["residual"]["repeated"] == ["when"]
+    assert document["data"]["columns"]["when"] == cbpp["when"].tolist()
     assert document["residual"]["parameters"][1]["estimate"] == pytest.approx(
         float(fit.model.cov_struct.dep_params))
     for told in ("no likelihood", "Mancl and DeRouen", "Autoregressive"):

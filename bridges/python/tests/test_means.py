@@ -127,7 +127,8 @@ def test_scale_of_the_link_and_held_covariates(cake):
 
 
 @pytest.mark.parametrize("formula", [
-    "angle ~ recipe * C(temp)", "angle ~ C(recipe, Sum) * C(temp, Poly)", "angle ~ 0 + recipe:C(temp)",
+    "angle ~ recipe * C(temp)", "angle ~ C(recipe, Sum) * C(temp, Poly)",
+    "angle ~ 0 + recipe:C(temp)",
 ])
 def test_means_and_tests_do_not_hang_on_the_coding(cake, cake_fit, formula):
     wanted = hierfit.report(cake_fit, means=["recipe | temp", "temp"], contrasts="deviation")
