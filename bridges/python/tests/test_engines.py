@@ -288,6 +288,17 @@ def test_groups_are_named_as_the_data_name_them(cake):
             assert document["data"]["columns"][name] == groups.tolist()
 
 
+def test_missing_values(sleepstudy):
+    holes = sleepstudy.astype({"Days": float})
+    holes.loc[[3, 30], "Days"] = np.nan
+    dropped = smf.mixedlm("Reaction ~ Days", holes, groups="Subject", re_formula="~Days",
+                          missing="drop").fit()
+    columns = hierfit.report(dropped).document["data"]["columns"]
+    assert columns["Subject"] == sleepstudy["Subject"].drop([3, 30]).tolist()
+    clustered = smf.gee("Reaction ~ Days", "Subject", holes, missing="drop").fit()
+    assert hierfit.report(clustered).document["data"]["columns"] == columns
+
+
 def test_constraints_are_told(cake):
     fit = smf.glm("angle ~ recipe + temp", cake).fit_constrained("recipe[T.B] = recipe[T.C]")
     report = hierfit.report(fit)

@@ -53,8 +53,11 @@ class _Blocks:
         labels = np.empty(len(self.model.endog), dtype=object)
         for label, records in self.model.row_indices.items():
             labels[records] = label
-        names = getattr(self.model.data, "exog_re_names", None) or [None]
-        name, values = named_column(self.frame, names[0], labels, "Group")
+        names = getattr(self.model.data, "exog_re_names", None) or ["Group"]
+        # A random intercept has the name of the groups, also where missing='drop' took their column.
+        is_named = self.model.k_re > 0 and np.all(np.asarray(self.model.exog_re)[:, 0] == 1)
+        otherwise = str(names[0]) if is_named else "Group"
+        name, values = named_column(self.frame, names[0], labels, otherwise)
         self._add_subject(name, values)
         return name
 

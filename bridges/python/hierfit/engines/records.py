@@ -34,9 +34,11 @@ def frame_of(model: Any) -> Optional[pd.DataFrame]:
     dropped = getattr(model.data, "missing_row_idx", None)
     missing = np.asarray([] if dropped is None else dropped, dtype=int)
     count = len(np.asarray(model.endog))
+    labels = getattr(model.data, "row_labels", None)
     if len(missing) and len(frame) == count + len(missing):
-        frame = frame.drop(frame.index[missing]) if frame.index.is_unique else frame[
-            ~np.isin(np.arange(len(frame)), missing)]
+        frame = frame[~np.isin(np.arange(len(frame)), missing)]
+    elif len(frame) != count and labels is not None and frame.index.is_unique:
+        frame = frame.reindex(labels)
     if len(frame) != count:
         raise Unsupported(
             f"The model has {count} records and its data have {len(frame)}: they were changed "
