@@ -120,6 +120,9 @@ def test_scale_of_the_link_and_held_covariates(cake):
     fit = smf.poisson("angle ~ recipe * np.log(temp)", cake).fit(disp=0)
     report = hierfit.report(fit, means="recipe", scale="link", at={"temp": 180})
     assert "Means are at temp = 180." in report.notes
+    grand = {at: hierfit.report(fit, at={"temp": at}).document["grand.mean"]["estimate"]
+             for at in (180, 220)}
+    assert grand[180] < grand[220]
     block = report.document["means"][0]
     wanted = [fit.predict({"recipe": [level], "temp": [180]})[0] for level in "ABC"]
     close(np.exp(numbers(block["rows"], "estimate")), wanted)
