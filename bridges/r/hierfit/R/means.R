@@ -1,0 +1,171 @@
+# Estimated means and contrasts, by emmeans.
+
+# The document's words for adjustments of p values; any other is left to emmeans.
+adjust_words <- c("none", "holm", "sequential sidak")
+contrast_types <- c(pairwise = "pairwise", deviation = "eff", simple = "trt.vs.ctrl")
+
+# A source of means: the reference grid, on the scale of the link or of the target.
+mean_source <- function(parts, settings) {
+  need("emmeans", "a report with means")
+  grid <- tryCatch(
+    suppressMessages(do.call(emmeans::ref_grid, c(list(parts$means_fit, at = settings$at),
+                                                  parts$means))),
+    error = function(e) stop_for("emmeans cannot make means of this fit: ", conditionMessage(e)))
+  grid@misc$avgd.over <- character()
+  grid
+}
+
+# The scale of means that are not asked for: the target's, of an ordinal one the latent variable's.
+chart_scale <- function(parts) if (parts$distribution == "ordinal") "link" else "response"
+
+has_identity <- function(parts) parts$link == "identity"
+
+# The means of some fields: a row each, the last field fastest. `level` is that of the interval.
+# Means are averaged on the scale of the link and then brought to that of the target.
+marginal <- function(source, fields, parts, settings, scale = settings$scale) {
+  means <- suppressMessages(emmeans::emmeans(source, if (length(fields)) fields else ~ 1))
+  means <- untransformed(means, parts)
+  type <- if (scale == "response") "response" else "link"
+  table <- as.data.frame(summary(means, type = type, level = settings$level, infer = c(TRUE, FALSE)))
+  names(table)[length(fields) + (!length(fields)) + 1] <- "estimate"
+  bounds <- grep("\\.(CL|LCL|UCL)$", names(table))
+  table$low <- table[[bounds[1]]]
+  table$high <- table[[bounds[2]]]
+  order <- if (length(fields)) do.call(order, lapply(fields, function(field) rank_of(table[[field]])))
+           else 1
+  list(means = means, table = table[order, , drop = FALSE], fields = fields)
+}
+
+rank_of <- function(column) if (is.factor(column)) as.integer(column) else match(column, unique(column))
+
+# A transformed response stays as the model has it: the target is that transformation.
+untransformed <- function(means, parts) {
+  if (has_identity(parts)) stats::update(means, tran = NULL) else means
+}
+
+mean_row <- function(line, fields = character()) {
+  compact(list(levels = if (length(fields)) lapply(line[fields], level_value),
+               estimate = finite(line$estimate), std.error = finite(line$SE), df = finite(line$df),
+               conf.low = finite(line$low), conf.high = finite(line$high)))
+}
+
+level_value <- function(value) if (is.numeric(value)) value else as.character(value)
+
+mean_rows <- function(means) {
+  lapply(seq_len(nrow(means$table)), function(line) mean_row(means$table[line, ], means$fields))
+}
+
+# A block of means from a formula: ~ a, ~ a | b, ~ a * b. The factor ahead of the bar is compared
+# within the levels of those behind it; with several ahead of it there is nothing to compare.
+means_block <- function(formula, source, parts, settings, variables) {
+  asked <- formula[[length(formula)]]
+  is_split <- is.call(asked) && identical(asked[[1]], quote(`|`))
+  compared <- all.vars(if (is_split) asked[[2]] else asked)
+  others <- if (is_split) all.vars(asked[[3]])
+  fields <- c(compared, others)
+  unknown <- setdiff(fields, names(source@levels))
+  if (length(unknown) || !length(fields)) {
+    stop_for("means of ", deparse1(formula), ": ", if (length(unknown)) paste(unknown, collapse = ", ")
+             else "nothing", " is no variable of the model; it has ",
+             paste(names(source@levels), collapse = ", "))
+  }
+  for (field in fields) variables$add(field, grid_column(source, field, parts))
+  means <- marginal(source, fields, parts, settings)
+  held <- Filter(function(values) is.numeric(values) && length(values) == 1,
+                 source@levels[setdiff(names(source@levels), fields)])
+  for (name in names(held)) variables$add(name, numeric())
+  can_compare <- length(compared) == 1 && !is.null(settings$contrasts) &&
+    is_factor_of(compared, parts)
+  compact(list(fields = I(fields), at = if (length(held)) held, scale = settings$scale,
+               rows = mean_rows(means),
+               contrasts = if (can_compare) contrast_block(means, compared, others, parts, settings)))
+}
+
+# A variable of the grid: a factor(x) in the formula is x there.
+grid_column <- function(source, field, parts) {
+  column <- parts$frame[[field]]
+  if (is.null(column)) factor(source@levels[[field]], source@levels[[field]]) else column
+}
+
+is_factor_of <- function(field, parts) {
+  is.null(parts$frame[[field]]) || kind_of(parts$frame[[field]]) == "factor"
+}
+
+# Contrasts are differences of means on the scale of the means, not ratios.
+contrast_block <- function(means, compare, others, parts, settings) {
+  grid <- means$means
+  if (settings$scale == "response" && !has_identity(parts)) grid <- emmeans::regrid(grid)
+  levels <- as.character(grid@levels[[compare]])
+  reference <- settings$reference[[compare]]
+  if (is.null(reference)) reference <- levels[1]
+  if (!as.character(reference) %in% levels) {
+    stop_for("reference: ", reference, " is no level of ", compare, "; it has ",
+             paste(levels, collapse = ", "))
+  }
+  reference <- match(as.character(reference), levels)
+  arguments <- list(grid, method = contrast_types[[settings$contrasts]], adjust = "none",
+                    by = if (length(others)) others)
+  if (settings$contrasts == "simple") arguments$ref <- reference
+  contrasts <- do.call(emmeans::contrast, arguments)
+  is_own <- !settings$adjust %in% adjust_words
+  table <- as.data.frame(summary(contrasts, adjust = if (is_own) settings$adjust else "none",
+                                 infer = c(TRUE, TRUE), level = settings$level))
+  raw <- as.data.frame(summary(contrasts, adjust = "none", infer = c(FALSE, TRUE)))
+  size <- length(levels)
+  # The order of emmeans: each with all that come after it, or the levels in their order.
+  first <- switch(settings$contrasts, pairwise = rep(seq_len(size), size - seq_len(size)),
+                  deviation = seq_len(size), simple = setdiff(seq_len(size), reference))
+  second <- switch(settings$contrasts, deviation = NULL, simple = rep(reference, size - 1),
+                   pairwise = unlist(lapply(seq_len(size - 1), function(at) (at + 1):size)))
+  rows <- lapply(seq_len(nrow(table)), function(line) {
+    at <- (line - 1) %% length(first) + 1
+    own <- table[line, ]
+    compact(list(
+      levels = if (length(others)) lapply(own[others], level_value),
+      level = levels[first[at]], against = if (!is.null(second)) levels[second[at]],
+      estimate = finite(own$estimate), std.error = finite(own$SE), df = finite(own$df),
+      p.value = if (is_own) finite(raw$p.value[line]),
+      adj.p.value = if (is_own) finite(own$p.value),
+      conf.low = if (is_own) finite(own[[grep("LCL$", names(own))]]),
+      conf.high = if (is_own) finite(own[[grep("UCL$", names(own))]])))
+  })
+  compact(list(compare = compare, type = settings$contrasts,
+               reference = if (settings$contrasts == "simple") levels[reference], rows = rows,
+               vcov = if (all(is.finite(table$SE))) lower_triangle(as.matrix(stats::vcov(contrasts)))))
+}
+
+# The means of the effects that tell most, for their charts: those of factors, and of one covariate
+# along its range.
+effect_means <- function(source, parts, design, tests, settings, most = 10, most_cells = 60) {
+  p <- vapply(tests$effects, function(test) {
+    if (is.null(test$statistic)) return(NA_real_)
+    f_p(test)
+  }, 0)
+  means <- lapply(order(p), function(effect) {
+    fields <- as.character(design$effects[[effect]]$fields)
+    if (!all(fields %in% names(source@levels)) || length(design$effects[[effect]]$powers)) return(NULL)
+    numeric <- Filter(function(field) is.numeric(parts$frame[[field]]), fields)
+    cells <- prod(vapply(source@levels[fields], length, 0L))
+    if (cells > most_cells || (length(numeric) && length(fields) > 1)) return(NULL)
+    at <- if (length(numeric)) stats::setNames(list(along(parts$frame[[fields]])), fields)
+    source <- if (is.null(at)) source else mean_source(parts, list(at = c(at, settings$at)))
+    list(fields = I(fields), rows = mean_rows(marginal(source, fields, parts, settings,
+                                                       scale = chart_scale(parts))))
+  })
+  utils::head(Filter(Negate(is.null), means), most)
+}
+
+f_p <- function(test) {
+  if (is.null(test$den.df)) {
+    return(stats::pchisq(test$statistic * test$num.df, test$num.df, lower.tail = FALSE))
+  }
+  stats::pf(test$statistic, test$num.df, test$den.df, lower.tail = FALSE)
+}
+
+# Where a covariate is charted: at its values if they are few, else at round places in its range.
+along <- function(column) {
+  values <- sort(unique(column))
+  if (length(values) <= 10) return(values)
+  round <- pretty(values, 5)
+  round[round >= min(values) & round <= max(values)]
+}
