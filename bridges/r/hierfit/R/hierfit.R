@@ -124,7 +124,9 @@ format.hierfit <- function(x, form = "text", width = getOption("width"), options
 #' @export
 print.hierfit <- function(x, ...) {
   if (has_program()) {
-    cat(format(x, ...), sep = "\n")
+    lines <- format(x, ...)
+    notes <- notes_beside(x, lines)
+    cat(lines, if (length(notes)) c("", "Notes", strwrap(notes, getOption("width"))), sep = "\n")
   } else {
     cat("A fit for hierfit:", x$document$formula, "\n\n")
     print(tidy.hierfit(x))
@@ -133,10 +135,21 @@ print.hierfit <- function(x, ...) {
   invisible(x)
 }
 
+# What readers should know of a fit and its report does not say: weights, offsets, zero inflation, a
+# singular fit, what the engine warned of.
+notes_beside <- function(x, report) {
+  notes <- as.character(c(x$document$engine$warnings, x$document$engine$notes))
+  squeezed <- gsub("\\s+", " ", paste(report, collapse = " "))
+  notes[!vapply(notes, grepl, TRUE, squeezed, fixed = TRUE)]
+}
+
 # The numbers of a fit as data frames, with the names of broom.
 
 tidy_rows <- function(rows, members) {
-  cell <- function(row, member) if (is.null(row[[member]])) NA else row[[member]]
+  cell <- function(row, member) {
+    value <- row[[member]]
+    if (is.null(value)) NA else value
+  }
   columns <- lapply(stats::setNames(members, members), function(member) {
     unlist(lapply(rows, cell, member))
   })
@@ -196,7 +209,8 @@ tidy_test <- function(test) {
 
 name_terms <- function(parameter, block) {
   names <- if (is.null(block$terms)) "Intercept" else vapply(block$terms, `[[`, "", "term")
-  parameter$terms <- paste(names[as.integer(parameter$terms) + 1], collapse = ", ")
+  parameter$terms <- paste(c(names[as.integer(parameter$terms) + 1], unlist(parameter$levels)),
+                           collapse = ", ")
   parameter
 }
 
@@ -239,5 +253,11 @@ glance.hierfit <- function(x, ...) {
 #'   `row_number`, `row`, `column_number`, `column`, `value`, `shown` and `notes`.
 #' @export
 as.data.frame.hierfit <- function(x, row.names = NULL, optional = FALSE, ...) {
-  utils::read.csv(text = format(x, "csv"), encoding = "UTF-8", stringsAsFactors = FALSE)
+  cells <- utils::read.csv(text = format(x, "csv"), encoding = "UTF-8", colClasses = "character")
+  whole <- c("table", "row_number", "column_number")
+  cells[whole] <- lapply(cells[whole], as.integer)
+  # The reader of jsonlite is exact, that of R not always.
+  values <- paste(ifelse(nzchar(cells$value), cells$value, "null"), collapse = ",")
+  cells$value <- as.numeric(jsonlite::fromJSON(sprintf("[%s]", values)))
+  cells
 }

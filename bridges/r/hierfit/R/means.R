@@ -23,17 +23,26 @@ has_identity <- function(parts) parts$link == "identity"
 # The means of some fields: a row each, the last field fastest. `level` is that of the interval.
 # Means are averaged on the scale of the link and then brought to that of the target.
 marginal <- function(source, fields, parts, settings, scale = settings$scale) {
-  means <- suppressMessages(emmeans::emmeans(source, if (length(fields)) fields else ~ 1))
+  in_grid <- unname(grid_names(source, parts)[fields])
+  means <- suppressMessages(emmeans::emmeans(source, if (length(fields)) in_grid else ~ 1))
   means <- untransformed(means, parts)
   type <- if (scale == "response") "response" else "link"
   table <- as.data.frame(summary(means, type = type, level = settings$level, infer = c(TRUE, FALSE)))
   names(table)[length(fields) + (!length(fields)) + 1] <- "estimate"
+  names(table)[match(in_grid, names(table))] <- fields
   bounds <- grep("\\.(CL|LCL|UCL)$", names(table))
   table$low <- table[[bounds[1]]]
   table$high <- table[[bounds[2]]]
   order <- if (length(fields)) do.call(order, lapply(fields, function(field) rank_of(table[[field]])))
            else 1
   list(means = means, table = table[order, , drop = FALSE], fields = fields)
+}
+
+# The variables of a grid by the names that the document has: a factor(x) of the model is x there.
+grid_names <- function(source, parts) {
+  grid <- names(source@levels)
+  bare <- stats::setNames(names(parts$frame), bare_name(names(parts$frame)))
+  stats::setNames(grid, ifelse(grid %in% names(parts$frame) | !grid %in% names(bare), grid, bare[grid]))
 }
 
 rank_of <- function(column) if (is.factor(column)) as.integer(column) else match(column, unique(column))
@@ -62,17 +71,20 @@ means_block <- function(formula, source, parts, settings, variables) {
   is_split <- is.call(asked) && identical(asked[[1]], quote(`|`))
   compared <- all.vars(if (is_split) asked[[2]] else asked)
   others <- if (is_split) all.vars(asked[[3]])
-  fields <- c(compared, others)
-  unknown <- setdiff(fields, names(source@levels))
-  if (length(unknown) || !length(fields)) {
+  names <- grid_names(source, parts)
+  unknown <- setdiff(c(compared, others), c(names, names(names)))
+  if (length(unknown) || !length(compared)) {
     stop_for("means of ", deparse1(formula), ": ", if (length(unknown)) paste(unknown, collapse = ", ")
-             else "nothing", " is no variable of the model; it has ",
-             paste(names(source@levels), collapse = ", "))
+             else "nothing", " is no variable of the model; it has ", paste(names, collapse = ", "))
   }
+  as_document <- function(fields) ifelse(fields %in% names, names(names)[match(fields, names)], fields)
+  compared <- as_document(compared)
+  others <- as_document(others)
+  fields <- c(compared, others)
   for (field in fields) variables$add(field, grid_column(source, field, parts))
   means <- marginal(source, fields, parts, settings)
   held <- Filter(function(values) is.numeric(values) && length(values) == 1,
-                 source@levels[setdiff(names(source@levels), fields)])
+                 source@levels[setdiff(names, names[fields])])
   for (name in names(held)) variables$add(name, numeric())
   can_compare <- length(compared) == 1 && !is.null(settings$contrasts) &&
     is_factor_of(compared, parts)
@@ -94,9 +106,10 @@ is_factor_of <- function(field, parts) {
 # Contrasts are differences of means on the scale of the means, not ratios.
 contrast_block <- function(means, compare, others, parts, settings) {
   grid <- means$means
+  in_grid <- grid_names(grid, parts)
   if (settings$scale == "response" && !has_identity(parts)) grid <- emmeans::regrid(grid)
-  levels <- as.character(grid@levels[[compare]])
-  reference <- settings$reference[[compare]]
+  levels <- as.character(grid@levels[[in_grid[[compare]]]])
+  reference <- unlist(settings$reference[c(compare, in_grid[[compare]])])[1]
   if (is.null(reference)) reference <- levels[1]
   if (!as.character(reference) %in% levels) {
     stop_for("reference: ", reference, " is no level of ", compare, "; it has ",
@@ -104,7 +117,7 @@ contrast_block <- function(means, compare, others, parts, settings) {
   }
   reference <- match(as.character(reference), levels)
   arguments <- list(grid, method = contrast_types[[settings$contrasts]], adjust = "none",
-                    by = if (length(others)) others)
+                    by = if (length(others)) unname(in_grid[others]))
   if (settings$contrasts == "simple") arguments$ref <- reference
   contrasts <- do.call(emmeans::contrast, arguments)
   is_own <- !settings$adjust %in% adjust_words
@@ -121,13 +134,13 @@ contrast_block <- function(means, compare, others, parts, settings) {
     at <- (line - 1) %% length(first) + 1
     own <- table[line, ]
     compact(list(
-      levels = if (length(others)) lapply(own[others], level_value),
+      levels = if (length(others)) stats::setNames(lapply(own[in_grid[others]], level_value), others),
       level = levels[first[at]], against = if (!is.null(second)) levels[second[at]],
       estimate = finite(own$estimate), std.error = finite(own$SE), df = finite(own$df),
       p.value = if (is_own) finite(raw$p.value[line]),
       adj.p.value = if (is_own) finite(own$p.value),
-      conf.low = if (is_own) finite(own[[grep("LCL$", names(own))]]),
-      conf.high = if (is_own) finite(own[[grep("UCL$", names(own))]])))
+      conf.low = if (is_own) finite(own[[grep("LCL$|lower.CL$", names(own))]]),
+      conf.high = if (is_own) finite(own[[grep("UCL$|upper.CL$", names(own))]])))
   })
   compact(list(compare = compare, type = settings$contrasts,
                reference = if (settings$contrasts == "simple") levels[reference], rows = rows,
@@ -143,11 +156,12 @@ effect_means <- function(source, parts, design, tests, settings, most = 10, most
   }, 0)
   means <- lapply(order(p), function(effect) {
     fields <- as.character(design$effects[[effect]]$fields)
-    if (!all(fields %in% names(source@levels)) || length(design$effects[[effect]]$powers)) return(NULL)
+    names <- grid_names(source, parts)
+    if (!all(fields %in% names(names)) || length(design$effects[[effect]]$powers)) return(NULL)
     numeric <- Filter(function(field) is.numeric(parts$frame[[field]]), fields)
-    cells <- prod(vapply(source@levels[fields], length, 0L))
+    cells <- prod(lengths(source@levels[names[fields]]))
     if (cells > most_cells || (length(numeric) && length(fields) > 1)) return(NULL)
-    at <- if (length(numeric)) stats::setNames(list(along(parts$frame[[fields]])), fields)
+    at <- if (length(numeric)) stats::setNames(list(along(parts$frame[[fields]])), names[fields])
     source <- if (is.null(at)) source else mean_source(parts, list(at = c(at, settings$at)))
     list(fields = I(fields), rows = mean_rows(marginal(source, fields, parts, settings,
                                                        scale = chart_scale(parts))))

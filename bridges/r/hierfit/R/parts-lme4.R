@@ -62,6 +62,8 @@ lme4_parts <- function(fit, df, contest, vcov, family, blocks, parameters, means
         residual = residual_part(parameters, blocks), means = means,
         warnings = c(messages[!grepl("singular", messages)], unlist(fit@optinfo$warnings)),
         notes = c(if (is_singular) singular_note,
+                  if (!class(fit)[1] %in% c("lmerMod", "lmerModLmerTest", "glmerMod"))
+                    sprintf("The fit is a %s, which may have priors.", class(fit)[1]),
                   if (lme4::isREML(fit)) "Fitted by restricted maximum likelihood (REML)."),
         conditions = c(if (is_singular) "covariance values doubtful",
                        if (any(grepl("converge", messages))) "not converged"))

@@ -2,6 +2,7 @@
 
 #' @export
 fit_parts.lme <- function(fit, df = "auto") {
+  only_class(fit, "lme")
   df <- choose_df(df, c("containment", "asymptotic"))
   structures <- fit$modelStruct
   # From the outermost group in; the parameters are those of the innermost first.
@@ -26,6 +27,7 @@ fit_parts.lme <- function(fit, df = "auto") {
 
 #' @export
 fit_parts.gls <- function(fit, df = "auto") {
+  only_class(fit, "gls")
   left <- fit$dims$N - fit$dims$p
   parameters <- nlme_parameters(fit)
   parts(fit, "nlme", frame = nlme_frame(fit), terms = stats::terms(stats::formula(fit)),

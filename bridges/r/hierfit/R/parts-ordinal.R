@@ -2,6 +2,7 @@
 
 #' @export
 fit_parts.clm <- function(fit, df = "auto") {
+  only_class(fit, c("clm", "sclm"))
   if (length(fit$alpha.mat) && nrow(fit$alpha.mat) > 1) {
     stop_for("a clm() with nominal effects has thresholds that no report has a place for; ",
              "move them to the formula")
@@ -53,7 +54,8 @@ fit_parts.clmm <- function(fit, df = "auto") {
     },
     vcov = if (known) vcov[own, own, drop = FALSE])
   ordinal_parts(fit, "ordinal", df, frame = frame, thresholds = thresholds, coef = beta, vcov = vcov,
-                link = fit$link, predicted = clmm_category(fit, frame, thresholds),
+                link = fit$link,
+                predicted = fit$y.levels[max.col(clmm_chances(fit, thresholds), "first")],
                 terms = clmm_terms(fit), random = blocks,
                 notes = if (!known) paste(
                   "Covariance parameters have no standard errors: a variance is zero, or the block has slopes."))
@@ -68,8 +70,9 @@ clmm_terms <- function(fit) {
   terms
 }
 
-# ordinal has no predict() for clmm: the category that is likeliest at the conditional modes.
-clmm_category <- function(fit, frame, thresholds) {
+# ordinal has no predict() for clmm: the probability of each category at the conditional modes.
+clmm_chances <- function(fit, thresholds) {
+  frame <- fit$model
   link <- list(logit = stats::plogis, probit = stats::pnorm, cauchit = stats::pcauchy,
                loglog = function(x) exp(-exp(-x)), cloglog = function(x) -expm1(-exp(x)))[[fit$link]]
   design <- design_of(clmm_terms(fit), frame, fit$contrasts)
@@ -83,6 +86,5 @@ clmm_category <- function(fit, frame, thresholds) {
     linear <- linear + rowSums(own * as.matrix(modes[[at]])[rows, , drop = FALSE])
   }
   below <- vapply(thresholds, function(threshold) link(threshold - linear), linear)
-  chances <- cbind(below, 1) - cbind(0, below)
-  fit$y.levels[max.col(chances, "first")]
+  cbind(below, 1) - cbind(0, below)
 }

@@ -2,6 +2,7 @@
 
 #' @export
 fit_parts.lm <- function(fit, df = "auto") {
+  only_class(fit, c("lm", "aov", "glm", "mlm"))
   if (inherits(fit, "mlm")) stop_for("a fit with several targets has no report; fit each alone")
   variance <- stats::sigma(fit)^2
   left <- stats::df.residual(fit)
@@ -12,6 +13,7 @@ fit_parts.lm <- function(fit, df = "auto") {
 
 #' @export
 fit_parts.glm <- function(fit, df = "auto") {
+  only_class(fit, "glm")
   family <- stats::family(fit)
   if (identical(family$family, "gaussian")) return(fit_parts.lm(fit, df))
   is_scaled <- !family$family %in% c("binomial", "poisson")

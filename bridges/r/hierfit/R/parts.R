@@ -67,6 +67,13 @@ parts <- function(fit, engine, frame, terms, coef, vcov, family, df.method, df.r
     warnings = warnings, conditions = conditions)), class = "hierfit_parts")
 }
 
+# Stops for a fit of a class that only inherits what the package knows: its numbers may be others.
+only_class <- function(fit, classes) {
+  if (class(fit)[1] %in% classes) return(invisible())
+  stop_for("a fit of class ", class(fit)[1], " is not told like one of class ", classes[1],
+           "; vignette(\"engines\", \"hierfit\") tells how to write fit_parts.", class(fit)[1], "()")
+}
+
 # The families of R: the word of the document, and what readers should know. One that is not here is
 # "other", with a note.
 family_rows <- rbind(

@@ -44,16 +44,24 @@ run_on <- function(x, arguments) {
   document <- file.path(folder, "fit.json")
   write_json(x$document, document)
   result <- run(program(), c(arguments, document))
-  if (!is.null(result$status)) stop_for(paste(sub("^hierfit: ", "", result$errors), collapse = "\n"))
-  warnings <- grep("warning: ", result$errors, value = TRUE)
+  messages <- gsub(document, "fit.json", sub("^hierfit: ", "", result$errors), fixed = TRUE)
+  if (!is.null(result$status)) stop_for(paste(messages, collapse = "\n"))
+  warnings <- grep("warning: ", messages, value = TRUE)
   if (length(warnings)) warning(paste(warnings, collapse = "\n"), call. = FALSE)
   as.vector(result$output)
 }
 
-# Numbers in all their digits: they come through to the last bit.
+# Numbers as JSON in all their digits, which come through to the last bit; jsonlite has 15.
+with_digits <- function(member) {
+  if (is.list(member)) return(lapply(member, with_digits))
+  if (!is.numeric(member)) return(member)
+  text <- ifelse(is.finite(member), sprintf("%.17g", as.numeric(member)), "null")
+  is_array <- inherits(member, "AsIs") || length(member) != 1
+  structure(if (is_array) sprintf("[%s]", paste(text, collapse = ",")) else text, class = "json")
+}
+
 write_json <- function(document, file) {
-  text <- jsonlite::toJSON(document, auto_unbox = TRUE, digits = I(17), na = "null", null = "null",
-                           force = TRUE)
+  text <- jsonlite::toJSON(with_digits(document), auto_unbox = TRUE, json_verbatim = TRUE, na = "null")
   connection <- file(file, "wb")
   on.exit(close(connection))
   writeLines(enc2utf8(text), connection, useBytes = TRUE)

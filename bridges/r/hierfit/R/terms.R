@@ -48,16 +48,25 @@ columns_of <- function(name, column, contrast, full) {
   data.frame(level = NA_character_, at = seq_len(NCOL(column)))
 }
 
-# The effects of a formula and the rows of its design.
-#
-# `terms` is that of one formula part, `frame` holds its variables, `contrasts` the contrasts of its
-# factors by name. Gives `effects`, as the document has them; `rows`, one for each column of
-# `matrix`, with its effect (from 0), and the levels or the columns of its factors; and which
-# effects are to be told `as_fitted`, since contrasts or matrices made their columns.
+#' The effects of a formula and the rows of its design
+#'
+#' What a method of [fit_parts()] needs for blocks of random effects that have slopes.
+#'
+#' @param terms the terms of one part of a formula.
+#' @param frame a data frame with its variables.
+#' @param contrasts the contrasts of its factors by name, as a model matrix has them.
+#' @return a list: `effects`, as the document has them; `rows`, one for each column of `matrix`, with
+#'   its effect (from 0), and the levels or the columns of its factors; `as_fitted`, which effects
+#'   have columns that no levels tell, since contrasts or matrices made them; and what else the
+#'   package needs of a design.
+#' @export
 design_of <- function(terms, frame, contrasts = NULL) {
   factors <- attr(terms, "factors")
   if (!length(factors)) factors <- matrix(0L, 0, 0)
   has_intercept <- attr(terms, "intercept") == 1
+  is_factor <- vapply(rownames(factors), function(name) kind_of(frame[[name]]) == "factor", TRUE)
+  # Without an intercept a model matrix has all levels of the first factor that it meets.
+  if (!has_intercept) factors[which(factors > 0 & is_factor)[1]] <- 2L
   used <- rownames(factors)[rowSums(factors > 0) > 0]
   contrasts <- contrasts[intersect(names(contrasts), used)]
   matrix <- stats::model.matrix(stats::delete.response(terms), frame,
@@ -67,7 +76,7 @@ design_of <- function(terms, frame, contrasts = NULL) {
   effects <- list()
   as_fitted <- logical()
   for (position in seq_len(ncol(factors))) {
-    codes <- factors[, position]
+    codes <- stats::setNames(factors[, position], rownames(factors))
     names <- rownames(factors)[codes > 0]
     sets <- lapply(names, function(name) {
       columns_of(name, frame[[name]], contrasts[[name]], codes[[name]] == 2)

@@ -1,5 +1,8 @@
 # The variables of a fit: what they are called, which values they have, and their records.
 
+# The variable that a factor() of it is made of.
+bare_name <- function(name) sub("^(as[.])?(factor|ordered)\\((.*)\\)$", "\\3", name)
+
 # Collects variables as the parts of a document name them.
 #
 # `frame` is the model frame; `data` the data frame of the call, if it can be found, which has labels
@@ -7,8 +10,7 @@
 variable_list <- function(frame, data, labels) {
   list_of <- list()
   source_of <- function(name) {
-    bare <- sub("^(as[.])?(factor|ordered)\\((.*)\\)$", "\\3", name)
-    for (place in list(data[[name]], data[[bare]], frame[[name]]))
+    for (place in list(data[[name]], data[[bare_name(name)]], frame[[name]]))
       if (!is.null(attr(place, "label")) || !is.null(attr(place, "labels"))) return(place)
     NULL
   }
@@ -93,11 +95,12 @@ counted_target <- function(expression, events, trials, predicted, variables) {
   name <- deparse1(first)
   trials_name <- if (is_rest) deparse1(second[[2]]) else if (is.null(second)) paste("trials of", name)
                  else if (is_pair) paste(name, "+", deparse1(second)) else deparse1(second)
+  trials <- as.vector(trials)
   is_constant <- length(unique(trials)) == 1 && trials[1] == round(trials[1])
   variables$add(name, events, level = "scale", type = "integer")
   if (!is_constant) variables$add(trials_name, trials, level = "scale", type = "integer")
   list(target = compact(list(variable = name, trials = if (!is_constant) trials_name,
-                             trials.constant = if (is_constant) trials[1])),
+                             trials.constant = if (is_constant) trials[[1]])),
        columns = c(stats::setNames(list(as.vector(events)), name),
                    if (!is_constant) stats::setNames(list(as.vector(trials)), trials_name)),
        predicted = predicted * trials)

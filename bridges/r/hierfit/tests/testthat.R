@@ -1,0 +1,4 @@
+library(testthat)
+library(hierfit)
+
+test_check("hierfit")
