@@ -31,7 +31,6 @@
 #'   a fit that emmeans cannot have.
 #' @param means_fit the fit that emmeans takes.
 #' @param notes,warnings,conditions sentences for readers, and conditions as the document has them.
-#' @param dispersion list of the residual parameters besides the variance.
 #' @return `parts()` gives a list of class `hierfit_parts`; `fit_parts()` the same.
 #' @export
 fit_parts <- function(fit, df = "auto") UseMethod("fit_parts")
