@@ -26,7 +26,7 @@ build:
 	cmake --build --preset release
 
 check:
-	scripts/setup build check
+	scripts/setup build check bridges
 	scripts/check
 
 bench:
