@@ -73,14 +73,14 @@ as.list.hierfit <- function(x, ...) x$document
 #' @param ... files; the ending of each picks its form: html, pdf, docx, xlsx, tex, md, txt, csv,
 #'   json, svg, png or vl.json.
 #' @param style "default", "apa", "jama" or "lancet".
-#' @param language a language tag: en, de, es, fr, ja, pt or zh-Hans.
+#' @param language a language tag: en, de, es, fr, ja, pt or zh-Hans; absent: that of the session.
 #' @param options other options of the program, as a character vector.
 #' @return the names of the files, invisibly.
 #' @export
-write_report <- function(x, ..., style = "default", language = "en", options = NULL) {
+write_report <- function(x, ..., style = "default", language = NULL, options = NULL) {
   files <- c(...)
   if (!length(files)) stop_for("write_report() needs a file to write")
-  run_on(x, c("--style", style, "--language", language, rbind("--output", path.expand(files)), options))
+  run_on(x, c(display_options(style, language), rbind("--output", path.expand(files)), options))
   invisible(files)
 }
 
@@ -105,19 +105,25 @@ write_documents <- function(x, folder, data = FALSE) {
   invisible(folder)
 }
 
+display_options <- function(style = NULL, language = NULL) {
+  c(if (length(style)) c("--style", style), if (length(language)) c("--language", language))
+}
+
 as_hierfit <- function(x) if (inherits(x, "hierfit")) x else hierfit(x)
 
 #' Show a report
 #'
 #' @param x what [hierfit()] gives.
-#' @param ... for `format()`: `width`, `style`, `language`; for `print()` what `format()` takes.
+#' @param ... for `print()` what `format()` takes.
 #' @param form "text", "markdown", "html", "latex", "json" or "csv".
 #' @param width the width of the text form.
+#' @param style,language as in [write_report()].
 #' @param options other options of the program.
 #' @return `format()` gives the lines of the report.
 #' @export
-format.hierfit <- function(x, form = "text", width = getOption("width"), options = NULL, ...) {
-  run_on(x, c("--format", form, "--output", "-", if (form == "text") c("--width", width), options))
+format.hierfit <- function(x, form = "text", width = getOption("width"), style = NULL, language = NULL,
+                           options = NULL, ...) {
+  run_on(x, c("--format", form, "--output", "-", display_options(style, language), if (form == "text") c("--width", width), options))
 }
 
 #' @rdname format.hierfit
@@ -249,11 +255,12 @@ glance.hierfit <- function(x, ...) {
 #'
 #' @param x what [hierfit()] gives.
 #' @param row.names,optional,... not used.
+#' @param language of the labels; see [write_report()].
 #' @return a data frame with a row for each cell of each table: `table`, `subtype`, `title`,
 #'   `row_number`, `row`, `column_number`, `column`, `value`, `shown` and `notes`.
 #' @export
-as.data.frame.hierfit <- function(x, row.names = NULL, optional = FALSE, ...) {
-  cells <- utils::read.csv(text = format(x, "csv"), encoding = "UTF-8", colClasses = "character")
+as.data.frame.hierfit <- function(x, row.names = NULL, optional = FALSE, language = "en", ...) {
+  cells <- utils::read.csv(text = format(x, "csv", language = language), encoding = "UTF-8", colClasses = "character")
   whole <- c("table", "row_number", "column_number")
   cells[whole] <- lapply(cells[whole], as.integer)
   # The reader of jsonlite is exact, that of R not always.

@@ -15,7 +15,7 @@
 #' @return what knitr prints as it is.
 #' @exportS3Method knitr::knit_print
 knit_print.hierfit <- function(x, options = knitr::opts_current$get(), tables = NULL,
-                               style = "default", language = "en", form = NULL, ...) {
+                               style = NULL, language = NULL, form = NULL, ...) {
   if (!has_option("--fragment")) {
     stop_for(if (has_program()) "this hierfit writes no pieces of pages; install a newer one" else no_program)
   }
@@ -23,8 +23,7 @@ knit_print.hierfit <- function(x, options = knitr::opts_current$get(), tables = 
   label <- if (is.null(options$label)) "hierfit" else gsub("[^A-Za-z0-9]+", "-", options$label)
   count <- c(knitr::opts_knit$get("hierfit.count"), 0)[1] + 1
   knitr::opts_knit$set(hierfit.count = count)
-  arguments <- c("--style", style, "--language", language,
-                 if (length(tables)) c("--tables", paste(tables, collapse = ",")))
+  arguments <- c(display_options(style, language), if (length(tables)) c("--tables", paste(tables, collapse = ",")))
   piece <- switch(
     form,
     html = knit_html(x, c(arguments, "--id-prefix", sprintf("%s-%d-", label, count),

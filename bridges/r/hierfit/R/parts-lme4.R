@@ -3,16 +3,20 @@
 #' @export
 fit_parts.lmerMod <- function(fit, df = "auto") {
   has_test <- requireNamespace("lmerTest", quietly = TRUE)
+  # The conversion is dear and serves degrees of freedom, means and standard errors of variances.
+  own <- inherits(fit, "lmerModLmerTest")
+  is_small <- stats::nobs(fit) <= 5000
+  note <- if (df == "auto" && !own && !is_small) paste(
+    "Degrees of freedom are asymptotic, as the fit has more than 5000 records;",
+    "df = \"satterthwaite\" reckons them.")
+  if (!is.null(note)) df <- "asymptotic"
   df <- choose_df(df, c(if (has_test) "satterthwaite",
                         if (requireNamespace("pbkrtest", quietly = TRUE)) "kenward-roger",
                         "residual", "asymptotic"))
-  # The conversion is dear and serves degrees of freedom, means and standard errors of variances.
-  is_small <- stats::nobs(fit) <= 5000
-  if (has_test && (df %in% c("satterthwaite", "kenward-roger") || is_small) &&
-      !inherits(fit, "lmerModLmerTest")) {
+  if (has_test && !own && (df %in% c("satterthwaite", "kenward-roger") || is_small)) {
     fit <- tryCatch(suppressMessages(lmerTest::as_lmerModLmerTest(fit)), error = function(e) fit)
+    own <- inherits(fit, "lmerModLmerTest")
   }
-  own <- inherits(fit, "lmerModLmerTest")
   vcov <- if (df == "kenward-roger") pbkrtest::vcovAdj(fit) else stats::vcov(fit)
   contest <- if (df %in% c("satterthwaite", "kenward-roger")) function(hypotheses) {
     test <- lmerTest::contestMD(fit, hypotheses, ddf = c(satterthwaite = "Satterthwaite",
@@ -28,7 +32,7 @@ fit_parts.lmerMod <- function(fit, df = "auto") {
                "variance", stats::sigma(fit)^2,
                delta_se(function(at) at[length(at)]^2, varpar, varpar_vcov))),
              means = list(lmer.df = if (df %in% c("satterthwaite", "kenward-roger")) df else "asymptotic",
-                          lmerTest.limit = Inf, pbkrtest.limit = Inf))
+                          lmerTest.limit = Inf, pbkrtest.limit = Inf), notes = note)
 }
 
 #' @export
@@ -52,7 +56,7 @@ fit_parts.glmerMod <- function(fit, df = "auto") {
                  residual_parameter("dispersion", 1 / lme4::getME(fit, "glmer.nb.theta")))))
 }
 
-lme4_parts <- function(fit, df, contest, vcov, family, blocks, parameters, means = list()) {
+lme4_parts <- function(fit, df, contest, vcov, family, blocks, parameters, means = list(), notes = NULL) {
   messages <- unlist(fit@optinfo$conv$lme4$messages)
   is_singular <- lme4::isSingular(fit)
   parts(fit, "lme4", frame = fit@frame, terms = stats::terms(fit), coef = lme4::fixef(fit),
@@ -61,12 +65,13 @@ lme4_parts <- function(fit, df, contest, vcov, family, blocks, parameters, means
         contrasts = attr(lme4::getME(fit, "X"), "contrasts"), random = blocks,
         residual = residual_part(parameters, blocks), means = means,
         warnings = c(messages[!grepl("singular", messages)], unlist(fit@optinfo$warnings)),
-        notes = c(if (is_singular) singular_note,
+        notes = c(notes, if (is_singular) singular_note,
                   if (!class(fit)[1] %in% c("lmerMod", "lmerModLmerTest", "glmerMod"))
                     sprintf("The fit is a %s, which may have priors.", class(fit)[1]),
                   if (lme4::isREML(fit)) "Fitted by restricted maximum likelihood (REML)."),
         conditions = c(if (is_singular) "covariance values doubtful",
-                       if (any(grepl("converge", messages))) "not converged"))
+                       if (any(grepl("converge", messages)) || any(fit@optinfo$conv$opt != 0))
+                         "not converged"))
 }
 
 # `at` is theta, with sigma behind it if that was estimated along with it; `vcov` is its covariance.

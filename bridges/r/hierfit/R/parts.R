@@ -83,6 +83,7 @@ family_rows <- rbind(
   c("inverse.gaussian", "inverse gaussian", ""),
   c("negative binomial", "negative binomial", ""),
   c("nbinom2", "negative binomial", ""),
+  c("betabinomial", "binomial", "The distribution is beta-binomial."),
   c("nbinom1", "negative binomial",
     "The variance is a multiple of the mean (the family nbinom1)."),
   c("quasibinomial", "binomial",
@@ -116,7 +117,7 @@ common_notes <- function(frame, words) {
   counts <- words$distribution == "binomial"
   c(if (!counts && length(unique(weights)) > 1) "The records have weights.",
     if (!is.null(stats::model.offset(frame)) && any(stats::model.offset(frame) != 0))
-      "The model has an offset; means are those at its mean.")
+      "The model has an offset; means hold its variables at their means.")
 }
 
 # The method that is used, or a stop that names those there are.

@@ -67,6 +67,10 @@ target_of <- function(parts, variables) {
   }
   if (kind_of(response) == "factor" || (all(response %in% 0:1) && all(weights == 1))) {
     levels <- levels_of(response)
+    if (length(levels) > 2) {
+      stop_for("the target ", name, " has ", length(levels), " levels with a binomial distribution; ",
+               "make it one level against the others ahead of the fit")
+    }
     variables$add(name, factor(response, unique(levels)), level = "nominal")
     return(list(target = list(variable = name, reference = levels[1]),
                 columns = stats::setNames(list(as.character(response)), name),
@@ -76,6 +80,9 @@ target_of <- function(parts, variables) {
 }
 
 plain_target <- function(name, response, predicted, parts, variables) {
+  if (is.matrix(response) && ncol(response) > 1) {
+    stop_for("the target ", name, " is a matrix, which has a place with a binomial distribution only")
+  }
   is_factor <- kind_of(response) == "factor"
   variables$add(name, response)
   list(target = compact(list(variable = name,

@@ -59,6 +59,9 @@ test_that("scales, covariates and empty cells", {
   empty <- hierfit(MASS::glm.nb(Days ~ Eth + Sex + Age * Lrn, MASS::quine), means = ~ Lrn | Age)
   expect_equal(sum(is.na(tidied(empty, "means")$estimate)), 1)
   expect_null(as.list(empty)$grand.mean)
+  cells <- as.list(hierfit(fit, means = ~ wool * tension))$means[[1]]
+  expect_equal(length(cells$rows), 6)
+  expect_null(cells$contrasts)
   expect_error(hierfit(fit, means = ~ shape), "shape is no variable")
   expect_error(hierfit(fit, means = ~ wool, contrasts = "simple", reference = list(wool = "C")),
                "C is no level of wool")

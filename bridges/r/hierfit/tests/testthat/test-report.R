@@ -3,10 +3,10 @@ fit <- lm(breaks ~ wool * tension, warpbreaks)
 test_that("a report is shown and written in its forms", {
   needs_program()
   x <- hierfit(fit, means = ~ tension | wool, labels = c(breaks = "Breaks"), title = "Looms")
-  text <- format(x, width = 60)
+  text <- format(x, width = 60, language = "en")
   expect_match(text, "Breaks", all = FALSE)
   expect_true(max(nchar(text)) <= 60)
-  expect_output(print(x), "Fixed coefficients")
+  expect_output(print(x, language = "en"), "Fixed coefficients")
   folder <- own_folder()
   files <- file.path(folder, c("a.html", "b.docx", "c d.txt"))
   write_report(x, files, style = "apa", language = "de")
@@ -54,7 +54,7 @@ test_that("each class makes a report without a word of warning", {
     glm(am ~ wt, binomial, mtcars),
     lm(log(mpg) ~ factor(cyl) * wt + poly(hp, 2), mtcars))
   for (fit in fits) {
-    expect_silent(lines <- format(hierfit(fit), width = 100))
+    expect_silent(lines <- format(hierfit(fit), width = 100, language = "en"))
     expect_match(lines, "Fixed coefficients", all = FALSE)
   }
 })
