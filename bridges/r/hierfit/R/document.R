@@ -156,23 +156,23 @@ subject_columns <- function(parts) {
     stats::setNames(lapply(repeated, function(name) record_values(parts$frame[[name]])), repeated))
 }
 
-# The members that hold means. Fits that emmeans is not asked for have none.
+# The members that hold means. Those that are not asked for are left out where emmeans has none, and
+# for ordinal targets, whose means are on the scale of a latent variable.
 parts_with_means <- function(parts, design, tests, settings, variables) {
-  if (is.null(parts$means)) {
-    if (length(settings$means)) stop_for("a ", parts$distribution, " target has no means here")
-    return(list())
-  }
-  if (!length(settings$means) && !requireNamespace("emmeans", quietly = TRUE)) {
-    return(list(notes = "Without the package emmeans there are no means."))
-  }
-  # A latent variable has no other scale.
-  if (parts$distribution == "ordinal") settings$scale <- "link"
-  source <- mean_source(parts, settings)
+  asked <- length(settings$means) > 0
+  is_ordinal <- parts$distribution == "ordinal"
+  if (is.null(parts$means) && asked) stop_for("a ", parts$distribution, " target has no means here")
+  if (is.null(parts$means) || (is_ordinal && !asked)) return(list())
+  if (is_ordinal) settings$scale <- "link"
+  source <- tryCatch(mean_source(parts, settings), error = function(e) if (asked) stop(e) else e)
+  if (inherits(source, "error")) return(list(notes = sub("^hierfit: ", "", conditionMessage(source))))
   blocks <- lapply(settings$means, means_block, source, parts, settings, variables)
-  grand <- marginal(source, character(), parts, settings, scale = chart_scale(parts))
-  list(notes = if (parts$distribution == "ordinal") "Means are on the scale of the latent variable.",
-       members = compact(list(
+  if (is_ordinal) {
+    return(list(notes = "Means are on the scale of the latent variable.", members = list(means = blocks)))
+  }
+  grand <- marginal(source, character(), parts, settings, scale = "response")
+  list(members = compact(list(
     grand.mean = if (is.finite(grand$table$estimate)) mean_row(grand$table),
     effect.means = effect_means(source, parts, design, tests, settings),
-    means = if (length(blocks)) blocks)))
+    means = if (asked) blocks)))
 }

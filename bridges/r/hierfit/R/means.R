@@ -15,9 +15,6 @@ mean_source <- function(parts, settings) {
   grid
 }
 
-# The scale of means that are not asked for: the target's, of an ordinal one the latent variable's.
-chart_scale <- function(parts) if (parts$distribution == "ordinal") "link" else "response"
-
 has_identity <- function(parts) parts$link == "identity"
 
 # The means of some fields: a row each, the last field fastest. `level` is that of the interval.
@@ -164,7 +161,7 @@ effect_means <- function(source, parts, design, tests, settings, most = 10, most
     at <- if (length(numeric)) stats::setNames(list(along(parts$frame[[fields]])), names[fields])
     source <- if (is.null(at)) source else mean_source(parts, list(at = c(at, settings$at)))
     list(fields = I(fields), rows = mean_rows(marginal(source, fields, parts, settings,
-                                                       scale = chart_scale(parts))))
+                                                       scale = "response")))
   })
   utils::head(Filter(Negate(is.null), means), most)
 }

@@ -59,13 +59,14 @@ fit_parts.glmerMod <- function(fit, df = "auto") {
 lme4_parts <- function(fit, df, contest, vcov, family, blocks, parameters, means = list(), notes = NULL) {
   messages <- unlist(fit@optinfo$conv$lme4$messages)
   is_singular <- lme4::isSingular(fit)
+  lacks_se <- !is_singular && is.null(blocks[[1]]$parameters[[1]]$std.error)
   parts(fit, "lme4", frame = fit@frame, terms = stats::terms(fit), coef = lme4::fixef(fit),
         vcov = vcov, family = family, df.method = df, contest = contest,
         df.residual = stats::df.residual(fit),
         contrasts = attr(lme4::getME(fit, "X"), "contrasts"), random = blocks,
         residual = residual_part(parameters, blocks), means = means,
         warnings = c(messages[!grepl("singular", messages)], unlist(fit@optinfo$warnings)),
-        notes = c(notes, if (is_singular) singular_note,
+        notes = c(notes, if (is_singular) singular_note, if (lacks_se) lme4_no_se[[class_of(fit)]],
                   if (!class(fit)[1] %in% c("lmerMod", "lmerModLmerTest", "glmerMod"))
                     sprintf("The fit is a %s, which may have priors.", class(fit)[1]),
                   if (lme4::isREML(fit)) "Fitted by restricted maximum likelihood (REML)."),
@@ -73,6 +74,13 @@ lme4_parts <- function(fit, df, contest, vcov, family, blocks, parameters, means
                        if (any(grepl("converge", messages)) || any(fit@optinfo$conv$opt != 0))
                          "not converged"))
 }
+
+class_of <- function(fit) if (inherits(fit, "glmerMod")) "glmerMod" else "lmerMod"
+lme4_no_se <- c(
+  lmerMod = paste("Covariance parameters have no standard errors; lmerTest reckons them for fits of up to",
+                  "5000 records, for larger ones with df = \"satterthwaite\"."),
+  glmerMod = paste("Covariance parameters have no standard errors: the family has a scale, or the fit",
+                   "keeps no Hessian of them."))
 
 # `at` is theta, with sigma behind it if that was estimated along with it; `vcov` is its covariance.
 lme4_blocks <- function(fit, at, vcov) {

@@ -36,6 +36,9 @@ level_of_columns <- function(coding, levels) {
   })
 }
 
+# A name as a data frame has it, not as a formula quotes it.
+without_quotes <- function(names) sub("^`(.*)`$", "\\1", names)
+
 # What the columns of one variable in one term are: a row each with its level or its column.
 # `full`: a column for each level, as the margin of the term demands.
 columns_of <- function(name, column, contrast, full) {
@@ -63,6 +66,7 @@ columns_of <- function(name, column, contrast, full) {
 design_of <- function(terms, frame, contrasts = NULL) {
   factors <- attr(terms, "factors")
   if (!length(factors)) factors <- matrix(0L, 0, 0)
+  rownames(factors) <- without_quotes(rownames(factors))
   has_intercept <- attr(terms, "intercept") == 1
   is_factor <- vapply(rownames(factors), function(name) kind_of(frame[[name]]) == "factor", TRUE)
   # Without an intercept a model matrix has all levels of the first factor that it meets.

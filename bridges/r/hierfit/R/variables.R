@@ -55,7 +55,7 @@ target_of <- function(parts, variables) {
   frame <- parts$frame
   response <- stats::model.response(frame)
   expression <- attr(parts$terms, "variables")[[2]]
-  name <- deparse1(expression)
+  name <- without_quotes(deparse1(expression))
   weights <- as.vector(stats::model.weights(frame))
   predicted <- parts$predicted
   if (is.null(weights)) weights <- rep(1, nrow(frame))
@@ -99,9 +99,10 @@ counted_target <- function(expression, events, trials, predicted, variables) {
   is_pair <- is.call(expression) && identical(expression[[1]], quote(cbind))
   is_rest <- is_pair && is.call(second) && identical(second[[1]], quote(`-`)) &&
     length(second) == 3 && identical(second[[3]], first)
-  name <- deparse1(first)
+  name <- without_quotes(deparse1(first))
   trials_name <- if (is_rest) deparse1(second[[2]]) else if (is.null(second)) paste("trials of", name)
                  else if (is_pair) paste(name, "+", deparse1(second)) else deparse1(second)
+  trials_name <- without_quotes(trials_name)
   trials <- as.vector(trials)
   is_constant <- length(unique(trials)) == 1 && trials[1] == round(trials[1])
   variables$add(name, events, level = "scale", type = "integer")

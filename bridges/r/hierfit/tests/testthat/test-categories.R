@@ -13,6 +13,7 @@ test_that("a cumulative mixed fit has thresholds, levels and standard errors", {
   expect_equal(tidied(x, "random")$std.error[1], 2 * other$stDev[[1]]^2 * se[[length(se)]],
                tolerance = 1e-3)
   expect_same(tidied(x, "means")$estimate, as.data.frame(emmeans::emmeans(fit, "temp"))$emmean)
+  expect_null(as.list(x)$grand.mean)
   chances <- hierfit:::clmm_chances(fit, fit$alpha)
   expect_same(chances[cbind(1:72, as.integer(wine$rating))], fitted(fit))
   two <- ordinal::clmm(rating ~ temp + (1 | judge) + (1 | bottle), wine)

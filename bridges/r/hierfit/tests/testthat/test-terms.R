@@ -9,6 +9,16 @@ test_that("functions of covariates are variables of that name, powers are powers
   expect_setequal(names, c("mpg", "log(hp)", "wt", "qsec"))
 })
 
+test_that("names that a formula quotes are those of the data", {
+  data <- data.frame(`a b` = warpbreaks$tension, `y z` = warpbreaks$breaks, check.names = FALSE)
+  x <- hierfit(lm(`y z` ~ `a b`, data))
+  expect_equal(as.list(x)$target$variable, "y z")
+  expect_equal(rows_of(x)[[2]]$levels, list(`a b` = "M"))
+  # emmeans has no grid for such a formula; the rest of the report stands.
+  apart <- hierfit(lm(warpbreaks$breaks ~ warpbreaks$tension))
+  expect_length(rows_of(apart), 3)
+})
+
 test_that("columns of a matrix are rows as fitted, with one test", {
   fit <- lm(mpg ~ poly(hp, 2) + splines::ns(wt, 3), mtcars)
   x <- hierfit(fit)
