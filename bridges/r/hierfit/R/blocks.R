@@ -58,13 +58,9 @@ random_blocks <- function(formula, frame, columns, sigma_of, at, vcov, structure
 }
 
 block_diagonal <- function(matrices) {
-  sizes <- vapply(matrices, nrow, 0L)
-  joined <- matrix(0, sum(sizes), sum(sizes))
-  for (at in seq_along(matrices)) {
-    own <- sum(sizes[seq_len(at - 1)]) + seq_len(sizes[at])
-    joined[own, own] <- matrices[[at]]
-  }
-  joined
+  Reduce(function(one, other) {
+    rbind(cbind(one, matrix(0, nrow(one), ncol(other))), cbind(matrix(0, nrow(other), ncol(one)), other))
+  }, matrices)
 }
 
 # Blocks side by side: their effects and rows in one.

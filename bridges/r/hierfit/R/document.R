@@ -20,7 +20,8 @@ fit_document <- function(parts, settings) {
          engine = compact(list(
            name = parts$engine, version = as.character(utils::packageVersion(parts$engine)),
            call = if (!is.null(call)) deparse1(call, " "),
-           warnings = list_of_texts(parts$warnings), notes = list_of_texts(c(parts$notes, means$notes)),
+           warnings = list_of_texts(parts$warnings), notes = list_of_texts(c(
+             parts$notes, if (identical(tests$type, "II")) type_two_note, means$notes)),
            conditions = list_of_texts(parts$conditions))),
          name = settings$name, title = settings$title, formula = deparse1(settings$formula, " "),
          variables = variables$all(), target = target$target, distribution = parts$distribution,

@@ -123,7 +123,8 @@ as_hierfit <- function(x) if (inherits(x, "hierfit")) x else hierfit(x)
 #' @export
 format.hierfit <- function(x, form = "text", width = getOption("width"), style = NULL, language = NULL,
                            options = NULL, ...) {
-  run_on(x, c("--format", form, "--output", "-", display_options(style, language), if (form == "text") c("--width", width), options))
+  run_on(x, c("--format", form, "--output", "-", display_options(style, language),
+              if (form == "text") c("--width", width), options))
 }
 
 #' @rdname format.hierfit
@@ -260,7 +261,8 @@ glance.hierfit <- function(x, ...) {
 #'   `row_number`, `row`, `column_number`, `column`, `value`, `shown` and `notes`.
 #' @export
 as.data.frame.hierfit <- function(x, row.names = NULL, optional = FALSE, language = "en", ...) {
-  cells <- utils::read.csv(text = format(x, "csv", language = language), encoding = "UTF-8", colClasses = "character")
+  cells <- utils::read.csv(text = format(x, "csv", language = language), encoding = "UTF-8",
+                           colClasses = "character")
   whole <- c("table", "row_number", "column_number")
   cells[whole] <- lapply(cells[whole], as.integer)
   # The reader of jsonlite is exact, that of R not always.

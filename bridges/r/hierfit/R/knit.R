@@ -23,7 +23,8 @@ knit_print.hierfit <- function(x, options = knitr::opts_current$get(), tables = 
   label <- if (is.null(options$label)) "hierfit" else gsub("[^A-Za-z0-9]+", "-", options$label)
   count <- c(knitr::opts_knit$get("hierfit.count"), 0)[1] + 1
   knitr::opts_knit$set(hierfit.count = count)
-  arguments <- c(display_options(style, language), if (length(tables)) c("--tables", paste(tables, collapse = ",")))
+  arguments <- c(display_options(style, language),
+                 if (length(tables)) c("--tables", paste(tables, collapse = ",")))
   piece <- switch(
     form,
     html = knit_html(x, c(arguments, "--id-prefix", sprintf("%s-%d-", label, count),
@@ -80,15 +81,17 @@ knit_word <- function(x, arguments, folder) {
 knit_markdown <- function(x, arguments, folder) {
   lines <- run_on(x, c("--format", "markdown", "--output", "-", arguments, "--charts", folder,
                        "--chart-format", "png"))
+  lines <- lines[!grepl("^# ", lines)]  # the page has a title of its own
   list(text = c(lines, "", chart_images(folder)), meta = NULL)
 }
 
-# The charts of a folder: "01-predicted-by-observed.png" is called "Predicted by observed".
+# The charts of a folder, which have their titles on them; "01-predicted-by-observed.png" is told as
+# "Predicted by observed" to those who do not see it. The backslash keeps pandoc from captions.
 chart_images <- function(folder) {
   files <- sort(list.files(folder, "\\.png$"))
   names <- gsub("-", " ", sub("^[0-9]+-(.*)\\.png$", "\\1", files))
   if (length(files)) {
     paste0("![", toupper(substr(names, 1, 1)), substr(names, 2, nchar(names)), "](",
-           file.path(folder, files), ")\n")
+           file.path(folder, files), ")\\\n")
   }
 }

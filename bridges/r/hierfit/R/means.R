@@ -7,18 +7,15 @@ contrast_types <- c(pairwise = "pairwise", deviation = "eff", simple = "trt.vs.c
 # A source of means: the reference grid, on the scale of the link or of the target.
 mean_source <- function(parts, settings) {
   need("emmeans", "a report with means")
-  grid <- tryCatch(
+  tryCatch(
     suppressMessages(do.call(emmeans::ref_grid, c(list(parts$means_fit, at = settings$at),
                                                   parts$means))),
     error = function(e) stop_for("emmeans cannot make means of this fit: ", conditionMessage(e)))
-  grid@misc$avgd.over <- character()
-  grid
 }
 
 has_identity <- function(parts) parts$link == "identity"
 
-# The means of some fields: a row each, the last field fastest. `level` is that of the interval.
-# Means are averaged on the scale of the link and then brought to that of the target.
+# The means of some fields: a row each, the last field fastest. Means are averaged on the scale of the link and then brought to that of the target.
 marginal <- function(source, fields, parts, settings, scale = settings$scale) {
   in_grid <- unname(grid_names(source, parts)[fields])
   means <- suppressMessages(emmeans::emmeans(source, if (length(fields)) in_grid else ~ 1))
@@ -85,9 +82,10 @@ means_block <- function(formula, source, parts, settings, variables) {
   for (name in names(held)) variables$add(name, numeric())
   can_compare <- length(compared) == 1 && !is.null(settings$contrasts) &&
     is_factor_of(compared, parts)
+  contrasts <- if (can_compare) contrast_block(means, compared, others, parts, settings)
   compact(list(fields = I(fields), at = if (length(held)) held, scale = settings$scale,
-               rows = mean_rows(means),
-               contrasts = if (can_compare) contrast_block(means, compared, others, parts, settings)))
+               rows = mean_rows(means), contrasts = contrasts,
+               conditions = if (can_compare && is.null(contrasts)) I("contrasts not computed")))
 }
 
 # A variable of the grid: a factor(x) in the formula is x there.
@@ -100,47 +98,60 @@ is_factor_of <- function(field, parts) {
   is.null(parts$frame[[field]]) || kind_of(parts$frame[[field]]) == "factor"
 }
 
-# Contrasts are differences of means on the scale of the means, not ratios.
-contrast_block <- function(means, compare, others, parts, settings) {
-  grid <- means$means
-  in_grid <- grid_names(grid, parts)
-  if (settings$scale == "response" && !has_identity(parts)) grid <- emmeans::regrid(grid)
-  levels <- as.character(grid@levels[[in_grid[[compare]]]])
-  reference <- unlist(settings$reference[c(compare, in_grid[[compare]])])[1]
-  if (is.null(reference)) reference <- levels[1]
+# The levels that emmeans compares, in its order: each with all that come after it, or the levels in
+# theirs.
+compared_levels <- function(type, levels, reference) {
+  size <- length(levels)
+  switch(type,
+         pairwise = list(level = rep(levels, size - seq_len(size)),
+                         against = levels[unlist(lapply(seq_len(size - 1), function(at) (at + 1):size))]),
+         deviation = list(level = levels),
+         simple = list(level = levels[-reference], against = rep(levels[reference], size - 1)))
+}
+
+reference_of <- function(compare, levels, given) {
+  reference <- unlist(as.list(given)[compare])[1]
+  if (is.null(reference)) return(1L)
   if (!as.character(reference) %in% levels) {
-    stop_for("reference: ", reference, " is no level of ", compare, "; it has ",
+    stop_for("reference: ", reference, " is no level of ", compare[1], "; it has ",
              paste(levels, collapse = ", "))
   }
-  reference <- match(as.character(reference), levels)
-  arguments <- list(grid, method = contrast_types[[settings$contrasts]], adjust = "none",
+  match(as.character(reference), levels)
+}
+
+# Contrasts are differences of means on the scale of the means, not ratios. None are told where
+# emmeans compares other levels in each group, as it does of nested factors.
+contrast_block <- function(means, compare, others, parts, settings) {
+  in_grid <- grid_names(means$means, parts)
+  grid <- if (settings$scale == "response" && !has_identity(parts)) emmeans::regrid(means$means)
+          else means$means
+  type <- settings$contrasts
+  levels <- as.character(grid@levels[[in_grid[[compare]]]])
+  reference <- reference_of(c(compare, in_grid[[compare]]), levels, settings$reference)
+  arguments <- list(grid, method = contrast_types[[type]], adjust = "none",
                     by = if (length(others)) unname(in_grid[others]))
-  if (settings$contrasts == "simple") arguments$ref <- reference
+  if (type == "simple") arguments$ref <- reference
   contrasts <- do.call(emmeans::contrast, arguments)
   is_own <- !settings$adjust %in% adjust_words
   table <- as.data.frame(summary(contrasts, adjust = if (is_own) settings$adjust else "none",
                                  infer = c(TRUE, TRUE), level = settings$level))
-  raw <- as.data.frame(summary(contrasts, adjust = "none", infer = c(FALSE, TRUE)))
-  size <- length(levels)
-  # The order of emmeans: each with all that come after it, or the levels in their order.
-  first <- switch(settings$contrasts, pairwise = rep(seq_len(size), size - seq_len(size)),
-                  deviation = seq_len(size), simple = setdiff(seq_len(size), reference))
-  second <- switch(settings$contrasts, deviation = NULL, simple = rep(reference, size - 1),
-                   pairwise = unlist(lapply(seq_len(size - 1), function(at) (at + 1):size)))
+  pairs <- compared_levels(type, levels, reference)
+  groups <- prod(lengths(grid@levels[in_grid[others]]))
+  if (nrow(table) != length(pairs$level) * groups) return(NULL)
+  raw <- as.data.frame(summary(contrasts, adjust = "none", infer = c(FALSE, TRUE)))$p.value
+  bounds <- grep("LCL$|UCL$|[.]CL$", names(table))
   rows <- lapply(seq_len(nrow(table)), function(line) {
-    at <- (line - 1) %% length(first) + 1
+    at <- (line - 1) %% length(pairs$level) + 1
     own <- table[line, ]
-    compact(list(
-      levels = if (length(others)) stats::setNames(lapply(own[in_grid[others]], level_value), others),
-      level = levels[first[at]], against = if (!is.null(second)) levels[second[at]],
-      estimate = finite(own$estimate), std.error = finite(own$SE), df = finite(own$df),
-      p.value = if (is_own) finite(raw$p.value[line]),
-      adj.p.value = if (is_own) finite(own$p.value),
-      conf.low = if (is_own) finite(own[[grep("LCL$|lower.CL$", names(own))]]),
-      conf.high = if (is_own) finite(own[[grep("UCL$|upper.CL$", names(own))]])))
+    compact(c(
+      list(levels = if (length(others)) stats::setNames(lapply(own[in_grid[others]], level_value), others),
+           level = pairs$level[at], against = if (!is.null(pairs$against)) pairs$against[at],
+           estimate = finite(own$estimate), std.error = finite(own$SE), df = finite(own$df)),
+      if (is_own) list(p.value = finite(raw[line]), adj.p.value = finite(own$p.value),
+                       conf.low = finite(own[[bounds[1]]]), conf.high = finite(own[[bounds[2]]]))))
   })
-  compact(list(compare = compare, type = settings$contrasts,
-               reference = if (settings$contrasts == "simple") levels[reference], rows = rows,
+  compact(list(compare = compare, type = type, rows = rows,
+               reference = if (type == "simple") levels[reference],
                vcov = if (all(is.finite(table$SE))) lower_triangle(as.matrix(stats::vcov(contrasts)))))
 }
 

@@ -99,9 +99,8 @@ nlme_residual <- function(fit, blocks, parameters) {
   structures <- fit$modelStruct
   correlation <- structures$corStruct
   row <- nlme_correlations[nlme_correlations[, 1] == class(correlation)[1], ]
-  place <- function(pattern) grep(pattern, parameters$names)
   se_of <- function(pattern, of) {
-    own <- place(pattern)
+    own <- grep(pattern, parameters$names)
     if (length(own)) delta_se(of, parameters$at[own], parameters$vcov[own, own, drop = FALSE])
   }
   variances <- nlme_variances(fit, structures$varStruct, se_of)

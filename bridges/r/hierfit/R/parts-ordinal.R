@@ -16,9 +16,8 @@ fit_parts.clm <- function(fit, df = "auto") {
   map <- block_diagonal(list(as.matrix(fit$tJac), diag(length(beta))))
   vcov <- map %*% vcov[keep, keep] %*% t(map)
   dimnames(vcov) <- rep(list(c(names(thresholds), names(beta))), 2)
-  terms <- if (inherits(fit$terms, "terms")) fit$terms else fit$terms[[1]]
   ordinal_parts(fit, "ordinal", df, frame = stats::model.frame(fit), thresholds = thresholds,
-                coef = beta, vcov = vcov, link = fit$link, terms = terms,
+                coef = beta, vcov = vcov, link = fit$link, terms = location_terms(fit),
                 predicted = as.character(stats::predict(fit, type = "class")$fit),
                 notes = if (length(fit$zeta)) paste("The model has scale effects:",
                                                     paste(names(fit$zeta), collapse = ", ")),
@@ -38,7 +37,7 @@ fit_parts.clmm <- function(fit, df = "auto") {
   columns <- lapply(fit$ST, colnames)
   sizes <- lengths(columns)
   last <- utils::tail(as.vector(fit$optRes$par), length(unlist(lapply(fit$ST, by_rows))))
-  variances <- nlist_matrices(ordinal::VarCorr(fit))
+  variances <- lapply(ordinal::VarCorr(fit), function(one) matrix(one, nrow(one)))
   # One block is estimated as a log standard deviation, several as standard deviations.
   forms <- list(function(at) exp(2 * at), function(at) at^2)
   fits <- vapply(forms, function(form) {
@@ -56,26 +55,20 @@ fit_parts.clmm <- function(fit, df = "auto") {
   ordinal_parts(fit, "ordinal", df, frame = frame, thresholds = thresholds, coef = beta, vcov = vcov,
                 link = fit$link,
                 predicted = fit$y.levels[max.col(clmm_chances(fit, thresholds), "first")],
-                terms = clmm_terms(fit), random = blocks,
-                notes = if (!known) paste(
-                  "Covariance parameters have no standard errors: a variance is zero, or the block has slopes."))
+                terms = location_terms(fit), random = blocks,
+                notes = if (!known) paste("Covariance parameters have no standard errors: a variance is",
+                                          "zero, or a block has slopes."))
 }
 
-nlist_matrices <- function(list) lapply(list, function(matrix) unclass(matrix)[, , drop = FALSE])
-
-# The terms of the fixed part alone.
-clmm_terms <- function(fit) {
-  terms <- fit$terms
-  if (!inherits(terms, "terms")) terms <- terms[[1]]
-  terms
-}
+# The terms of what moves the target, which may stand beside those of scale and nominal effects.
+location_terms <- function(fit) if (inherits(fit$terms, "terms")) fit$terms else fit$terms[[1]]
 
 # ordinal has no predict() for clmm: the probability of each category at the conditional modes.
 clmm_chances <- function(fit, thresholds) {
   frame <- fit$model
   link <- list(logit = stats::plogis, probit = stats::pnorm, cauchit = stats::pcauchy,
                loglog = function(x) exp(-exp(-x)), cloglog = function(x) -expm1(-exp(x)))[[fit$link]]
-  design <- design_of(clmm_terms(fit), frame, fit$contrasts)
+  design <- design_of(location_terms(fit), frame, fit$contrasts)
   linear <- as.vector(design$matrix[, names(fit$beta), drop = FALSE] %*% fit$beta)
   bars <- find_bars(stats::formula(fit))
   modes <- ordinal::ranef(fit)

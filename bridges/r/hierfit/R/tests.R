@@ -30,6 +30,9 @@ type_two <- function(design, vcov) {
   })
 }
 
+type_two_note <- paste("Tests of effects are of type II: combinations of levels have no records,",
+                       "or columns of the design hang on others.")
+
 # A Wald test with given denominator degrees of freedom; as many of the numerator as hypotheses that
 # are free of each other.
 wald <- function(coef, vcov, df) {

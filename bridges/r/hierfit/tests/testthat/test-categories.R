@@ -28,6 +28,10 @@ test_that("cumulative fits without random effects agree", {
   expect_coefficients(x, coef(summary(fit)))
   expect_equal(as.list(x)$data$predicted, as.character(predict(fit, type = "class")$fit),
                ignore_attr = TRUE)
+  even <- ordinal::clm(rating ~ temp, data = ordinal::wine, threshold = "equidistant")
+  rows <- tidied(hierfit(even))
+  expect_same(rows$estimate[1:4], even$Theta)
+  expect_same(rows$std.error[c(1, 5)], coef(summary(even))[c(1, 3), 2])
   other <- MASS::polr(rating ~ temp * contact, ordinal::wine, Hess = TRUE)
   expect_equal(tidied(hierfit(other))$estimate, tidied(x)$estimate, tolerance = 1e-3)
   table <- coef(summary(other))

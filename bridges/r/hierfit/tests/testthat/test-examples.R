@@ -21,7 +21,9 @@ in_order <- function(rows) {
 
 expect_document <- function(x, shipped, tolerance) {
   ours <- as.list(x)
-  like <- function(one, other, ...) expect_equal(numbers(one, ...), numbers(other, ...), tolerance = tolerance)
+  like <- function(one, other, ...) {
+    expect_equal(numbers(one, ...), numbers(other, ...), tolerance = tolerance)
+  }
   expect_equal(ours[c("distribution", "link", "df.method")], shipped[c("distribution", "link", "df.method")])
   like(ours$coefficients, shipped$coefficients, "estimate", "std.error")
   like(list(ours$tests$model), list(shipped$tests$model), "statistic", "num.df", "den.df")

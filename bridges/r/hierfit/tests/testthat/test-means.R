@@ -62,6 +62,9 @@ test_that("scales, covariates and empty cells", {
   cells <- as.list(hierfit(fit, means = ~ wool * tension))$means[[1]]
   expect_equal(length(cells$rows), 6)
   expect_null(cells$contrasts)
+  nested <- data.frame(y = sqrt(1:24), school = gl(3, 8), class = gl(6, 4))
+  nested <- hierfit(lm(y ~ school / class, nested), means = ~ class | school)
+  expect_equal(as.character(as.list(nested)$means[[1]]$conditions), "contrasts not computed")
   expect_error(hierfit(fit, means = ~ shape), "shape is no variable")
   expect_error(hierfit(fit, means = ~ wool, contrasts = "simple", reference = list(wool = "C")),
                "C is no level of wool")
