@@ -48,10 +48,11 @@ random_blocks <- function(formula, frame, columns, sigma_of, at, vcov, structure
     design <- join_designs(lapply(run, function(block) {
       bar_design(bars, columns[[block]], groups[block], frame, contrasts)
     }))
-    block(subjects_of(groups[start], alone), of(at), design,
-          delta_se(function(at) by_rows(of(at)), at, vcov),
-          structure = if (length(run) > 1) "diagonal" else structures[start],
-          parameters = parameters_of(start, design))
+    made <- block(subjects_of(groups[start], alone), of(at), design,
+                  delta_se(function(at) by_rows(of(at)), at, vcov),
+                  structure = if (length(run) > 1) "diagonal" else structures[start],
+                  parameters = parameters_of(start, design))
+    c(made, list(columns = paste0(unlist(columns[run]), "|", groups[start])))
   })
   # Subjects ahead of what is nested in them.
   blocks[order(vapply(blocks, function(block) length(block$subjects), 0L))]
@@ -86,3 +87,27 @@ residual_part <- function(parameters, blocks = list(), ..., structure = "identit
 
 singular_note <- paste("The fit is singular: a variance is zero, or a correlation is 1 or -1;",
                        "covariance parameters have no standard errors.")
+
+# Squared profile limits of the standard deviations in place of Wald intervals of the variances.
+with_profile <- function(parts, level) {
+  if (!inherits(parts$fit, "merMod")) {
+    stop_for("intervals = \"profile\" is there for fits of lme4; a fit of ", class(parts$fit)[1],
+             " has intervals = \"wald\"")
+  }
+  limits <- suppressMessages(stats::confint(parts$fit, "theta_", level, oldNames = FALSE))^2
+  limit <- function(row, name) {
+    if (!identical(row$parameter, "variance") || !name %in% rownames(limits)) return(row)
+    row$conf.low <- finite(limits[name, 1])
+    row$conf.high <- finite(limits[name, 2])
+    row
+  }
+  parts$random <- lapply(parts$random, function(block) {
+    block$parameters <- lapply(block$parameters, function(row) {
+      limit(row, paste0("sd_", block$columns[row$terms[1] + 1]))
+    })
+    block
+  })
+  parts$residual$parameters <- lapply(parts$residual$parameters, limit, "sigma")
+  parts$notes <- c(parts$notes, "Intervals of variances are squared profile limits.")
+  parts
+}

@@ -2,7 +2,9 @@
 
 fit_document <- function(parts, settings) {
   formula <- stats::formula(parts$terms)
-  variables <- variable_list(parts$frame, data_of(parts$fit, formula), settings$labels)
+  data <- data_of(parts$fit, formula)
+  parts <- with_repeated(parts, data, settings$repeated)
+  variables <- variable_list(parts$frame, data, settings$labels)
   design <- design_of(parts$terms, parts$frame, parts$contrasts)
   kept <- kept_columns(parts, design)
   coded <- settings$coefficients == "levels" && any(design$as_fitted)
@@ -30,7 +32,7 @@ fit_document <- function(parts, settings) {
                               effects = design$effects,
                               codings = if (coded) codings_of(design))),
          random = if (length(parts$random))
-           lapply(parts$random, function(block) block[names(block) != "variables"]),
+           lapply(parts$random, function(block) block[!names(block) %in% c("variables", "columns")]),
          residual = parts$residual,
          coefficients = coefficient_rows(parts, design, kept, coded),
          vcov = if (coded) lower_triangle(parts$vcov), tests = tests,
@@ -39,6 +41,22 @@ fit_document <- function(parts, settings) {
     list(conf.level = settings$level, df.method = parts$df.method,
          adjust = if (settings$adjust %in% adjust_words) settings$adjust else "other",
          data = list(columns = lapply(columns, I), predicted = I(unname(target$predicted))))))
+}
+
+# Repeated measures, which may be variables that the data have and the model has not.
+with_repeated <- function(parts, data, names) {
+  if (!length(names)) return(parts)
+  omitted <- stats::na.action(parts$frame)
+  for (name in setdiff(names, names(parts$frame))) {
+    column <- data[[name]]
+    if (length(omitted)) column <- column[-omitted]
+    if (length(column) != nrow(parts$frame)) {
+      stop_for("repeated: ", name, " is no variable of the model or of its data")
+    }
+    parts$frame[[name]] <- column
+  }
+  parts$residual$repeated <- I(names)
+  parts
 }
 
 list_of_texts <- function(texts) if (length(texts)) I(as.character(texts))

@@ -29,6 +29,10 @@
 #' @param coefficients "as fitted", or "levels" for rows by level where factors were coded by sums
 #'   or polynomials.
 #' @param scale the scale of means and contrasts, "response" or "link".
+#' @param intervals "wald" or, for fits of lme4, "profile": the intervals of variances, which take their
+#'   time.
+#' @param repeated names of variables that tell the records of a subject apart, for the table of the
+#'   data structure.
 #' @param at a list of values at which covariates are held; absent: their means.
 #' @param labels texts by the names of variables; they come before attributes `label`.
 #' @param title,name the title of the report, and a short name.
@@ -42,19 +46,21 @@
 #' @export
 hierfit <- function(fit, means = list(), contrasts = "pairwise", reference = list(),
                     adjust = "holm", level = .95, df = "auto", coefficients = "as fitted",
-                    scale = "response", at = NULL, labels = NULL, title = NULL, name = NULL) {
+                    scale = "response", intervals = "wald", at = NULL, repeated = NULL, labels = NULL, title = NULL, name = NULL) {
   one_of(df, "df", c("auto", "satterthwaite", "kenward-roger", "containment", "residual", "asymptotic"))
   one_of(coefficients, "coefficients", c("as fitted", "levels"))
   one_of(scale, "scale", c("response", "link"))
+  one_of(intervals, "intervals", c("wald", "profile"))
   one_of(contrasts, "contrasts", names(contrast_types))
   if (!is.numeric(level) || length(level) != 1 || !(level > 0 && level < 1)) {
     stop_for("level is between 0 and 1")
   }
   if (inherits(means, "formula")) means <- list(means)
   parts <- fit_parts(fit, df = df)
+  if (intervals == "profile") parts <- with_profile(parts, level)
   settings <- list(
     means = means, contrasts = contrasts, reference = reference, adjust = adjust, level = level,
-    coefficients = coefficients, scale = scale, at = at, labels = labels,
+    coefficients = coefficients, scale = scale, at = at, labels = labels, repeated = repeated,
     formula = stats::formula(fit), title = title, name = if (is.null(name)) "model" else name)
   structure(list(document = fit_document(parts, settings), call = match.call()), class = "hierfit")
 }

@@ -30,7 +30,7 @@ expect_document <- function(x, shipped, tolerance) {
   like(ours$tests$effects, shipped$tests$effects, "statistic", "num.df", "den.df")
   like(list(ours$statistics), list(shipped$statistics), "AICc", "BIC", "logLik")
   like(list(ours$grand.mean), list(shipped$grand.mean), "estimate", "std.error", "conf.low")
-  like(ours$random[[1]]$parameters, shipped$random[[1]]$parameters, "estimate")
+  like(ours$random[[1]]$parameters, shipped$random[[1]]$parameters, "estimate", "conf.low", "conf.high")
   expect_equal(as.character(ours$residual$subjects), unlist(shipped$residual$subjects))
   for (at in seq_along(shipped$means)) {
     like(in_order(ours$means[[at]]$rows), in_order(shipped$means[[at]]$rows),
@@ -49,16 +49,19 @@ test_that("sleepstudy", {
   needs("lmerTest", "emmeans")
   shipped <- example_document("sleepstudy")
   fit <- lmerTest::lmer(Reaction ~ Days + (Days | Subject), lme4::sleepstudy)
-  expect_document(hierfit(fit), shipped, 1e-6)
+  expect_document(hierfit(fit, intervals = "profile"), shipped, 1e-9)
   # A plain fit is converted once, and gives the same.
-  expect_document(hierfit(lme4::lmer(Reaction ~ Days + (Days | Subject), lme4::sleepstudy)), shipped, 1e-5)
+  plain <- lme4::lmer(Reaction ~ Days + (Days | Subject), lme4::sleepstudy)
+  expect_document(hierfit(plain, intervals = "profile"), shipped, 1e-7)
 })
 
 test_that("cbpp", {
   needs("lme4", "emmeans")
   shipped <- example_document("cbpp")
   fit <- lme4::glmer(cbind(incidence, size - incidence) ~ period + (1 | herd), lme4::cbpp, binomial)
-  expect_document(hierfit(fit, means = ~ period, contrasts = "simple", df = "residual"), shipped, 1e-6)
+  x <- hierfit(fit, means = ~ period, contrasts = "simple", df = "residual", intervals = "profile",
+               repeated = "period")
+  expect_document(x, shipped, 1e-9)
 })
 
 test_that("salamanders", {
@@ -66,10 +69,13 @@ test_that("salamanders", {
   shipped <- example_document("salamanders")
   fit <- glmmTMB::glmmTMB(count ~ spp * mined + (1 | site), glmmTMB::Salamanders,
                           family = glmmTMB::nbinom2)
-  x <- hierfit(fit, means = list(~ spp | mined, ~ mined | spp, ~ mined), df = "residual")
-  expect_document(x, shipped, 1e-6)
+  x <- hierfit(fit, means = list(~ spp | mined, ~ mined | spp, ~ mined), df = "residual",
+               repeated = c("sample", "spp"))
+  # The intervals of the shipped document are those that are worked out from the standard errors.
+  shipped$random[[1]]$parameters[[1]][c("conf.low", "conf.high")] <- NULL
+  expect_document(x, shipped, 1e-9)
   expect_equal(numbers(as.list(x)$residual$parameters, "estimate", "std.error"),
-               numbers(shipped$residual$parameters, "estimate", "std.error"), tolerance = 1e-6)
+               numbers(shipped$residual$parameters, "estimate", "std.error"), tolerance = 1e-9)
   expect_equal(tidied(x, "random")$std.error[1], shipped$random[[1]]$parameters[[1]]$std.error,
-               tolerance = 1e-6)
+               tolerance = 1e-9)
 })

@@ -83,6 +83,20 @@ test_that("a generalized fit has its trials, its family and its degrees of freed
   expect_same(document$residual$parameters[[2]]$estimate, 1 / lme4::getME(negative, "glmer.nb.theta"))
 })
 
+test_that("profile intervals and repeated measures are taken where they are", {
+  needs("lme4")
+  fit <- lme4::lmer(yield ~ nitro + (1 | Block / Variety), nlme::Oats)
+  document <- as.list(hierfit(fit, df = "residual", intervals = "profile", repeated = "nitro"))
+  limits <- suppressMessages(confint(fit, "theta_"))^2
+  ours <- lapply(c(document$random, list(document$residual)), function(block) {
+    unlist(block$parameters[[1]][c("conf.low", "conf.high")])
+  })
+  expect_same(do.call(rbind, ours), limits[c(2, 1, 3), ])
+  expect_equal(as.vector(document$data$columns$nitro), nlme::Oats$nitro)
+  expect_error(hierfit(lm(yield ~ nitro, nlme::Oats), intervals = "profile"), "wald")
+  expect_error(hierfit(fit, repeated = "plot"), "plot is no variable")
+})
+
 test_that("what befell a fit is told", {
   needs("lme4")
   singular <- suppressMessages(lme4::lmer(Yield ~ 1 + (1 | Batch), lme4::Dyestuff2))
