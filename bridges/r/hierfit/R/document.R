@@ -8,7 +8,7 @@ fit_document <- function(parts, settings) {
   design <- design_of(parts$terms, parts$frame, parts$contrasts)
   kept <- kept_columns(parts, design)
   coded <- settings$coefficients == "levels" && any(design$as_fitted)
-  if (coded) check_codings(design)
+  if (coded) check_codings(design, parts)
   target <- target_of(parts, variables)
   tests <- tests_of(parts, design, kept)
   add_design_variables(design, parts, variables)
@@ -63,7 +63,7 @@ list_of_texts <- function(texts) if (length(texts)) I(as.character(texts))
 
 # Which columns of the design have a coefficient. The others hang on them and are redundant.
 kept_columns <- function(parts, design) {
-  names <- if (is.matrix(parts$coef)) colnames(parts$coef) else names(parts$coef)
+  names <- as.character(if (is.matrix(parts$coef)) colnames(parts$coef) else names(parts$coef))
   columns <- colnames(design$matrix)
   if (!identical(names, columns[columns %in% names])) {
     stop_for("the coefficients ", paste(setdiff(names, columns), collapse = ", "),
@@ -72,7 +72,10 @@ kept_columns <- function(parts, design) {
   columns %in% names
 }
 
-check_codings <- function(design) {
+check_codings <- function(design, parts) {
+  if (length(parts$thresholds)) {
+    stop_for("coefficients = \"levels\" is not there for ordinal targets; use coefficients = \"as fitted\"")
+  }
   is_matrix <- vapply(design$variables, function(name) kind_of(design$frame[[name]]) == "matrix", TRUE)
   if (any(is_matrix)) {
     stop_for("coefficients = \"levels\" has no place for the columns of ",
@@ -92,7 +95,7 @@ codings_of <- function(design) {
 # A row for each coefficient: those of the thresholds, and those of each category of a nominal target.
 coefficient_rows <- function(parts, design, kept, coded) {
   places <- lapply(design$rows[kept], row_place, design$as_fitted, coded)
-  coef <- if (is.matrix(parts$coef)) parts$coef else rbind(parts$coef)
+  coef <- if (is.matrix(parts$coef)) parts$coef else matrix(parts$coef, 1)
   se <- sqrt(diag(parts$vcov))
   df <- coefficient_df(parts, length(parts$thresholds) + length(coef))
   at <- 0
@@ -184,14 +187,16 @@ parts_with_means <- function(parts, design, tests, settings, variables) {
   if (is.null(parts$means) || (is_ordinal && !asked)) return(list())
   if (is_ordinal) settings$scale <- "link"
   source <- tryCatch(mean_source(parts, settings), error = function(e) if (asked) stop(e) else e)
-  if (inherits(source, "error")) return(list(notes = sub("^hierfit: ", "", conditionMessage(source))))
+  if (inherits(source, "error")) {
+    return(list(notes = gsub("\\s+", " ", sub("^hierfit: ", "", conditionMessage(source)))))
+  }
   blocks <- lapply(settings$means, means_block, source, parts, settings, variables)
   if (is_ordinal) {
     return(list(notes = "Means are on the scale of the latent variable.", members = list(means = blocks)))
   }
   grand <- marginal(source, character(), parts, settings, scale = "response")
   list(members = compact(list(
-    grand.mean = if (is.finite(grand$table$estimate)) mean_row(grand$table),
+    grand.mean = if (is.finite(grand$numbers$estimate)) mean_rows(grand)[[1]],
     effect.means = effect_means(source, parts, design, tests, settings),
     means = if (asked) blocks)))
 }

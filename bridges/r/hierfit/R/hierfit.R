@@ -198,14 +198,16 @@ tidy.hierfit <- function(x, what = "coefficients", ...) {
     means = with_levels(lapply(document$means, `[[`, "rows"), c(numbers, "conf.low", "conf.high")),
     contrasts = with_statistic(with_levels(lapply(document$means, function(block) block$contrasts$rows),
                                            c("level", "against", numbers))),
-    random = bind_rows(c(
-      Map(function(block, at) cbind(block = at, group = paste(block$subjects, collapse = ":"),
-                                    tidy_rows(lapply(block$parameters, name_terms, block),
-                                              c("parameter", "terms", "estimate", "std.error"))),
-          document$random, seq_along(document$random)),
-      list(cbind(block = NA, group = "Residual",
-                 tidy_rows(lapply(document$residual$parameters, name_terms, list()),
-                           c("parameter", "terms", "estimate", "std.error")))))),
+    random = {
+      members <- c("parameter", "terms", "estimate", "std.error")
+      bind_rows(c(
+        Map(function(block, at) cbind(block = at, group = paste(block$subjects, collapse = ":"),
+                                      tidy_rows(lapply(block$parameters, name_terms, block), members)),
+            document$random, seq_along(document$random)),
+        if (length(document$residual$parameters)) list(cbind(
+          block = NA, group = "Residual",
+          tidy_rows(lapply(document$residual$parameters, name_terms, list()), members)))))
+    },
     tests = bind_rows(c(
       list(cbind(effect = "Corrected Model", tidy_test(document$tests$model))),
       lapply(document$tests$effects, function(test) {

@@ -15,21 +15,23 @@ mean_source <- function(parts, settings) {
 
 has_identity <- function(parts) parts$link == "identity"
 
-# The means of some fields: a row each, the last field fastest. Means are averaged on the scale of the link and then brought to that of the target.
+# The means of some fields: a row each, the last field fastest. Means are averaged on the scale of the
+# link and then brought to that of the target. emmeans adds the fields that others are nested in.
 marginal <- function(source, fields, parts, settings, scale = settings$scale) {
-  in_grid <- unname(grid_names(source, parts)[fields])
-  means <- suppressMessages(emmeans::emmeans(source, if (length(fields)) in_grid else ~ 1))
+  in_grid <- grid_names(source, parts)
+  asked <- unname(in_grid[fields])
+  means <- suppressMessages(emmeans::emmeans(source, if (length(fields)) asked else ~ 1))
   means <- untransformed(means, parts)
+  if (length(fields)) fields <- c(fields, names(in_grid)[in_grid %in% setdiff(names(means@levels), asked)])
   type <- if (scale == "response") "response" else "link"
-  table <- as.data.frame(summary(means, type = type, level = settings$level, infer = c(TRUE, FALSE)))
-  names(table)[length(fields) + (!length(fields)) + 1] <- "estimate"
-  names(table)[match(in_grid, names(table))] <- fields
-  bounds <- grep("\\.(CL|LCL|UCL)$", names(table))
-  table$low <- table[[bounds[1]]]
-  table$high <- table[[bounds[2]]]
-  order <- if (length(fields)) do.call(order, lapply(fields, function(field) rank_of(table[[field]])))
-           else 1
-  list(means = means, table = table[order, , drop = FALSE], fields = fields)
+  summary <- summary(means, type = type, level = settings$level, infer = c(TRUE, FALSE))
+  bounds <- attr(summary, "clNames")
+  numbers <- data.frame(estimate = summary[[attr(summary, "estName")]], SE = summary$SE,
+                        df = summary$df, low = summary[[bounds[1]]], high = summary[[bounds[2]]])
+  levels <- lapply(stats::setNames(in_grid[fields], fields), function(name) summary[[name]])
+  order <- if (length(fields)) do.call(order, unname(lapply(levels, rank_of))) else 1
+  list(means = means, fields = fields, numbers = numbers[order, ],
+       levels = lapply(levels, function(column) column[order]))
 }
 
 # The variables of a grid by the names that the document has: a factor(x) of the model is x there.
@@ -46,16 +48,16 @@ untransformed <- function(means, parts) {
   if (has_identity(parts)) stats::update(means, tran = NULL) else means
 }
 
-mean_row <- function(line, fields = character()) {
-  compact(list(levels = if (length(fields)) lapply(line[fields], level_value),
-               estimate = finite(line$estimate), std.error = finite(line$SE), df = finite(line$df),
-               conf.low = finite(line$low), conf.high = finite(line$high)))
-}
-
 level_value <- function(value) if (is.numeric(value)) value else as.character(value)
 
 mean_rows <- function(means) {
-  lapply(seq_len(nrow(means$table)), function(line) mean_row(means$table[line, ], means$fields))
+  lapply(seq_len(nrow(means$numbers)), function(at) {
+    own <- means$numbers[at, ]
+    compact(list(levels = if (length(means$fields))
+                   lapply(means$levels, function(column) level_value(column[at])),
+                 estimate = finite(own$estimate), std.error = finite(own$SE), df = finite(own$df),
+                 conf.low = finite(own$low), conf.high = finite(own$high)))
+  })
 }
 
 # A block of means from a formula: ~ a, ~ a | b, ~ a * b. The factor ahead of the bar is compared
@@ -73,10 +75,10 @@ means_block <- function(formula, source, parts, settings, variables) {
   }
   as_document <- function(fields) ifelse(fields %in% names, names(names)[match(fields, names)], fields)
   compared <- as_document(compared)
-  others <- as_document(others)
-  fields <- c(compared, others)
+  means <- marginal(source, c(compared, as_document(others)), parts, settings)
+  fields <- means$fields
+  others <- setdiff(fields, compared)
   for (field in fields) variables$add(field, grid_column(source, field, parts))
-  means <- marginal(source, fields, parts, settings)
   held <- Filter(function(values) is.numeric(values) && length(values) == 1,
                  source@levels[setdiff(names, names[fields])])
   for (name in names(held)) variables$add(name, numeric())
@@ -171,8 +173,9 @@ effect_means <- function(source, parts, design, tests, settings, most = 10, most
     if (cells > most_cells || (length(numeric) && length(fields) > 1)) return(NULL)
     at <- if (length(numeric)) stats::setNames(list(along(parts$frame[[fields]])), names[fields])
     source <- if (is.null(at)) source else mean_source(parts, list(at = c(at, settings$at)))
-    list(fields = I(fields), rows = mean_rows(marginal(source, fields, parts, settings,
-                                                       scale = "response")))
+    means <- marginal(source, fields, parts, settings, scale = "response")
+    if (length(means$fields) > length(fields)) return(NULL)
+    list(fields = I(fields), rows = mean_rows(means))
   })
   utils::head(Filter(Negate(is.null), means), most)
 }

@@ -11,7 +11,8 @@ fit_parts.lmerMod <- function(fit, df = "auto") {
     "df = \"satterthwaite\" reckons them.")
   if (!is.null(note)) df <- "asymptotic"
   df <- choose_df(df, c(if (has_test) "satterthwaite",
-                        if (requireNamespace("pbkrtest", quietly = TRUE)) "kenward-roger",
+                        if (has_test && lme4::isREML(fit) &&
+                          requireNamespace("pbkrtest", quietly = TRUE)) "kenward-roger",
                         "residual", "asymptotic"))
   if (has_test && !own && (df %in% c("satterthwaite", "kenward-roger") || is_small)) {
     fit <- tryCatch(suppressMessages(lmerTest::as_lmerModLmerTest(fit)), error = function(e) fit)

@@ -60,13 +60,17 @@ nlme_parameters <- function(fit) {
 }
 
 nlme_notes <- function(fit, parameters) {
-  c(if (is.null(parameters)) paste("Covariance parameters have no standard errors:", fit$apVar[1]),
+  why <- if (is.character(fit$apVar)) fit$apVar[1] else "the fit has no apVar"
+  c(if (is.null(parameters)) paste0("Covariance parameters have no standard errors: ", why, "."),
     if (fit$method == "REML") "Fitted by restricted maximum likelihood (REML).")
 }
 
 # A block: its matrix, and standard errors where the package knows the scales of its parameters, which
 # it tells by whether they come to the matrix of the fit.
 nlme_block <- function(fit, struct, groups, name, frame, parameters) {
+  if (inherits(struct, "pdBlocked")) {
+    stop_for("random effects of class pdBlocked have no report; give each block a list element of its own")
+  }
   matrix <- unname(as.matrix(nlme::pdMatrix(struct))) * fit$sigma^2
   size <- nrow(matrix)
   own <- grep(sprintf("^reStruct\\.%s[0-9]*$", gsub("([.()])", "\\\\\\1", name)), parameters$names)
@@ -75,16 +79,29 @@ nlme_block <- function(fit, struct, groups, name, frame, parameters) {
                                                check.attributes = FALSE))
   se <- if (known) delta_se(function(at) by_rows(of(at)), parameters$at[own],
                             parameters$vcov[own, own, drop = FALSE])
-  formula <- stats::formula(struct)
-  design <- design_of(stats::terms(formula), frame, fit$contrasts)
-  is_diagonal <- inherits(struct, c("pdDiag", "pdIdent"))
-  block(groups, matrix, design, se,
-        structure = if (inherits(struct, "pdCompSymm")) "compound symmetry"
-                    else if (size > 1 && is_diagonal) "diagonal")
+  design <- design_of(stats::terms(stats::formula(struct)), frame, fit$contrasts)
+  word <- if (size > 1) c(pdIdent = "identity", pdDiag = "diagonal",
+                          pdCompSymm = "compound symmetry")[class(struct)[1]]
+  word <- if (length(word) && !is.na(word)) unname(word)
+  block(groups, matrix, design, se, word, nlme_common_rows(word, matrix, se))
+}
+
+# The parameters of structures whose columns share their variance.
+nlme_common_rows <- function(word, matrix, se) {
+  if (!identical(word, "identity") && !identical(word, "compound symmetry")) return(NULL)
+  row <- function(name, cell) {
+    compact(list(parameter = name, estimate = by_rows(matrix)[cell], std.error = finite(se[cell])))
+  }
+  if (word == "identity") list(row("ID diagonal", 1)) else list(row("CS diagonal", 1), row("CS covariance", 2))
 }
 
 nlme_matrix <- function(struct, size) {
   if (inherits(struct, "pdIdent")) function(at) exp(2 * at) * diag(size)
+  else if (inherits(struct, "pdCompSymm")) function(at) {
+    # A logarithm, and a logit of the correlation between its bounds.
+    rho <- (exp(at[2]) - 1 / (size - 1)) / (1 + exp(at[2]))
+    exp(2 * at[1]) * (diag(1 - rho, size) + rho)
+  }
   else if (inherits(struct, "pdDiag") || size == 1) function(at) diag(exp(2 * at), size)
   else function(at) tryCatch(unname(as.matrix(nlme::pdMatrix(nlme::pdNatural(at)))),
                              error = function(e) NULL)

@@ -25,6 +25,23 @@ test_that("standard errors of variances follow the engine's intervals", {
   expect_equal(se[c(1, 3)] / estimates[c(1, 3)], width, tolerance = 1e-6)
 })
 
+test_that("columns that share their variance have it once", {
+  needs("nlme")
+  fit <- nlme::lme(score ~ Machine, nlme::Machines, list(Worker = nlme::pdCompSymm(~ 0 + Machine)))
+  block <- as.list(hierfit(fit))$random[[1]]
+  expected <- nlme::intervals(fit, which = "var-cov")$reStruct$Worker
+  expect_equal(vapply(block$parameters, `[[`, "", "parameter"), c("CS diagonal", "CS covariance"))
+  expect_same(vapply(block$parameters, `[[`, 0, "estimate"),
+              expected$est.[1]^2 * c(1, expected$est.[2]), 1e-6)
+  expect_equal(block$parameters[[1]]$std.error / block$parameters[[1]]$estimate,
+               log(expected$upper / expected$lower)[1] / qnorm(.975), tolerance = 1e-6)
+  one <- nlme::lme(score ~ Machine, nlme::Machines, list(Worker = nlme::pdIdent(~ 0 + Machine)))
+  expect_equal(as.list(hierfit(one))$random[[1]]$structure, "identity")
+  expect_length(as.list(hierfit(one))$random[[1]]$parameters, 1)
+  both <- list(Worker = nlme::pdBlocked(list(~ 1, nlme::pdIdent(~ 0 + Machine))))
+  expect_error(hierfit(nlme::lme(score ~ Machine, nlme::Machines, both)), "pdBlocked")
+})
+
 test_that("residuals have groups, correlations and standard errors", {
   needs("nlme")
   fit <- nlme::lme(distance ~ age * Sex, nlme::Orthodont, ~ 1 | Subject,
