@@ -95,7 +95,7 @@ codings_of <- function(design) {
 # A row for each coefficient: those of the thresholds, and those of each category of a nominal target.
 coefficient_rows <- function(parts, design, kept, coded) {
   places <- lapply(design$rows[kept], row_place, design$as_fitted, coded)
-  coef <- if (is.matrix(parts$coef)) parts$coef else matrix(parts$coef, 1)
+  coef <- if (is.matrix(parts$coef)) parts$coef else matrix(as.numeric(parts$coef), 1)
   se <- sqrt(diag(parts$vcov))
   df <- coefficient_df(parts, length(parts$thresholds) + length(coef))
   at <- 0
