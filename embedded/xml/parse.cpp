@@ -54,8 +54,8 @@ bool declares_name_space(std::string_view name) {
   return name.starts_with("xmlns") && (name.size() == 5 || name[5] == ':');
 }
 
-/// Whether the encoding that a document names is the one that its mark has settled. Of texts with the
-/// mark of UTF-16 the parser sees to that itself.
+/// Whether the encoding that a document names is the one that its mark has settled. Of texts with
+/// the mark of UTF-16 the parser sees to that itself.
 bool agrees_with_mark(std::string_view text, std::string_view encoding) {
   constexpr std::string_view kMark = "\xEF\xBB\xBF";
   constexpr std::string_view kEncoding = "utf-8";

@@ -8,7 +8,7 @@
 #include "report/report.h"
 #include "tests/report/table_builder.h"
 
-namespace hierfit::tests {
+namespace hierfit::test {
 
 namespace {
 
@@ -162,4 +162,4 @@ TEST_CASE("forest plots of any size stay readable") {
   }
 }
 
-}  // namespace hierfit::tests
+}  // namespace hierfit::test
