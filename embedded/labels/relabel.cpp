@@ -20,6 +20,8 @@ constexpr std::string_view kDimensions[] = {
 /// The variables of charts that hold such expressions, by their roles.
 constexpr std::string_view kChartRoles[] = {"Nodes"};
 constexpr std::string_view kPredictors = "Continuous predictors fixed at [%1=%2:,^1=^2:]1";
+/// Joins the pieces of a label that is long.
+constexpr std::string_view kJoint = "[:^1:]1";
 constexpr std::string_view kThreshold = "Threshold for ^1=";
 
 template <size_t Size>
@@ -76,7 +78,8 @@ class Relabelling {
           node.parent != output::kNone && dimension.nodes[node.parent].label.key == kThreshold;
       if (is_threshold) {
         write_threshold(node.label);
-      } else if (node.label.key.empty() && node.label.numbers.empty()) {
+      } else if ((node.label.key.empty() || node.label.key == kJoint) &&
+                 node.label.numbers.empty()) {
         node.label.shown = labelled(node.label.shown, dictionary_);
       }
     }

@@ -305,7 +305,7 @@ def as_spreadsheets_show(cell):
     return f"{value:f}"
 
 
-def faults_of(table, found, shown_as):
+def faults_of(table, found, shown_as, most=None):
     numbers = [cell for cell in table["cells"] if is_number(cell)]
     if found.values is not None:
         lost = collections.Counter(float(f"{cell['value']:.{found.digits}g}") for cell in numbers)
@@ -319,7 +319,8 @@ def faults_of(table, found, shown_as):
     joined = re.sub(r"\s+", "", "".join(map(plain, found.text)))
     for text in texts_of(table, found.whole):
         # A longer word is divided, also behind a sign, with parts of other cells in between.
-        if not all(word[:20] in joined for word in re.split(r"\s+|(?<=[-*])", plain(text))):
+        if not all(part in joined for word in plain(text)[:most].split()
+                   for part in re.split(r"(?<=[-*])", word[:20])):
             yield f"lost the text {text!r}"
 
 
@@ -332,7 +333,7 @@ def about_of(reference):
     yield from (shown(message["text"]) for message in reference["about"]["messages"])
 
 
-def check(name, reference, tables, shown_as=lambda cell: plain(cell["shown"])):
+def check(name, reference, tables, shown_as=lambda cell: plain(cell["shown"]), most=None):
     expected = list(tables_of(reference["content"]))
     opening = tables.pop(0, None)
     joined = re.sub(r"\s+", "", "".join(map(plain, opening.text))) if opening else None
@@ -342,7 +343,7 @@ def check(name, reference, tables, shown_as=lambda cell: plain(cell["shown"])):
     if len(tables) != len(expected):
         yield f"{name} has {len(tables)} tables of {len(expected)}"
     for number, table in enumerate(expected, 1):
-        for fault in faults_of(table, tables.get(number, Found()), shown_as):
+        for fault in faults_of(table, tables.get(number, Found()), shown_as, most):
             yield f"{name}, table {number}: {fault}"
 
 
@@ -396,7 +397,8 @@ def main():
             pages_of([os.path.join(folder, f"{name}.{form}") for name in references], into)
             for name, reference in references.items():
                 pages = read_pdf(os.path.join(into, name + ".pdf"))
-                rounds = {"shown_as": as_spreadsheets_show} if form == "xlsx" else {}
+                # A row of a spreadsheet has a greatest height.
+                rounds = {"shown_as": as_spreadsheets_show, "most": 300} if form == "xlsx" else {}
                 faults += check(f"{name}.{form}, printed", reference, pages, **rounds)
     print("\n".join(faults))
     return 1 if faults else 0
