@@ -42,7 +42,8 @@ class SessionPaths final : public PathFinder {
 std::string text_or_nothing(const std::string& path) {
   try {
     std::string text = hierfit::read_whole_file(path);
-    hierfit::chart::parse_markup(text, path);
+    const hierfit::chart::Element root = hierfit::chart::parse_markup(text, path);
+    if (root.name != "chart") throw hierfit::FileError({path, 1, 1}, "the root is no chart");
     return text;
   } catch (const hierfit::Error& error) {
     hierfit::note_shortfall(hierfit::Shortfall::Of::ProgramFile, error);
