@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "output/utf8.h"
 #include "report/append.h"
 #include "report/chart/metrics.h"
 #include "report/wording.h"
@@ -137,11 +138,15 @@ Runs PdfTable::label(const RowCell& cell) const {
   return runs;
 }
 
+double PdfTable::tallest_head(const Pen& pen) {
+  return (pen.bottom() - pen.top()) / 2 - 2 * kHeadPadding;
+}
+
 /// Takes the rows of the head from the walk. What a head that reaches down lacks falls to its last
 /// row.
 void PdfTable::measure_head(Pen& pen, TableRows& rows) {
   head_heights_.clear();
-  const double most = (pen.bottom() - pen.top()) / 2;
+  const double most = tallest_head(pen) + 2 * kHeadPadding;
   while (head_heights_.size() < view_.head_rows() && rows.next()) {
     double height = kLine + 2 * kHeadPadding;
     for (const RowCell& cell : rows.cells()) {
@@ -177,10 +182,11 @@ void PdfTable::draw_head(Pen& pen, const Part& part) {
 void PdfTable::draw_over(Pen& pen, const Part& part, const RowCell& cell, double foot) {
   const double offset = page_.width(part, 0, cell.column);
   const double inner = inner_width(part, cell);
-  const Runs runs = label(cell);
   TextLook look = kCellLook;
   const bool centred = cell.role == RowCell::Role::ColumnHead && !cell.at_start;
   look.side = centred ? Side::Centre : Side::Start;
+  const Runs runs =
+      fitting(pen, label(cell), view_.text(*cell.label), tallest_head(pen), look, inner);
   const double height = pen.height(runs, look, inner);
   pen.text(runs, look, at(pen, offset + kCellPadding, inner), foot - kHeadPadding - height, inner);
   if (!cell.over_heads) return;
@@ -282,11 +288,13 @@ void PdfTable::draw_row_head(Pen& pen, const Part& part, const RowCell& cell) {
   const double offset = page_.width(part, 0, cell.column) + kCellPadding +
                         kIndent * std::min(cell.head->indent, kDeepestIndent);
   const double width = inner_width(part, cell);
-  draw_text(pen, row_label(cell, width), at(pen, offset, width), width);
+  const std::string whole = cell.label == nullptr ? std::string() : view_.text(*cell.label);
+  draw_text(pen, row_label(cell, width), whole, at(pen, offset, width), width);
 }
 
 /// A text at the start of a cell of the line at the pen.
-void PdfTable::draw_text(Pen& pen, const Runs& runs, double x, double width) {
+void PdfTable::draw_text(
+    Pen& pen, const Runs& runs, const std::string& whole, double x, double width) {
   if (runs.empty()) return;
   const double top = pen.y + kRowPadding;
   const bool plain =
@@ -294,7 +302,28 @@ void PdfTable::draw_text(Pen& pen, const Runs& runs, double x, double width) {
   if (plain && Pen::is_plain(runs[0].text, kTableFont, width - kTableFont)) {
     return pen.plain(runs[0].text, kTableFont, x, top + kBaseline);
   }
-  pen.text(runs, kCellLook, x, top, width);
+  constexpr double kMost = kTallestRow - 2 * kRowPadding;
+  pen.text(fitting(pen, runs, whole, kMost, kCellLook, width), kCellLook, x, top, width);
+}
+
+/// The text with its end left out where it is higher than its place. Nothing of it is lost: all of
+/// it stands among the notes.
+Runs PdfTable::fitting(Pen& pen,
+                       const Runs& runs,
+                       const std::string& whole,
+                       double most,
+                       const TextLook& look,
+                       double width) {
+  double height = pen.height(runs, look, width);
+  if (height <= most || runs.empty()) return runs;
+  if (std::ranges::find(long_texts_, whole) == long_texts_.end()) long_texts_.push_back(whole);
+  Runs fitted = runs;
+  std::string& text = fitted[0].text;
+  for (; height > most && text.size() > 8; height = pen.height(fitted, look, width)) {
+    const auto bytes = static_cast<size_t>(static_cast<double>(text.size()) * 0.9 * most / height);
+    text = std::string(utf8::first_bytes(text, std::min(bytes, text.size() - 4))) + "\u2026";
+  }
+  return fitted;
 }
 
 void PdfTable::draw_text_cell(Pen& pen, const Part& part, const RowCell& content) {
@@ -308,7 +337,8 @@ void PdfTable::draw_text_cell(Pen& pen, const Part& part, const RowCell& content
   add_marks(runs, content.marks);
   const double inner = inner_width(part, content);
   const double offset = page_.width(part, 0, content.column) + kCellPadding;
-  draw_text(pen, runs, at(pen, offset, inner), inner);
+  const std::string whole = runs.empty() ? std::string() : runs[0].text;
+  draw_text(pen, runs, whole, at(pen, offset, inner), inner);
 }
 
 /// The numbers of a column have their decimal marks in line, and are centred together; marks of
@@ -353,6 +383,10 @@ void PdfTable::draw_notes(Pen& pen) {
   for (const Runs& note : notes()) {
     pen.y += kRowPadding;
     pen.flow(note, kNoteLook, pen.left(), pen.width());
+  }
+  for (const std::string& text : long_texts_) {
+    pen.y += kRowPadding;
+    pen.flow({{.text = one_line(text)}}, kNoteLook, pen.left(), pen.width());
   }
 }
 

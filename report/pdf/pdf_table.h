@@ -43,6 +43,8 @@ class PdfTable {
   Runs label(const RowCell& cell) const;
   Runs row_label(const RowCell& cell, double width) const;
   double head_height() const;
+  /// The room for the text of a head.
+  static double tallest_head(const Pen& pen);
 
   double line_height(Pen& pen, const TableRows& rows) const;
   double row_head_height(Pen& pen, const Part& part, const RowCell& cell) const;
@@ -54,7 +56,13 @@ class PdfTable {
   void draw_row_head(Pen& pen, const Part& part, const RowCell& cell);
   void draw_number(Pen& pen, const RowCell& content, double offset);
   void draw_text_cell(Pen& pen, const Part& part, const RowCell& content);
-  void draw_text(Pen& pen, const Runs& runs, double x, double width);
+  void draw_text(Pen& pen, const Runs& runs, const std::string& whole, double x, double width);
+  Runs fitting(Pen& pen,
+               const Runs& runs,
+               const std::string& whole,
+               double most,
+               const TextLook& look,
+               double width);
 
   double notes_height(Pen& pen) const;
   void draw_notes(Pen& pen);
@@ -64,7 +72,8 @@ class PdfTable {
   const Block& block_;
   const TableView& view_;
   const PageTable& page_;
-  std::vector<double> head_heights_;  // by head row, of the part in hand
+  std::vector<double> head_heights_;     // by head row, of the part in hand
+  std::vector<std::string> long_texts_;  // that are cut in their cells
 };
 
 }  // namespace hierfit::report::pdf

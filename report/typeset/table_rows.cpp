@@ -12,9 +12,10 @@ namespace {
 /// The heads that begin in a row of heads over the columns of a part.
 std::span<const Head> heads_over(const TableLayout& layout, uint32_t level, const Part& part) {
   const auto end_of = [](const Head& head) { return head.first + head.span; };
+  // A range of two iterators does not compile with every compiler that makes the fuzz targets.
   const std::vector<Head>& heads = layout.column_heads;
   const auto row = std::ranges::lower_bound(heads, level, {}, &Head::level);
-  const auto row_end = std::ranges::upper_bound(heads, level, {}, &Head::level);
+  const auto row_end = std::ranges::upper_bound(row, heads.end(), level, {}, &Head::level);
   const auto begin = std::ranges::upper_bound(row, row_end, part.first, {}, end_of);
   return {begin, std::ranges::lower_bound(begin, row_end, part.end, {}, &Head::first)};
 }

@@ -231,6 +231,42 @@ def read_latex(path):
 READERS = {"xlsx": read_xlsx, "docx": read_docx, "pdf": read_pdf, "csv": read_csv,
            "md": read_markdown, "tex": read_latex}
 
+# All that a form shows, for what stands in no table.
+
+
+def all_of_xlsx(path):
+    import openpyxl
+    return [str(cell.value) for sheet in openpyxl.load_workbook(path).worksheets
+            for row in sheet.iter_rows() for cell in row if cell.value is not None]
+
+
+def all_of_docx(path):
+    import docx
+    return [node.text or "" for node in docx.Document(path).element.iter()
+            if node.tag.endswith("}t")]
+
+
+def all_of_pdf(path):
+    return [subprocess.run(["pdftotext", path, "-"], check=True, capture_output=True,
+                           text=True).stdout]
+
+
+def all_of_markdown(path):
+    return [subprocess.run(["pandoc", "--from=markdown", "--to=plain", "--wrap=none", path],
+                           check=True, capture_output=True, text=True).stdout]
+
+
+def all_of_latex(path):
+    text = pathlib.Path(path).read_text(encoding="utf-8")
+    for pattern, replacement in LATEX:
+        text = re.sub(pattern, replacement, text)
+    return [text]
+
+
+ALL = {"xlsx": all_of_xlsx, "docx": all_of_docx, "pdf": all_of_pdf, "md": all_of_markdown,
+       "tex": all_of_latex}
+
+
 def described_pictures(path):
     """How many pictures of an office document have an alternative text."""
     with zipfile.ZipFile(path) as archive:
@@ -291,6 +327,16 @@ def charts_of(content):
         yield from charts_of(part.get("items", []))
 
 
+def other_texts(content):
+    """Headings, messages and titles of charts."""
+    for part in content:
+        if part["kind"] == "message":
+            yield shown(part["text"])
+        elif part["kind"] != "table" and part.get("title"):
+            yield shown(part["title"])
+        yield from other_texts(part.get("items", []))
+
+
 def is_number(cell):
     return cell.get("value") is not None
 
@@ -316,12 +362,16 @@ def faults_of(table, found, shown_as, most=None):
         lost = collections.Counter(map(shown_as, numbers)) - have
     if lost:
         yield f"lost the numbers {dict(lost)}"
-    joined = re.sub(r"\s+", "", "".join(map(plain, found.text)))
-    for text in texts_of(table, found.whole):
+    yield from lost_texts(texts_of(table, found.whole), found.text, most)
+
+
+def lost_texts(texts, found, most=None):
+    joined = re.sub(r"\s+", "", "".join(map(plain, found)))
+    for text in texts:
         # A longer word is divided, also behind a sign, with parts of other cells in between.
         if not all(part in joined for word in plain(text)[:most].split()
                    for part in re.split(r"(?<=[-*])", word[:20])):
-            yield f"lost the text {text!r}"
+            yield f"lost the text {text[:200]!r}"
 
 
 def about_of(reference):
@@ -359,6 +409,35 @@ def pairs(sources):
         yield result.stem, documents / "model.pmml", result
 
 
+def long_pairs(sources, folder):
+    """Documents whose labels are as long as a page, or have no blank to break at."""
+    documents = sources / "tests" / "documents"
+    words = " ".join(f"word{number}" for number in range(700))
+    model = (documents / "model.pmml").read_text(encoding="utf-8")
+    for label, text in (("Hits on target", words), ("Site", "unbroken" * 80),
+                        ("North", words[:3000]), ("Female", "&lt;&amp;" * 200)):
+        model = model.replace(f'displayName="{label}"', f'displayName="{text}"')
+        model = model.replace(f'displayValue="{label}"', f'displayValue="{text}"')
+    changed = pathlib.Path(folder, "long.pmml")
+    changed.write_text(model, encoding="utf-8")
+    for name in ("events", "grouped"):
+        yield "long_" + name, changed, documents / f"{name}.xml"
+
+
+def faults_of_long_documents(hierfit, sources, folder, forms):
+    """Their tables are wide, so that columns of text stand beside titles: forms are read whole."""
+    for name, model, result in long_pairs(sources, folder):
+        base = os.path.join(folder, name)
+        render(hierfit, model, result, [f"{base}.{form}" for form in ["json", *forms]])
+        with open(base + ".json", encoding="utf-8") as file:
+            content = json.load(file)["content"]
+        texts = [text for table in tables_of(content) for text in texts_of(table, True)]
+        texts += other_texts(content)
+        for form in (form for form in forms if form in ALL):
+            for fault in lost_texts(texts, ALL[form](f"{base}.{form}")):
+                yield f"{name}.{form}: {fault}"
+
+
 def render(hierfit, model, result, outputs):
     command = [hierfit, str(model), str(result)]
     subprocess.run(command + [f"--output={path}" for path in outputs], check=True,
@@ -385,6 +464,9 @@ def main():
             for form in forms:
                 faults += check(f"{name}.{form}", references[name],
                                 READERS[form](f"{base}.{form}"))
+                if form in ALL:
+                    faults += [f"{name}.{form}: {fault}" for fault in lost_texts(
+                        other_texts(references[name]["content"]), ALL[form](f"{base}.{form}"))]
                 if form == "xlsx":
                     faults += lost_chart_data(f"{base}.{form}", references[name])
                 if form in OFFICE_FORMS:
@@ -392,6 +474,7 @@ def main():
                     pictures = described_pictures(f"{base}.{form}")
                     if charts != pictures:
                         faults.append(f"{name}.{form} describes {pictures} charts of {charts}")
+        faults += faults_of_long_documents(hierfit, sources, folder, forms)
         for form in (form for form in forms if form in OFFICE_FORMS):
             into = os.path.join(folder, "pages-" + form)
             pages_of([os.path.join(folder, f"{name}.{form}") for name in references], into)
