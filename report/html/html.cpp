@@ -38,10 +38,13 @@ constexpr std::array<Tool, 6> kTools = {{
 
 /// The class of the element that holds a fragment.
 constexpr std::string_view kScope = "hierfit";
+/// How its sheet names it: three times, so that rules for all tables, which notebooks give with two
+/// classes, give way.
+constexpr std::string_view kScopeInSheet = "hierfit.hierfit.hierfit";
 
 const std::string& fragment_sheet() {
   static const std::string sheet =
-      html::scoped_sheet(html::kStyle.content, kScope).append(html::kFragment.content);
+      html::scoped_sheet(html::kStyle.content, kScopeInSheet).append(html::kFragment.content);
   return sheet;
 }
 
