@@ -6,6 +6,8 @@ test_that("a linear mixed fit has the numbers of nlme", {
   rows <- expect_coefficients(x, table)
   expect_same(rows$df, table[, "DF"])
   expect_same(rows$p.value, table[, "p-value"], 1e-7)
+  # All effects together have the least of their degrees of freedom, that of the effect between subjects.
+  expect_equal(as.list(x)$tests$model$den.df, 25)
   matrix <- unclass(nlme::getVarCov(fit))
   expect_same(unlist(lapply(as.list(x)$random[[1]]$covariances[[1]]$matrix, unlist)),
               matrix[c(1, 2, 4)])
