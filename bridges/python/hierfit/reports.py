@@ -2,16 +2,18 @@
 
 from __future__ import annotations
 
+import contextlib
 import copy
 import hashlib
 import itertools
 import json
 import os
+import warnings
 from dataclasses import dataclass, replace
 from typing import TYPE_CHECKING, Any, Dict, Iterator, List, Mapping, Optional, Sequence, Tuple
 
 from . import command
-from .errors import CommandMissing
+from .errors import CommandMissing, HierfitWarning
 
 if TYPE_CHECKING:
     import pandas as pd
@@ -207,20 +209,27 @@ class Report:
 
     def __repr__(self) -> str:
         try:
-            return self.text()
+            with _without_warnings():
+                return self.text()
         except CommandMissing as reason:
             return str(reason)
 
     def _repr_html_(self) -> Optional[str]:
-        if _is_missing():
-            return None
-        return self.render("html", "--fragment", f"--id-prefix={self._prefix()}").decode()
+        return self._shown("html", "--fragment", f"--id-prefix={self._prefix()}")
 
     def _repr_markdown_(self) -> Optional[str]:
-        return None if _is_missing() else self.render("markdown").decode()
+        return self._shown("markdown")
 
     def _repr_latex_(self) -> Optional[str]:
-        return None if _is_missing() else self.render("latex", "--fragment").decode()
+        return self._shown("latex", "--fragment")
+
+    def _shown(self, form: str, *arguments: str) -> Optional[str]:
+        """The report in a form for notebooks, which ask for several; None without the command."""
+        try:
+            with _without_warnings():
+                return self.render(form, *arguments).decode()
+        except CommandMissing:
+            return None
 
     def _prefix(self) -> str:
         """What the ids of a page start with: the same in each run, and another one each time that
@@ -229,12 +238,12 @@ class Report:
         return f"h{digest}-{next(_displays)}-"
 
 
-def _is_missing() -> bool:
-    try:
-        command.find()
-    except CommandMissing:
-        return True
-    return False
+@contextlib.contextmanager
+def _without_warnings() -> Iterator[None]:
+    """Where a report is shown, it says itself what speaks against it."""
+    with warnings.catch_warnings():
+        warnings.simplefilter("ignore", HierfitWarning)
+        yield
 
 
 def _tables(items: List[Dict[str, Any]]) -> Iterator[Dict[str, Any]]:
