@@ -130,7 +130,7 @@ as_hierfit <- function(x) if (inherits(x, "hierfit")) x else hierfit(x)
 format.hierfit <- function(x, form = "text", width = getOption("width"), style = NULL, language = NULL,
                            options = NULL, ...) {
   run_on(x, c("--format", form, "--output", "-", display_options(style, language),
-              if (form == "text") c("--width", width), options))
+              if (form == "text") c("--width", width), options), warns = form == "csv")
 }
 
 #' @rdname format.hierfit

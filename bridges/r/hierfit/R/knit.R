@@ -55,7 +55,7 @@ knit_folder <- function(options, count) {
 raw_block <- function(lines, form) c(sprintf("```{=%s}", form), lines, "```")
 
 fragment <- function(x, form, arguments) {
-  run_on(x, c("--fragment", "--format", form, "--output", "-", arguments))
+  run_on(x, c("--fragment", "--format", form, "--output", "-", arguments), warns = FALSE)
 }
 
 knit_html <- function(x, arguments) {
@@ -80,7 +80,7 @@ knit_word <- function(x, arguments, folder) {
 
 knit_markdown <- function(x, arguments, folder) {
   lines <- run_on(x, c("--format", "markdown", "--output", "-", arguments, "--charts", folder,
-                       "--chart-format", "png"))
+                       "--chart-format", "png"), warns = FALSE)
   lines <- lines[!grepl("^# ", lines)]  # the page has a title of its own
   list(text = c(lines, "", chart_images(folder)), meta = NULL)
 }

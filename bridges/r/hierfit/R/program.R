@@ -34,8 +34,8 @@ run <- function(command, arguments) {
 }
 
 # Runs the program on a fit. The document, which holds records, lives in a folder of this session for
-# as long.
-run_on <- function(x, arguments) {
+# as long. What is shown says itself what speaks against it; else that becomes a warning.
+run_on <- function(x, arguments, warns = TRUE) {
   if (!has_program()) stop_for(no_program)
   x <- as_hierfit(x)
   folder <- tempfile("hierfit")
@@ -46,8 +46,8 @@ run_on <- function(x, arguments) {
   result <- run(program(), c(arguments, document))
   messages <- gsub(document, "fit.json", sub("^hierfit: ", "", result$errors), fixed = TRUE)
   if (!is.null(result$status)) stop_for(paste(messages, collapse = "\n"))
-  warnings <- grep("warning: ", messages, value = TRUE)
-  if (length(warnings)) warning(paste(warnings, collapse = "\n"), call. = FALSE)
+  odd <- sub("^fit[.]json: warning: ", "", grep("warning: ", messages, value = TRUE))
+  if (warns && length(odd)) warning(paste(odd, collapse = "\n"), call. = FALSE)
   as.vector(result$output)
 }
 

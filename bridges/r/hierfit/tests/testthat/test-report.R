@@ -59,6 +59,16 @@ test_that("each class makes a report without a word of warning", {
   }
 })
 
+test_that("what befell a fit stands beside its report, and nowhere twice", {
+  needs_program()
+  needs("lme4")
+  singular <- hierfit(suppressMessages(lme4::lmer(Yield ~ 1 + (1 | Batch), lme4::Dyestuff2)))
+  expect_silent(lines <- capture.output(print(singular, language = "en")))
+  text <- gsub("\\s+", " ", paste(lines, collapse = " "))
+  expect_length(gregexpr("The fit is singular", text, fixed = TRUE)[[1]], 1)
+  expect_match(text, "The fit is singular", fixed = TRUE)
+})
+
 test_that("without the program there are numbers, and a sentence", {
   old <- Sys.getenv(c("HIERFIT", "PATH"), names = TRUE)
   on.exit(do.call(Sys.setenv, as.list(old)))
