@@ -16,12 +16,11 @@ fit_document <- function(parts, settings) {
   add_residual_variables(parts$residual, parts, variables)
   means <- parts_with_means(parts, design, tests, settings, variables)
   columns <- c(target$columns, subject_columns(parts))
-  call <- tryCatch(stats::getCall(parts$fit), error = function(e) NULL)
   compact(c(
     list(hierfit = "hierfit-fit-1",
          engine = compact(list(
            name = parts$engine, version = as.character(utils::packageVersion(parts$engine)),
-           call = if (!is.null(call)) deparse1(call, " "),
+           call = call_text(parts$fit),
            warnings = list_of_texts(parts$warnings), notes = list_of_texts(c(
              parts$notes, if (identical(tests$type, "II")) type_two_note, means$notes)),
            conditions = list_of_texts(parts$conditions))),
@@ -57,6 +56,17 @@ with_repeated <- function(parts, data, names) {
   }
   parts$residual$repeated <- I(names)
   parts
+}
+
+# The call of a fit as text. Values that stand in it, as do.call() leaves them, are not told: they may
+# be the records.
+call_text <- function(fit, most = 1000) {
+  call <- tryCatch(stats::getCall(fit), error = function(e) NULL)
+  if (is.null(call)) return(NULL)
+  is_short <- function(part) is.null(part) || is.language(part) || (is.atomic(part) && length(part) == 1)
+  told <- lapply(as.list(call), function(part) if (is_short(part)) part else quote(...))
+  text <- deparse1(as.call(told), " ")
+  if (nchar(text) > most) paste0(substr(text, 1, most), " ...") else text
 }
 
 list_of_texts <- function(texts) if (length(texts)) I(as.character(texts))

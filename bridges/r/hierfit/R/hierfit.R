@@ -152,8 +152,10 @@ print.hierfit <- function(x, ...) {
 # singular fit, what the engine warned of.
 notes_beside <- function(x, report) {
   notes <- as.character(c(x$document$engine$warnings, x$document$engine$notes))
-  squeezed <- gsub("\\s+", " ", paste(report, collapse = " "))
-  notes[!vapply(notes, grepl, TRUE, squeezed, fixed = TRUE)]
+  # Letters and digits are the same in all forms; entities, commands and line breaks are not.
+  letters_of <- function(text) gsub("&[a-z]+;|\\\\[a-z]+|[^[:alnum:]]+", "", text)
+  told <- letters_of(paste(report, collapse = " "))
+  notes[!vapply(letters_of(notes), grepl, TRUE, told, fixed = TRUE)]
 }
 
 # The numbers of a fit as data frames, with the names of broom.

@@ -36,6 +36,11 @@ test_that("documents hold no records unless they are asked for", {
   expect_setequal(list.files(tempdir(), "^hierfit"), before)
 })
 
+test_that("records that a call holds are not told", {
+  held <- do.call("lm", list(breaks ~ wool, data = warpbreaks))
+  expect_equal(as.list(hierfit(held))$engine$call, "lm(formula = breaks ~ wool, data = ...)")
+})
+
 test_that("each class makes a report without a word of warning", {
   needs_program()
   needs("lme4", "glmmTMB", "nlme", "ordinal", "nnet", "MASS", "emmeans")
