@@ -207,7 +207,7 @@ class HtmlTable {
       append_span(out_, "rowspan", cell.below + 1);
       if (named_ && at == 0) write_id('c', cell.head - view_.layout.column_heads.data());
       out_ += cell.over_heads ? "><span>" : ">";
-      append_text(out_, *cell.label, view_.texts);
+      append_label(out_, *cell.label, view_.texts);
       write_marks(cell.marks);
       out_ += cell.over_heads ? "</span></th>" : "</th>";
     }
@@ -280,7 +280,7 @@ class HtmlTable {
     append_span(out_, "rowspan", cell.below + 1);
     if (named_) write_id('r', cell.head - view_.layout.row_heads.data());
     out_ += '>';
-    if (cell.label != nullptr) append_text(out_, *cell.label, view_.texts);
+    if (cell.label != nullptr) append_label(out_, *cell.label, view_.texts);
     write_marks(cell.marks);
     out_ += "</th>";
   }
@@ -296,7 +296,7 @@ class HtmlTable {
     out_ += "<th scope=\"rowgroup\"";
     append_span(out_, "rowspan", cell.below + 1);
     out_ += '>';
-    if (cell.label != nullptr) append_text(out_, *cell.label, view_.texts);
+    if (cell.label != nullptr) append_label(out_, *cell.label, view_.texts);
     out_ += "</th>";
   }
 

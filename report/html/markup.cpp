@@ -22,6 +22,19 @@ void append_text(std::string& out, const output::Text& text, const Texts& texts)
   if (text.symbol) out += "</i>";
 }
 
+void append_label(std::string& out, const output::Text& text, const Texts& texts) {
+  constexpr std::string_view kSigns = "=*";
+  constexpr size_t kLong = 20;
+  if (text.shown.size() < kLong) return append_text(out, text, texts);
+  std::string label;
+  append_text(label, text, texts);
+  for (size_t at = 0; at < label.size(); ++at) {
+    out += label[at];
+    const bool is_sign = kSigns.find(label[at]) != std::string_view::npos;
+    if (is_sign && at + 1 < label.size() && label[at + 1] != ' ') out += "<wbr>";
+  }
+}
+
 void append_message(std::string& out,
                     const output::Message& message,
                     const output::Document& document,

@@ -15,6 +15,9 @@ using report::append_escaped;
 /// A text with its lines divided by `<br>`; a symbol in italics.
 void append_text(std::string& out, const output::Text& text, const Texts& texts);
 
+/// The same for a label: a long term ("[species=x]*[site=y]") may be divided behind its signs.
+void append_label(std::string& out, const output::Text& text, const Texts& texts);
+
 /// A message, a paragraph of its severity.
 void append_message(std::string& out,
                     const output::Message& message,

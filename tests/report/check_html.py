@@ -4,7 +4,7 @@ import hashlib
 import sys
 from html.parser import HTMLParser
 
-VOID = {"meta", "br", "col", "link", "img", "input", "hr"}
+VOID = {"meta", "br", "col", "link", "img", "input", "hr", "wbr"}
 
 
 class Page(HTMLParser):

@@ -86,6 +86,17 @@ TEST_CASE("texts of a page are data") {
   CHECK(occurrences(page, "&lt;/title&gt;&lt;script&gt;&quot;&#39;&amp;\uFFFD") >= 9);
 }
 
+TEST_CASE("a long term may be divided behind its signs, a short one not") {
+  TableBuilder builder("t");
+  builder.rows("R").columns("C");
+  builder.cell({{"a=1*b"}, {"c"}}, count(1));
+  builder.cell({{"[species=P. ruber]*[site=Not <mined>] * x"}, {"c"}}, count(2));
+  const std::string page = report::render_html(with_table(std::move(builder)), {});
+  CHECK(occurrences(page, ">a=1*b</th>") == 1);
+  CHECK(occurrences(page, ">[species=<wbr>P. ruber]*<wbr>[site=<wbr>Not &lt;mined&gt;] * x</th>") ==
+        1);
+}
+
 TEST_CASE("note marks link to their notes and back, once") {
   TableBuilder builder("t");
   builder.rows("r").cell({{"a"}}, count(1)).cell_note("n").cell({{"b"}}, count(2)).cell_note("n");
