@@ -153,7 +153,7 @@ print.hierfit <- function(x, ...) {
 notes_beside <- function(x, report) {
   notes <- as.character(c(x$document$engine$warnings, x$document$engine$notes))
   # Letters and digits are the same in all forms; entities, commands and line breaks are not.
-  letters_of <- function(text) gsub("&[a-z]+;|\\\\[a-z]+|[^[:alnum:]]+", "", text)
+  letters_of <- function(text) gsub("[^[:alnum:]]+", "", gsub("&[a-z]+;|\\\\[a-z]+", "", text))
   told <- letters_of(paste(report, collapse = " "))
   notes[!vapply(letters_of(notes), grepl, TRUE, told, fixed = TRUE)]
 }

@@ -72,6 +72,11 @@ test_that("what befell a fit stands beside its report, and nowhere twice", {
   text <- gsub("\\s+", " ", paste(lines, collapse = " "))
   expect_length(gregexpr("The fit is singular", text, fixed = TRUE)[[1]], 1)
   expect_match(text, "The fit is singular", fixed = TRUE)
+  beside <- function(report) hierfit:::notes_beside(hierfit(lm(breaks ~ 1, warpbreaks, weights = 1:54)), report)
+  expect_equal(beside("nothing"), "The records have weights.")
+  for (told in c("<p>The records&nbsp;have weights.</p>", "The records \\textit{have}\nweights.")) {
+    expect_length(beside(told), 0)
+  }
 })
 
 test_that("without the program there are numbers, and a sentence", {
