@@ -109,13 +109,18 @@ output::Chart join(Element& document, std::vector<ChartSource> data, std::string
   for (ChartSource& source : data) {
     describe(source, descriptions);
   }
-  // Elements of values go while the graphs are walked: none of them may be in the list.
+  // Elements of values go while the graphs are walked, and a graph may stand among the values of
+  // another: inner ones come first.
   std::vector<Element*> graphs = elements_of(document);
   std::erase_if(graphs, [](const Element* element) { return element->name != "embedded"; });
+  std::ranges::reverse(graphs);
+  const auto own = static_cast<std::ptrdiff_t>(data.size());
   for (Element* graph : graphs) {
     Element* inner = graph->child("data");
-    if (inner != nullptr)
-      std::ranges::move(embedded_sources(*inner, names), std::back_inserter(data));
+    if (inner == nullptr) continue;
+    std::vector<ChartSource> sources = embedded_sources(*inner, names);
+    data.insert(data.begin() + own, std::make_move_iterator(sources.begin()),
+                std::make_move_iterator(sources.end()));
   }
   output::Chart chart;
   chart.kind = document.value("kind");

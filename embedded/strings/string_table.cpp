@@ -34,6 +34,10 @@ std::string catalogue_tag(const std::string& directory, std::string_view languag
   return std::string(kKeysAsTheyStand);
 }
 
+FileError no_catalogue(const std::string& file) {
+  return FileError({file, 0, 0}, "is no message catalogue");
+}
+
 std::locale open_catalogue(const std::string& file) {
   const std::string bytes = read_whole_file(file);
   boost::locale::gnu_gettext::messages_info catalogue;
@@ -43,13 +47,12 @@ std::locale open_catalogue(const std::string& file) {
   catalogue.callback = [&bytes](const std::string&, const std::string&) {
     return std::vector<char>(bytes.begin(), bytes.end());
   };
-  const FileError no_catalogue({file, 0, 0}, "is no message catalogue");
-  if (bytes.empty()) throw no_catalogue;  // the library takes it for a file that is not there
+  if (bytes.empty()) throw no_catalogue(file);  // the library takes it for a file that is not there
   try {
     return std::locale(std::locale::classic(),
                        boost::locale::gnu_gettext::create_messages_facet<char>(catalogue));
   } catch (const std::runtime_error&) {
-    throw no_catalogue;
+    throw no_catalogue(file);
   }
 }
 
@@ -68,22 +71,35 @@ struct StringTable::Impl {
   /// Keys that were asked for, with their texts; null for those that the catalogue does not hold.
   std::unordered_map<std::string, const char*, KeyHash, std::equal_to<>> known;
 
-  void open(const std::string& file) {
+  std::string file;
+
+  void open(const std::string& name) {
+    file = name;
     catalogue = open_catalogue(file);
     facet = &std::use_facet<Facet>(catalogue);
   }
 
   /// The header of a catalogue is the text of the empty key.
   void read_marks(std::string_view tag) {
-    const char* header = facet->get(0, nullptr, "");
+    const char* header = ask("");
     if (header != nullptr) marks = marks_of(header, tag);
+  }
+
+  /// Null for a key that the catalogue does not hold. The library looks at a text no earlier than
+  /// now, and then finds that a damaged catalogue does not have it.
+  const char* ask(const char* key) const {
+    try {
+      return facet->get(0, nullptr, key);
+    } catch (const std::runtime_error&) {
+      throw no_catalogue(file);
+    }
   }
 
   const char* find(std::string_view key) {
     if (facet == nullptr || key.empty()) return nullptr;
     if (const auto found = known.find(key); found != known.end()) return found->second;
     std::string owned(key);
-    const char* text = facet->get(0, nullptr, owned.c_str());
+    const char* text = ask(owned.c_str());
     // Keys from documents are without number and mostly unknown: they are not worth remembering.
     if (text != nullptr) known.emplace(std::move(owned), text);
     return text;

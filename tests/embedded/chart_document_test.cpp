@@ -144,6 +144,19 @@ TEST_CASE("a text that is no chart throws; an empty one delivers nothing") {
   CHECK(session.take_charts().empty());
 }
 
+TEST_CASE("a graph among the values of another is no more when they go") {
+  ChartSession session;
+  XDocument document(
+      "<chart kind=\"k\"><graph><embedded><data><source name=\"a\"><variable name=\"v\"><values>"
+      "<n>1</n><embedded><data><source name=\"b\"/></data></embedded></values></variable></source>"
+      "</data></embedded></graph><texts/><data/></chart>");
+  document.SendChart(true, false, false);
+  const std::vector<Chart> charts = session.take_charts();
+  REQUIRE(charts.size() == 1);
+  REQUIRE(charts[0].source("a") != nullptr);
+  CHECK(charts[0].source("a")->rows == 1);
+}
+
 TEST_CASE("style and language are set once, however often they are asked for") {
   ChartSession session;
   const Chart chart = sent(session, [](XDocument& document) {

@@ -135,6 +135,17 @@ TEST_CASE("a file that is no catalogue is refused") {
     std::ofstream(directory + "/en.mo", std::ios::binary) << content;
     CHECK_THROWS_AS(StringTable(directory, "en"), FileError);
   }
+  // Where its texts lie is found out when they are asked for.
+  std::ifstream whole(kResources + "/locale/en.mo", std::ios::binary);
+  std::string bytes{std::istreambuf_iterator<char>(whole), {}};
+  const auto number_at = [&bytes](size_t at) {
+    return static_cast<size_t>(static_cast<unsigned char>(bytes[at])) +
+           (static_cast<size_t>(static_cast<unsigned char>(bytes[at + 1])) << 8);
+  };
+  bytes.replace(number_at(16), 8 * number_at(8), 8 * number_at(8), '\x7f');
+  std::ofstream(directory + "/en.mo", std::ios::binary) << bytes;
+  const auto look_up = [&] { return std::string(StringTable(directory, "en").text("Target ^1")); };
+  CHECK_THROWS_AS(look_up(), FileError);
 }
 
 TEST_CASE("the string table library speaks the session's language") {
