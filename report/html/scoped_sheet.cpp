@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <vector>
 
 #include "report/append.h"
+#include "report/html/markup.h"
 
 namespace hierfit::report::html {
 namespace {
@@ -102,11 +104,35 @@ void append_rules(std::string& out, std::string_view sheet, std::string_view sco
   }
 }
 
+/// Lengths in letters of the root become those in pixels that they are on pages of our own: the
+/// root of another page may have letters of any size.
+std::string without_root_letters(std::string_view sheet) {
+  constexpr std::string_view kUnit = "rem";
+  constexpr double kPixels = 16;
+  std::string out;
+  for (size_t unit; (unit = sheet.find(kUnit)) != std::string_view::npos;) {
+    const size_t before = sheet.substr(0, unit).find_last_not_of("0123456789.");
+    const size_t digits = before == std::string_view::npos ? 0 : before + 1;
+    double length = 0;
+    const auto [end, error] = std::from_chars(sheet.data() + digits, sheet.data() + unit, length);
+    const bool is_length = error == std::errc() && end == sheet.data() + unit;
+    if (is_length) {
+      out += sheet.substr(0, digits);
+      append_double(out, length * kPixels);
+      out += "px";
+    } else {
+      out += sheet.substr(0, unit + kUnit.size());
+    }
+    sheet.remove_prefix(unit + kUnit.size());
+  }
+  return out += sheet;
+}
+
 }  // namespace
 
 std::string scoped_sheet(std::string_view sheet, std::string_view scope) {
   std::string out;
-  append_rules(out, without_comments(sheet), scope);
+  append_rules(out, without_root_letters(without_comments(sheet)), scope);
   return out;
 }
 

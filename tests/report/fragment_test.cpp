@@ -51,6 +51,12 @@ TEST_CASE("a style sheet holds inside its scope alone") {
         "@media print {\n.s { --a: 1 }\n}\n.s i { top: 0 }\n");
 }
 
+TEST_CASE("a scoped sheet does not depend on the letters of another page's root") {
+  CHECK(report::html::scoped_sheet(
+            "td { font: .875rem/1.4 a; margin: -2.5rem 1rem; color: --remark }", "s") ==
+        ".s td { font: 14px/1.4 a; margin: -40px 16px; color: --remark }\n");
+}
+
 TEST_CASE("a fragment of a page is one element, and its ids are its own") {
   const std::string piece = fragment("html");
   CHECK(piece.starts_with("<div class=\"hierfit\""));
