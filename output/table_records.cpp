@@ -53,6 +53,7 @@ std::vector<Record> records_of(const Table& table, std::span<const ColumnKey> co
   for (size_t cell = 0; cell < table.cells.size(); ++cell) {
     const uint32_t* at = table.cells.at(cell);
     std::vector<uint32_t> line;
+    line.reserve(heads.size());
     for (const size_t d : heads)
       line.push_back(at[d]);
     const auto [place, is_new] = places.try_emplace(std::move(line), records.size());

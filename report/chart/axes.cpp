@@ -238,19 +238,19 @@ std::vector<TickLabel> number_labels(const Binding& binding,
 std::vector<TickLabel> log_labels(const Binding& binding,
                                   const LinearScale& scale,
                                   const Font& font) {
-  static const std::vector<double> kFactors[] = {{1, 2, 5}, {1, 3}, {1}};
+  const std::vector<double> sets[] = {{1, 2, 5}, {1, 3}, {1}};
   const Range& range = scale.range();
   std::vector<TickLabel> labels;
   for (int powers = 1; powers <= 8; powers *= 2) {
-    for (const std::vector<double>& factors : kFactors) {
+    for (const std::vector<double>& factors : sets) {
       if (powers > 1 && factors.size() > 1) continue;
       labels.clear();
-      const double first = std::floor(range.low / powers) * powers;
-      for (double power = first; power <= range.high; power += powers) {
+      const int first = static_cast<int>(std::floor(range.low / powers)) * powers;
+      for (int power = first; power <= range.high; power += powers) {
         for (const double factor : factors) {
           const double place = power + std::log10(factor);
           if (place < range.low || place > range.high) continue;
-          const auto decimals = static_cast<uint8_t>(std::clamp(-power, 0.0, 12.0));
+          const auto decimals = static_cast<uint8_t>(std::clamp(-power, 0, 12));
           const output::Number number{factor * std::pow(10, power), output::Format::Fixed,
                                       decimals};
           labels.push_back({scale.at(place), output::shown(number, binding.numbers)});

@@ -95,7 +95,7 @@ class RowPlot {
              .interval = {},
              .label = {}};
     if (is_number(made.estimate)) made.interval = shown_number(*y, made.estimate, binding_.numbers);
-    if (is_number(made.lower) && is_number(made.upper)) {
+    if (bounds != nullptr && is_number(made.lower) && is_number(made.upper)) {
       made.interval += " [" + shown_number(*bounds, made.lower, binding_.numbers) +
                        std::string(list_mark(binding_.numbers)) +
                        shown_number(*bounds, made.upper, binding_.numbers) + "]";

@@ -6,6 +6,7 @@
 #include <span>
 
 #include "output/table_records.h"
+#include "report/extra/random_part.h"
 #include "report/wording.h"
 
 namespace hierfit::report {
@@ -51,6 +52,8 @@ constexpr Forest kForests[] = {
      0,
      false},
 };
+
+constexpr std::string_view kCovariances = "RandomEffects";
 
 /// What stands at the head of a column or of a group of columns; empty when there is none.
 std::string head_of(const Table& table, std::string_view key) {
@@ -207,7 +210,13 @@ void add_extra_charts(Document& document) {
   std::vector<const Table*> tables;
   collect(document.content, tables);
   auto section = std::make_unique<Section>();
-  section->title.shown = document.word("Charts made by the report");
+  section->title.shown = document.word("Made by the report");
+  for (const Table* table : tables) {
+    if (table->subtype != kCovariances) continue;
+    if (auto random_part = random_part_of(*table, document)) {
+      section->items.emplace_back(std::move(random_part));
+    }
+  }
   for (const Table* table : tables) {
     for (const Forest& forest : kForests) {
       if (table->subtype != forest.subtype) continue;

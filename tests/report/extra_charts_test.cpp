@@ -1,6 +1,7 @@
 // The charts that the report makes of tables.
 #include "report/extra/extra_charts.h"
 
+#include <cmath>
 #include <doctest/doctest.h>
 #include <memory>
 
@@ -61,7 +62,7 @@ std::vector<output::Chart> charts_of(std::unique_ptr<output::Table> table) {
   std::vector<output::Chart> charts;
   if (document.content.items.size() < 2) return charts;
   auto& section = std::get<std::unique_ptr<output::Section>>(document.content.items.back());
-  CHECK(section->title.shown == "Charts made by the report");
+  CHECK(section->title.shown == "Made by the report");
   for (output::Item& item : section->items)
     charts.push_back(std::move(*std::get<std::unique_ptr<output::Chart>>(item)));
   return charts;
@@ -159,6 +160,47 @@ TEST_CASE("forest plots of any size stay readable") {
     }
     CHECK(squares == 120);
     CHECK(says_so);
+  }
+}
+
+TEST_CASE("random effect covariances come as standard deviations and correlations, too") {
+  const auto random_part_of = [](const std::vector<std::vector<double>>& covariances) {
+    TableBuilder builder("Block 1", "RandomEffects");
+    builder.rows("Effect").columns("Effect");
+    for (size_t row = 0; row < covariances.size(); ++row) {
+      for (size_t column = 0; column < covariances.size(); ++column) {
+        builder.cell({{"e" + std::to_string(row)}, {"e" + std::to_string(column)}},
+                     statistic(covariances[row][column]));
+      }
+    }
+    output::Document document;
+    document.content.items.emplace_back(builder.take());
+    report::add_extra_charts(document);
+    const auto& section =
+        *std::get<std::unique_ptr<output::Section>>(document.content.items.back());
+    return std::move(*std::get<std::unique_ptr<output::Table>>(section.items.at(0)));
+  };
+  const auto value = [](const output::Table& table, size_t cell) {
+    return std::get<output::Number>(table.cells.values.at(cell)).value;
+  };
+  SUBCASE("as other programs print them for the same fit") {
+    // sleepstudy by lme4: VarCorr() and eigen() of R 4.2.2.
+    const output::Table table = random_part_of(
+        {{612.1001580247688, 9.604408951157756}, {9.604408951157756, 35.07171445093885}});
+    REQUIRE(table.cells.size() == 3);
+    CHECK(value(table, 0) == doctest::Approx(24.7406580).epsilon(1e-8));
+    CHECK(value(table, 1) == doctest::Approx(5.9221376).epsilon(1e-8));
+    CHECK(value(table, 2) == doctest::Approx(0.0655512).epsilon(1e-5));
+    CHECK(table.dimensions[1].nodes.size() == 3);
+    CHECK(table.caption->shown.ends_with("eigenvalue is 34.912."));
+  }
+  SUBCASE("and are called singular when they are") {
+    const output::Table table = random_part_of({{2, 1, 3}, {1, 2, 3}, {3, 3, 6}});
+    CHECK(table.caption->shown.find("lies on its boundary") != std::string::npos);
+    CHECK(value(table, 5) == doctest::Approx(3 / std::sqrt(12)));
+    const output::Table zero = random_part_of({{0, 0}, {0, 4}});
+    CHECK(zero.cells.size() == 2);  // no correlation with what does not vary
+    CHECK(zero.caption->shown.find("lies on its boundary") != std::string::npos);
   }
 }
 
