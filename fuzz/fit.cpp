@@ -1,15 +1,13 @@
-// Feeds the import of fit documents and, for a fit that it takes, the module: what the import
-// makes, the module reads.
+// Feeds the import of fit documents and, for a fit that it takes, the module and the forms: what
+// the import makes, the module reads.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <iostream>
-#include <optional>
 #include <string>
 #include <string_view>
 
-#include "backend/hierfit/frame/HFITProcCustom.h"
-#include "embedded/session.h"
+#include "fuzz/run.h"
 #include "import/import.h"
 #include "import/pair_check.h"
 
@@ -26,9 +24,12 @@ void run(const hierfit::fit::Documents& documents) {
   hierfit::Session session(std::move(input),
                            {.language = "en",
                             .resource_directory = HIERFIT_BINARY_DIR "/share/hierfit",
-                            .journal = nullptr});
+                            .journal = nullptr,
+                            .words = hierfit::report::kWords});
   HFITProcCustom procedure;
   session.run(procedure);
+  hierfit::output::Document document = session.take_document();
+  hierfit::fuzz::render_text_forms(document, documents.result.size());
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <boost/locale/gnu_gettext.hpp>
 #include <boost/locale/message.hpp>
+#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <locale>
@@ -34,6 +35,39 @@ std::string catalogue_tag(const std::string& directory, std::string_view languag
   return std::string(kKeysAsTheyStand);
 }
 
+/// Whether all that a catalogue points at lies within it; the library looks where it is told. The
+/// layout is that of gettext's binary files: seven numbers, then tables of length and place.
+bool is_whole(std::string_view bytes) {
+  constexpr uint32_t kMagic = 0x950412DE;
+  const auto number_at = [bytes](uint64_t at) -> uint64_t {
+    uint32_t number = 0xFFFFFFFF;
+    if (at + sizeof number <= bytes.size()) std::memcpy(&number, bytes.data() + at, sizeof number);
+    return number;
+  };
+  const auto text_is_inside = [&](uint64_t entry) {
+    const uint64_t end = number_at(entry) + number_at(entry + 4);
+    return end < bytes.size() && bytes[end] == '\0';
+  };
+  if (number_at(0) != kMagic) return false;
+  const uint64_t count = number_at(8);
+  for (const uint64_t table : {number_at(12), number_at(16)}) {
+    if (table + 8 * count > bytes.size()) return false;
+    for (uint64_t i = 0; i < count; ++i) {
+      if (!text_is_inside(table + 8 * i)) return false;
+    }
+  }
+  const uint64_t slots = number_at(20);
+  const uint64_t hashes = number_at(24);
+  if (slots > 0 && (slots < 3 || hashes + 4 * slots > bytes.size())) return false;
+  uint64_t empty = 0;
+  for (uint64_t i = 0; i < slots; ++i) {
+    const uint64_t entry = number_at(hashes + 4 * i);
+    if (entry > count) return false;
+    if (entry == 0) ++empty;
+  }
+  return slots == 0 || empty > 0;
+}
+
 FileError no_catalogue(const std::string& file) {
   return FileError({file, 0, 0}, "is no message catalogue");
 }
@@ -47,7 +81,7 @@ std::locale open_catalogue(const std::string& file) {
   catalogue.callback = [&bytes](const std::string&, const std::string&) {
     return std::vector<char>(bytes.begin(), bytes.end());
   };
-  if (bytes.empty()) throw no_catalogue(file);  // the library takes it for a file that is not there
+  if (!is_whole(bytes)) throw no_catalogue(file);
   try {
     return std::locale(std::locale::classic(),
                        boost::locale::gnu_gettext::create_messages_facet<char>(catalogue));
