@@ -111,7 +111,8 @@ class Parts:
     has_records : bool
         Whether the records are each one record, so that charts of them tell the truth.
     formula, engine, version : str
-        As in a fit document.
+        As in a fit document. A formula that leaves the random part out is not told: the report then
+        writes the whole of it from the effects and the blocks.
     order : list of str
         The variables in the order of the data, others among them.
     notes, warnings, conditions : lists of str

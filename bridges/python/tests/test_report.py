@@ -96,6 +96,11 @@ def test_save_and_documents(report, tmp_path):
 
 
 @needs_command
+def test_the_formula_has_the_random_part(report):
+    assert "Reaction ~ 1 + Days + (1 + Days | Subject)" in " ".join(str(report).split())
+
+
+@needs_command
 def test_shown_in_terminals_and_notebooks(report):
     assert "Reaction time (ms)" in repr(report) and "Table 1" in repr(report)
     assert max(map(len, report.text(60).splitlines())) <= 60

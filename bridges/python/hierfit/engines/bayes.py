@@ -11,7 +11,7 @@ from scipy import stats
 from . import reads
 from .columns import RandomColumn, read_columns, values_of
 from .records import (
-    binary_predicted, design_of, distribution_of, formula_of, frame_of, link_of, numeric_target,
+    binary_predicted, design_of, distribution_of, frame_of, link_of, numeric_target,
     order_of, version,
 )
 from .generalized import binomial_target
@@ -109,7 +109,6 @@ def bayes(result: Any, level: float) -> Parts:
     return Parts(
         call=f"{type(model).__name__}.{'fit_map' if is_laplace else 'fit_vb'}()",
         version=version(),
-        formula=formula_of(model),
         design=design_of(model),
         target=target,
         distribution=distribution,

@@ -11,7 +11,7 @@ from scipy import sparse
 from . import reads, variances
 from .columns import RandomColumn, level_of, read_columns, values_of
 from .records import (
-    design_of, formula_of, frame_of, named_column, numeric_target, order_of, version,
+    design_of, frame_of, named_column, numeric_target, order_of, version,
 )
 from ..design import plain_list
 from ..linear import finite, standard_errors
@@ -312,7 +312,6 @@ def mixedlm(result: Any, level: float) -> Parts:
     return Parts(
         call=f"MixedLM.fit(reml={bool(result.reml)})",
         version=version(),
-        formula=formula_of(model),
         design=design,
         target=numeric_target(model),
         distribution="normal",
