@@ -108,10 +108,14 @@ void set_scale(const Work& work) {
 
 /// Events of trials have no normal distribution.
 void drop_curve(const Work& work) {
+  std::vector<Element*> graphs;
   for (Element* element : output::elements_of(work.chart.document)) {
     if (element->name != "embedded") continue;
-    if (Element* graph = element->child("graph")) graph->remove_children("distributionStatistic");
+    if (Element* graph = element->child("graph")) graphs.push_back(graph);
   }
+  // Only now, and inner ones first: what is removed is among the elements above.
+  for (auto graph = graphs.rbegin(); graph != graphs.rend(); ++graph)
+    (*graph)->remove_children("distributionStatistic");
 }
 
 /// Labels of the target's categories in the histogram that a diagram carries inside.

@@ -19,8 +19,7 @@ constexpr char kFamily[] = "Liberation Sans, Arial, sans-serif";
 /// The same document gives the same file at any time.
 constexpr char kCreated[] = "1970-01-01T00:00:00Z";
 
-/// What stands over the base line of a first line, and how raised marks stand, in sizes.
-constexpr double kAscent = 0.905;
+/// How raised marks stand, in sizes.
 constexpr double kRaisedSize = 0.72;
 constexpr double kRaise = 0.33;
 
