@@ -188,6 +188,8 @@ TEST_CASE("several pairs make a report each and an index") {
         shell("hierfit -d " + kExample + "dictionary.json " + kDocuments).output);
   CHECK(fs::exists(out + "/a/01-predicted-by-observed.svg"));
   const std::string index = text_of(out + "/index.html");
+  CHECK(index.find("<span class=\"title\">Salamander counts near mined streams</span>") !=
+        std::string::npos);
   CHECK(index.find("<a href=\"./a/b/one.html\"") != std::string::npos);
   CHECK(index.find("two &amp; &lt;three&gt;") != std::string::npos);
   CHECK(std::ranges::count(index, '\n') < 100000);
